@@ -1,0 +1,16 @@
+# What every target is compiled with: 32-bit Intel code, C++20, warnings as errors, and sanitizers where the preset asks for them.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+option(SPOTLIGHT_SANITIZE "Build with AddressSanitizer, UndefinedBehaviorSanitizer and leak checks" OFF)
+
+add_compile_options(-m32 -msse2 -mfpmath=sse -fno-omit-frame-pointer)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Werror)
+add_link_options(-m32)
+
+if(SPOTLIGHT_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=address,undefined)
+endif()
