@@ -1,0 +1,47 @@
+// Where an item's attributes come from: the attributes of one file, asked for by name. The files of this machine are one
+// kind of source (file_source.h), files that a test scripts are another. A source models what the metadata store knows
+// of a file; it does not keep the file alive and it does not watch it.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <compare>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sim::macos {
+
+/// Which file it is, whatever it is called: two sources with the same identity speak of the same file. For a file of
+/// this machine the device and inode numbers. Scripted files take volume 0, which no real device has.
+struct FileIdentity {
+    std::uint64_t volume = 0;
+    std::uint64_t file = 0;
+
+    friend auto operator<=>(const FileIdentity &, const FileIdentity &) = default;
+};
+
+/// The attributes of one file. Attribute names are UTF-8 and compare literally; a custom name is as good as one of the
+/// system's own.
+class AttributeSource {
+  public:
+    virtual ~AttributeSource() = default;
+
+    virtual FileIdentity Identity() const = 0;
+
+    /// The absolute path, UTF-8 as the file system has it.
+    virtual std::string Path() const = 0;
+
+    /// What a program reads: a +1 value, or null when the file lacks the attribute or it cannot be read back.
+    virtual CFTypeRef Copy(std::string_view key) const = 0;
+
+    /// What a query compares with: a +1 value or null. Differs from Copy where an attribute can be searched but not
+    /// read back, as the text content of a file.
+    virtual CFTypeRef CopyForSearch(std::string_view key) const { return Copy(key); }
+
+    /// The names of the attributes that Copy has a value for, each once.
+    virtual std::vector<std::string> Names() const = 0;
+};
+
+} // namespace sim::macos
