@@ -14,10 +14,13 @@
 namespace sim::macos {
 
 /// Which file it is, whatever it is called: two sources with the same identity speak of the same file. For a file of
-/// this machine the device and inode numbers. Scripted files take volume 0, which no real device has.
+/// this machine the device and inode numbers, and the birth time in nanoseconds as statx gives it (0 where the file
+/// system keeps none): a file system gives an inode number away again as soon as a file is gone. Scripted files take
+/// volume 0, which no real device has.
 struct FileIdentity {
     std::uint64_t volume = 0;
     std::uint64_t file = 0;
+    std::int64_t birth = 0;
 
     friend auto operator<=>(const FileIdentity &, const FileIdentity &) = default;
 };
