@@ -7,7 +7,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 option(SPOTLIGHT_SANITIZE "Build with AddressSanitizer, UndefinedBehaviorSanitizer and leak checks" OFF)
 
 add_compile_options(-m32 -msse2 -mfpmath=sse -fno-omit-frame-pointer)
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Werror)
+set(SPOTLIGHT_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Werror)
+add_compile_options(${SPOTLIGHT_WARNINGS})
 add_link_options(-m32)
 
 if(SPOTLIGHT_SANITIZE)
