@@ -1,0 +1,44 @@
+#include "simulator/loader/macho_image.h"
+
+#include "simulator/loader/binder.h"
+#include "simulator/loader/image_reader.h"
+#include "simulator/loader/macho_format.h"
+#include "simulator/loader/static_data.h"
+
+namespace sim::loader {
+
+MachOImage::MachOImage(std::span<const uint8_t> bytes, std::string_view file, const LibraryOpener &open,
+                       const std::set<std::string> &absent)
+    : image_(ReadImage(bytes, file)), mapped_(image_, bytes, file) {
+    BindImports(image_, mapped_, open, absent, file);
+    if (const Section *frames = image_.FindSection("__TEXT", "__eh_frame"))
+        unwind_.emplace(std::span<const uint8_t>(mapped_.At(frames->address), frames->size), file);
+    mapped_.Protect();
+    for (const auto &data : mapped_.StaticData())
+        BeginLeakRoot(data);
+    ForEachFunction(macho::kSectionInitialisers, [](Initialiser initialise) { initialise(); });
+}
+
+MachOImage::~MachOImage() {
+    ForEachFunction(macho::kSectionTerminators, [](Initialiser terminate) { terminate(); });
+    for (const auto &data : mapped_.StaticData()) {
+        KeepReachable(data);
+        EndLeakRoot(data);
+    }
+}
+
+void *MachOImage::Find(const std::string &name) const {
+    const Export *entry = image_.FindExport("_" + name);
+    return entry ? mapped_.At(entry->address) : nullptr;
+}
+
+void MachOImage::ForEachFunction(uint32_t sectionType, void (*call)(Initialiser)) const {
+    for (const Section &section : image_.sections) {
+        if (section.type != sectionType)
+            continue;
+        for (uint32_t offset = 0; offset + sizeof(uint32_t) <= section.size; offset += sizeof(uint32_t))
+            call(reinterpret_cast<Initialiser>(mapped_.ReadWord(section.address + offset)));
+    }
+}
+
+} // namespace sim::loader
