@@ -1,0 +1,158 @@
+// The life of an object, from its entry in the ledger to its grave, and how a reference is told from what is none.
+#include "simulator/macos/CoreFoundation/object.h"
+
+#include "simulator/macos/CoreFoundation/constant_string.h"
+#include "simulator/macos/CoreFoundation/registry.h"
+
+#include <cstring>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+extern "C" __attribute__((weak)) int __asan_address_is_poisoned(const volatile void *address);
+
+namespace sim::macos {
+
+namespace {
+
+constexpr std::size_t kTypeBase = 1;
+constexpr std::uint32_t kDying = 0x676e6964;
+constexpr std::uint32_t kDead = 0x64616564;
+
+// Releasing a chain of objects recurses, as it does on the real system, but only this deep: what is deeper waits until
+// the stack has unwound, so that no nesting exhausts it.
+constexpr int kDeepestDestruction = 64;
+
+struct Types {
+    std::mutex mutex;
+    std::vector<std::string> names;
+};
+
+Types &TypesInUse() {
+    static Types *types = new Types;
+    return *types;
+}
+
+struct Words {
+    const void *first;
+    std::uint32_t second;
+};
+
+// Copied, because the memory may hold an object, the remains of one, or anything else.
+Words WordsOf(CFTypeRef cf) {
+    Words words;
+    std::memcpy(&words, cf, sizeof words);
+    return words;
+}
+
+[[noreturn]] void StopForDead(CFTypeRef cf, const char *caller) {
+    std::optional<DeadObject> dead = Registry::Instance().Recall(cf);
+    if (!dead)
+        Stop(std::string(caller) + " was given an object that was released long ago");
+    Stop(std::string(caller) + " was given a dead object: " + dead->what + ", made by " + ToText(dead->made) +
+         ", released for the last time by " + ToText(dead->died));
+}
+
+} // namespace
+
+CFTypeID RegisterType(std::string_view name) {
+    Types &types = TypesInUse();
+    std::lock_guard lock(types.mutex);
+    for (std::size_t index = 0; index < types.names.size(); ++index)
+        if (types.names[index] == name)
+            return index + kTypeBase;
+    types.names.emplace_back(name);
+    return types.names.size() - 1 + kTypeBase;
+}
+
+std::string TypeName(CFTypeID type) {
+    Types &types = TypesInUse();
+    std::lock_guard lock(types.mutex);
+    std::size_t index = type - kTypeBase;
+    return index < types.names.size() ? types.names[index] : "no type";
+}
+
+Object::Object() : retainCount_(1), made_(TakeTrace()) { Registry::Instance().Add(*this); }
+
+Object::~Object() = default;
+
+bool Object::EqualTo(const Object &other) const { return this == &other; }
+
+CFHashCode Object::Hash() const { return reinterpret_cast<CFHashCode>(this) >> 4; }
+
+std::string Object::Description() const { return {}; }
+
+void Object::Retain() {
+    if (!IsImmortal())
+        ++retainCount_;
+}
+
+void Object::Release() {
+    if (!IsImmortal() && --retainCount_ == 0)
+        Destroy(this);
+}
+
+void Object::Destroy(Object *object) {
+    static thread_local int depth = 0;
+    static thread_local std::vector<Object *> *waiting = nullptr;
+    object->state_ = kDying;
+    if (depth == kDeepestDestruction) {
+        if (!waiting)
+            waiting = new std::vector<Object *>;
+        waiting->push_back(object);
+        return;
+    }
+    ++depth;
+    Bury(object);
+    --depth;
+    while (depth == 0 && waiting) {
+        std::vector<Object *> *next = std::exchange(waiting, nullptr);
+        ++depth;
+        for (Object *one : *next)
+            Bury(one);
+        --depth;
+        delete next;
+    }
+}
+
+void Object::Bury(Object *object) {
+    DeadObject dead{Describe(object->As<CFTypeRef>()), object->made_, TakeTrace()};
+    Registry::Instance().Remove(*object);
+    void *memory = dynamic_cast<void *>(object);
+    object->~Object();
+    const Words remains{nullptr, kDead};
+    std::memcpy(memory, &remains, sizeof remains);
+    Registry::Instance().Remember(memory, std::move(dead));
+}
+
+Object &ObjectOf(CFTypeRef cf, const char *caller) {
+    constexpr std::uintptr_t kFirstPage = 4096;
+    if (!cf)
+        Stop(std::string(caller) + " was given null");
+    if (reinterpret_cast<std::uintptr_t>(cf) < kFirstPage || reinterpret_cast<std::uintptr_t>(cf) % alignof(Words) != 0)
+        Stop(std::string(caller) + " was given something that is no object");
+    if (__asan_address_is_poisoned && __asan_address_is_poisoned(cf))
+        StopForDead(cf, caller);
+    const std::uint32_t state = WordsOf(cf).second;
+    if (state == kDead)
+        StopForDead(cf, caller);
+    if (state == kDying)
+        Stop(std::string(caller) + " was given an object that is being destroyed");
+    if (state != Object::kAlive)
+        Stop(std::string(caller) + " was given something that is no object");
+    return *static_cast<Object *>(const_cast<void *>(cf));
+}
+
+void StopForWrongType(CFTypeRef cf, const char *caller) {
+    Stop(std::string(caller) + " was given an object of the wrong type: " + Describe(cf));
+}
+
+std::string Describe(CFTypeRef cf) {
+    if (IsConstantString(cf))
+        return "CFString " + ConstantString::Of(cf).Description();
+    const auto &object = *static_cast<const Object *>(cf);
+    std::string description = object.Description();
+    return TypeName(object.TypeID()) + (description.empty() ? "" : " " + description);
+}
+
+} // namespace sim::macos
