@@ -1,0 +1,31 @@
+// The methods of the host's "Dictionary", looked up once per dictionary rather than once per entry: a cache of one. It
+// is keyed by the handle alone, so whoever has filled or read a dictionary to its end resets it; the next dictionary
+// may live at the same address.
+#pragma once
+
+#include "host/handles.h"
+
+using DictionarySetter = void (*)(REALobjectStruct *dictionary, REALobjectStruct *key, REALobjectStruct *value);
+/// The value is +1, or null.
+using DictionaryGetter = REALobjectStruct *(*)(REALobjectStruct *dictionary, REALobjectStruct *key);
+/// The key is +1, or null.
+using DictionaryKeyGetter = REALobjectStruct *(*)(REALobjectStruct *dictionary, int32_t index);
+
+/// The dictionary that the three methods belong to; null when nothing is cached. No reference is held on it.
+extern REALobjectStruct *LastDictionary;
+extern DictionarySetter LastDictionarySetter;
+extern DictionaryGetter LastDictionaryGetter;
+extern DictionaryKeyGetter LastDictionaryKeyGetter;
+
+/// Makes the cache hold this dictionary's methods. The three are always loaded as a group; one that the host lacks
+/// stays null for the rest of this dictionary.
+void LoadDictionaryMethods(REALobjectStruct *dictionary);
+
+/// Empties the cache at the end of its scope.
+class DictionaryMethodsScope {
+public:
+    DictionaryMethodsScope() = default;
+    DictionaryMethodsScope(const DictionaryMethodsScope &) = delete;
+    DictionaryMethodsScope &operator=(const DictionaryMethodsScope &) = delete;
+    ~DictionaryMethodsScope() { LastDictionary = nullptr; }
+};

@@ -1,0 +1,70 @@
+// What each type of variant becomes.
+#include "convert/from_host.h"
+
+#include <ApplicationServices/ApplicationServices.h>
+
+#include "convert/dates.h"
+#include "convert/from_host_arrays.h"
+#include "convert/from_host_objects.h"
+#include "convert/variant_scalars.h"
+#include "host/owned.h"
+#include "host/strings.h"
+
+namespace {
+
+template <class Value> CFNumberRef Number(CFNumberType type, Value value) {
+    return CFNumberCreate(kCFAllocatorDefault, type, &value);
+}
+
+CFTypeRef Boolean8(int32_t value) {
+    // Deliberate: only the low eight bits count.
+    return CFRetain((value & 0xFF) != 0 ? kCFBooleanTrue : kCFBooleanFalse);
+}
+
+CFTypeRef Color(int32_t packed) {
+    const auto component = [packed](int shift) {
+        return static_cast<CGFloat>(((static_cast<uint32_t>(packed) >> shift) & 0xFF) / 255.0);
+    };
+    return CGColorCreateGenericRGB(component(16), component(8), component(0), 1.0F);
+}
+
+CFTypeRef Text(REALobjectStruct *value) {
+    const auto string = OwnedString::Adopt(GetVariantString(value));
+    if (CFStringRef converted = RBString2CFString(string.Get()))
+        return converted;
+    return CFRetain(CFSTR(""));
+}
+
+} // namespace
+
+CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) {
+    if (!value)
+        return nullptr;
+    const int32_t type = GetVariantType(value);
+    switch (type) {
+    case kVariantNil:
+        return nullptr;
+    case kVariantInt32:
+        return Number(kCFNumberSInt32Type, GetVariantInt32(value));
+    case kVariantInt64:
+        return Number(kCFNumberSInt64Type, GetVariantInt64(value));
+    case kVariantSingle:
+        return Number(kCFNumberFloat32Type, GetVariantSingle(value));
+    case kVariantDouble:
+    case kVariantCurrency:
+        return Number(kCFNumberFloat64Type, GetVariantDouble(value));
+    case kVariantDate:
+        return RBDate2CFDate(static_cast<_REALdate *>(value));
+    case kVariantObject:
+        return CopyObjectAsCFType(value);
+    case kVariantBoolean:
+        return Boolean8(GetVariantInt32(value));
+    case kVariantColor:
+        return Color(GetVariantInt32(value));
+    default:
+        if (const ArrayConversion convert = ConversionOfArray(type))
+            return convert(static_cast<_REALarray *>(value));
+        // Every code without a branch of its own goes through the host's own conversion to text.
+        return Text(value);
+    }
+}

@@ -1,0 +1,48 @@
+#include "convert/from_host_dictionary.h"
+
+#include "convert/dictionary_methods.h"
+#include "convert/from_host.h"
+#include "host/owned.h"
+
+namespace {
+
+OwnedObject KeyAt(REALobjectStruct *dictionary, int32_t index) {
+    LoadDictionaryMethods(dictionary);
+    return OwnedObject::Adopt(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, index) : nullptr);
+}
+
+OwnedObject ValueOf(REALobjectStruct *dictionary, const OwnedObject &key) {
+    LoadDictionaryMethods(dictionary);
+    return OwnedObject::Adopt(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.Get()) : nullptr);
+}
+
+OwnedCF<CFTypeRef> CopyOrNull(const OwnedObject &value) {
+    CFTypeRef converted = CopyVariantAsCFType(value.Get());
+    return OwnedCF<CFTypeRef>::Adopt(converted ? converted : CFRetain(kCFNull));
+}
+
+} // namespace
+
+CFTypeRef CopyDictionary(REALobjectStruct *dictionary) {
+    int32_t count = 0;
+    REALGetPropValueInteger(dictionary, "Count", &count);
+    auto result = OwnedCF<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(
+        kCFAllocatorDefault, count, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    if (!result)
+        return nullptr;
+
+    const DictionaryMethodsScope methods;
+    for (int32_t i = 0; i < count; i++) {
+        // A value that is itself a dictionary empties the cache, so both reads look at it. The key is released before
+        // the value.
+        OwnedObject value;
+        const auto key = KeyAt(dictionary, i);
+        value = ValueOf(dictionary, key);
+        if (!key)
+            continue;
+        const auto convertedKey = CopyOrNull(key);
+        const auto convertedValue = CopyOrNull(value);
+        CFDictionarySetValue(result.Get(), convertedKey.Get(), convertedValue.Get());
+    }
+    return result.Give();
+}

@@ -1,0 +1,13 @@
+// String arrays in both directions.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "host/handles.h"
+
+/// +1; null for a null array. A string that does not convert leaves the empty string in its place.
+[[nodiscard]] CFMutableArrayRef NewCFStringArray(_REALarrayString *array);
+
+/// Inserts the strings of a Core Foundation array at the front of a host array, in their order. Null elements are
+/// skipped; all others are taken to be strings.
+void AddStringArray(_REALarrayString *array, CFArrayRef strings);

@@ -1,0 +1,28 @@
+// Objects of companion plugins that wrap one reference of the platform. Their classes are created and tested by name;
+// the application may lack any of them.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "host/instance_data.h"
+
+/// The instance data of every wrapper class.
+struct WrapperData {
+    /// One retain, owned by the wrapper.
+    CFTypeRef Ref;
+    /// The companion's own.
+    void *untouched;
+    uint32_t Signature;
+};
+
+/// What `Signature` holds in a wrapper: the characters RBCF.
+constexpr uint32_t kWrapperSignature = 0x52424346;
+
+/// The record of a class without superclass. Root classes begin their data at the same place in every host object, so
+/// it tells where a companion's begins too. Whoever declares such a class defines this.
+extern const REALclassDefinition *const kRootClass;
+
+/// The first fields of a companion's instance.
+template <class Data> Data &CompanionData(REALobjectStruct *instance) {
+    return InstanceData<Data>(instance, *kRootClass);
+}

@@ -1,0 +1,94 @@
+#include "host/arrays.h"
+
+#include "host/exceptions.h"
+
+namespace {
+
+// The host's codes for what an array holds.
+constexpr int32_t kStringElements = 3;
+constexpr int32_t kObjectElements = 4;
+constexpr int32_t kEmpty = -1;
+
+/// The part of an old host's array that the plugin knows: instance data begins at byte 24, and its second word is the
+/// table of elements.
+struct OldArray {
+    uint32_t unknown[7];
+    void *elements;
+};
+
+/// The elements of an array whose memory may be used directly; null where the host must be asked.
+template <class Element> Element *DirectElements(_REALarray *array) {
+    if (HostHidesLayouts())
+        return nullptr;
+    return static_cast<Element *>(reinterpret_cast<const OldArray *>(array)->elements);
+}
+
+} // namespace
+
+_REALarrayString *NewStringArray() { return static_cast<_REALarrayString *>(REALCreateArray(kStringElements, kEmpty)); }
+
+_REALarrayObject *NewObjectArray(int32_t upperBound) {
+    return static_cast<_REALarrayObject *>(REALCreateArray(kObjectElements, upperBound));
+}
+
+bool HasDirectElements(_REALarray *array) { return DirectElements<void>(array) != nullptr; }
+
+bool CheckArrayIndex(_REALarray *array, int32_t index) {
+    const int32_t upperBound = REALGetArrayUBound(array);
+    if (index >= 0 && index <= upperBound)
+        return true;
+    RaiseOutOfBoundsException(index, int64_t{upperBound} + 1);
+    return false;
+}
+
+REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index) {
+    if (!array || !CheckArrayIndex(array, index))
+        return nullptr;
+    if (auto *elements = DirectElements<REALstringStruct *>(array)) {
+        if (REALstringStruct *string = elements[index]) {
+            REALLockString(string);
+            return string;
+        }
+        return nullptr;
+    }
+    return REALReadStringArray(array, index);
+}
+
+REALobjectStruct *ReadArrayObject(_REALarray *array, int32_t index) {
+    if (auto *elements = DirectElements<REALobjectStruct *>(array)) {
+        if (elements[index])
+            REALLockObject(elements[index]);
+        return elements[index];
+    }
+    return REALGetArrayValueObject(array, index);
+}
+
+REALstringStruct *ReadArrayString(_REALarray *array, int32_t index) {
+    if (auto *elements = DirectElements<REALstringStruct *>(array)) {
+        if (elements[index])
+            REALLockString(elements[index]);
+        return elements[index];
+    }
+    return REALGetArrayValueString(array, index);
+}
+
+bool ReadArrayBoolean(_REALarray *array, int32_t index) {
+    if (auto *elements = DirectElements<HostBoolean>(array))
+        return elements[index] != 0;
+    return REALGetArrayValueBoolean(array, index) != 0;
+}
+
+void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object) {
+    if (!CheckArrayIndex(array, index))
+        return;
+    auto *elements = DirectElements<REALobjectStruct *>(array);
+    if (!elements) {
+        REALSetArrayValueObject(array, index, object);
+        return;
+    }
+    if (object)
+        REALLockObject(object);
+    if (REALobjectStruct *previous = std::exchange(elements[index], nullptr))
+        REALUnlockObject(previous);
+    elements[index] = object;
+}

@@ -1,0 +1,79 @@
+#include "host/exceptions.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <typeinfo>
+
+#include "host/owned.h"
+#include "host/strings.h"
+
+namespace {
+
+constexpr size_t kRangeMessageSize = 205;
+
+struct Free {
+    void operator()(void *block) const { std::free(block); }
+};
+
+OwnedObject NewException(const char *name) {
+    auto exception = OwnedObject::Adopt(REALnewInstance(name));
+    if (!exception)
+        exception = OwnedObject::Adopt(REALnewInstance("RuntimeException"));
+    return exception;
+}
+
+} // namespace
+
+void RaiseException(const char *name, const char *message, uint32_t, int32_t) {
+    OwnedString text;
+    if (message)
+        text = OwnedString::Adopt(
+            REALBuildUnicodeString(message, static_cast<int64_t>(std::strlen(message)), kCFStringEncodingASCII));
+
+    auto exception = NewException(name);
+    if (!exception)
+        return;
+    if (text)
+        REALSetPropValueString(exception.Get(), "Message", text.Get());
+    // Deliberate: the number is 0 whatever the caller passed.
+    REALSetPropValueInteger(exception.Get(), "ErrorNumber", 0);
+    REALRaiseException(exception.Get());
+}
+
+void RaiseOutOfBoundsException(int64_t value, int64_t count, int64_t, const char *, const char *) {
+    const std::unique_ptr<char, Free> message(static_cast<char *>(std::calloc(kRangeMessageSize, 1)));
+    if (!message) {
+        RaiseException("OutOfBoundsException", "Out of Bounds");
+        return;
+    }
+    const char *format = value < 0 ? "Parameter %s %s%s is too small. Range is %lld to %lld, but value is %lld."
+                                   : "Parameter %s %s%s is too big. Range is %lld to %lld, but value is %lld.";
+    // Deliberate: the empty texts leave two blanks after the parameter's name.
+    std::snprintf(message.get(), kRangeMessageSize, format, "index", "", "", 0LL, static_cast<long long>(count - 1),
+                  static_cast<long long>(value));
+    RaiseException("OutOfBoundsException", message.get());
+}
+
+void RaiseCaughtException() {
+    try {
+        throw;
+    } catch (const std::range_error &error) {
+        RaiseException("OutOfBoundsException", error.what());
+    } catch (const std::out_of_range &error) {
+        RaiseException("OutOfBoundsException", error.what());
+    } catch (const std::overflow_error &error) {
+        RaiseException("OutOfBoundsException", error.what());
+    } catch (const std::underflow_error &error) {
+        RaiseException("OutOfBoundsException", error.what());
+    } catch (const std::bad_cast &error) {
+        RaiseException("IllegalCastException", error.what());
+    } catch (const std::exception &error) {
+        RaiseException("RuntimeException", error.what());
+    } catch (...) {
+        RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
+    }
+}

@@ -1,0 +1,109 @@
+// Reading: host strings to Core Foundation, and Core Foundation strings to the bytes from which build_string.cpp makes
+// host strings.
+#include "host/strings.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "host/host_function.h"
+#include "host/owned.h"
+
+namespace {
+
+/// The part of an old host's string that the plugin knows.
+struct OldString {
+    uint32_t unknown1;
+    /// A length byte, then the text.
+    const UInt8 *storage;
+    uint32_t unknown2;
+    int32_t length;
+};
+
+constinit HostFunction<int32_t(REALstringStruct *)> LenB{"LenB( s as string ) as integer"};
+
+/// The bytes of a host string, held by a reference while they are read.
+struct HostText {
+    const UInt8 *bytes;
+    CFIndex length;
+    OwnedString hold;
+
+    /// A host that lies about a string (no bytes, but a length) must not make anyone read them.
+    bool IsReadable() const { return length == 0 || (length > 0 && bytes); }
+};
+
+OwnedString Hold(REALstringStruct *string) {
+    REALLockString(string);
+    return OwnedString::Adopt(string);
+}
+
+HostText ReadInPlace(REALstringStruct *string) {
+    if (HostHidesLayouts()) {
+        const CFIndex length = LenB(string);
+        const UInt8 *bytes = REALGetStringContents(string);
+        return {bytes, length, Hold(string)};
+    }
+    auto hold = Hold(string);
+    const auto *old = reinterpret_cast<const OldString *>(string);
+    return {old->storage ? old->storage + 1 : nullptr, old->length, std::move(hold)};
+}
+
+CFStringRef StringFromBytes(REALstringStruct *string, CFStringEncoding encoding) {
+    const HostText text = ReadInPlace(string);
+    if (!text.IsReadable())
+        return nullptr;
+    if (encoding == kCFStringEncodingUnicode)
+        return CFStringCreateWithCharacters(kCFAllocatorDefault, reinterpret_cast<const UniChar *>(text.bytes),
+                                            text.length / 2);
+    return CFStringCreateWithBytes(kCFAllocatorDefault, text.bytes, text.length, encoding, true);
+}
+
+REALstringStruct *BuildFromUTF8(CFStringRef string, char *buffer, CFIndex size) {
+    if (!CFStringGetCString(string, buffer, size, kCFStringEncodingUTF8))
+        return nullptr;
+    return REALBuildUnicodeString(buffer, static_cast<int64_t>(std::strlen(buffer)), kCFStringEncodingUTF8);
+}
+
+struct Free {
+    void operator()(void *block) const { std::free(block); }
+};
+
+} // namespace
+
+CFStringRef RBString2CFString(REALstringStruct *string) {
+    if (!string)
+        return nullptr;
+
+    const CFStringEncoding encoding = REALGetStringEncoding(string);
+    if (encoding == kHostUnknownEncoding)
+        return StringFromBytes(string, kCFStringEncodingMacRoman);
+
+    if (HostBuildsStringsWithEncoding())
+        if (CFStringRef converted = REALGetStringCFString(string, 0))
+            return converted;
+    // Deliberate: hosts from 2012 on are asked a second time, through a cell of its own; for older ones it is the
+    // first.
+    static constinit EntryPoint<CFStringRef(REALstringStruct *, int32_t)> askOnAnyHost{"REALGetStringCFString"};
+    if (CFStringRef converted = askOnAnyHost(string, 0))
+        return converted;
+
+    return StringFromBytes(string, encoding);
+}
+
+REALstringStruct *CFString2RBString(CFStringRef string) {
+    constexpr CFIndex kShortLength = 99;
+    constexpr CFIndex kBytesPerUnit = 6;
+
+    const CFIndex length = string ? CFStringGetLength(string) : 0;
+    if (length <= 0)
+        return nullptr;
+    if (length <= kShortLength) {
+        char buffer[601] = {};
+        return BuildFromUTF8(string, buffer, 600);
+    }
+    if (length > INT32_MAX / kBytesPerUnit)
+        return nullptr;
+    const CFIndex size = length * kBytesPerUnit;
+    const std::unique_ptr<char, Free> buffer(static_cast<char *>(std::calloc(static_cast<size_t>(size), 1)));
+    return buffer ? BuildFromUTF8(string, buffer.get(), size) : nullptr;
+}

@@ -1,0 +1,23 @@
+// Strings between the host and Core Foundation. Encodings are Core Foundation's numbers on both sides. A conversion
+// that fails gives null and raises nothing; what null means is for the caller to say.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "host/handles.h"
+
+/// The host's own mark for text of unknown encoding. The platform's constant of a similar name is another number.
+constexpr CFStringEncoding kHostUnknownEncoding = 0xFFFF;
+
+/// +1; null for a null string or for bytes that Core Foundation rejects.
+[[nodiscard]] CFStringRef RBString2CFString(REALstringStruct *string);
+
+/// +1; null for a null or empty string.
+[[nodiscard]] REALstringStruct *CFString2RBString(CFStringRef string);
+
+/// +1; null for no bytes, a length outside 1 to 0x7FFFFFFF, or a host that cannot build it. C++ exceptions of the host
+/// come out as host exceptions.
+[[nodiscard]] REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFStringEncoding encoding);
+
+/// A host string with the UTF-8 form of UTF-16 text in host byte order, +1, or null. The length is in bytes.
+[[nodiscard]] REALstringStruct *REALBuildUnicodeStringUTF16(const void *bytes, int64_t length);

@@ -1,0 +1,63 @@
+// The door: the one function that the host calls without having been told about it.
+#include <pthread.h>
+
+#include "host/services.h"
+#include "plugin/global_method.h"
+#include "plugin/identity.h"
+#include "plugin/registration.h"
+#include "plugin/sort_functions.h"
+#include "spotlight/batching_params.h"
+#include "spotlight/item_data.h"
+#include "spotlight/query_data.h"
+
+namespace {
+
+/// The newest declaration layout that a host of this version understands.
+int32_t DeclarationLayoutOf(double version) {
+    constexpr struct {
+        double since;
+        int32_t layout;
+    } kLayouts[] = {{2013.04, 13}, {2013.03, 12}, {2013.0, 11}, {2012.0, 10}};
+    for (const auto &row : kLayouts)
+        if (version >= row.since)
+            return row.layout;
+    return kOldDeclarationLayout;
+}
+
+void ReadHostVersion() {
+    const auto getVersion = reinterpret_cast<double (*)()>(gResolver("REALGetRBVersion"));
+    if (getVersion)
+        rbversion = getVersion();
+    CurrentREALControlVersion = DeclarationLayoutOf(rbversion);
+}
+
+void TellDeclarationLayout() {
+    // Deliberate: every host has this one, so it is called without a test.
+    const auto registerVersion = reinterpret_cast<void (*)(int32_t)>(gResolver("RegisterPluginVersion"));
+    registerVersion(CurrentREALControlVersion);
+}
+
+} // namespace
+
+/// Starts the plugin: learns about the host, and registers the classes and the global method. Once in a process's life;
+/// further calls do nothing.
+extern "C" __attribute__((visibility("default"))) void REALPluginMain(HostResolver resolver);
+
+void REALPluginMain(HostResolver resolver) {
+    if (gplugin)
+        return;
+    gResolver = resolver;
+    ReadHostVersion();
+    TellDeclarationLayout();
+
+    gpartname = "Spotlight";
+    gplugin = 1;
+    gpluginname = "MacOSX";
+    static_cast<void>(pthread_self());
+
+    LoadSortFunctions();
+    MyREALRegisterClass(MDItemClass);
+    MyREALRegisterClass(MDQueryClass);
+    MyREALRegisterClass(MDQueryBatchingParamsClass);
+    RegisterGlobalMethod();
+}

@@ -1,0 +1,47 @@
+#include "plugin/sort_functions.h"
+
+#include <CoreServices/CoreServices.h>
+
+#include "host/owned.h"
+#include "spotlight/sort_functions.h"
+
+constinit CFBundleRef CoreServicesFramework = nullptr;
+
+namespace {
+
+/// The start-up disk, as the number that hosts have always been served with. The platform's headers give it the name
+/// kOnAppropriateDisk.
+constexpr FSVolumeRefNum kFolderDomain = -32767;
+
+/// +1, or null when any step fails.
+CFBundleRef LoadCoreServices() {
+    FSRef folder;
+    if (FSFindFolder(kFolderDomain, kFrameworksFolderType, true, &folder) != noErr)
+        return nullptr;
+    const auto folderURL = OwnedCF<CFURLRef>::Adopt(CFURLCreateFromFSRef(kCFAllocatorSystemDefault, &folder));
+    if (!folderURL)
+        return nullptr;
+    const auto frameworkURL = OwnedCF<CFURLRef>::Adopt(CFURLCreateCopyAppendingPathComponent(
+        kCFAllocatorSystemDefault, folderURL.Get(), CFSTR("CoreServices.framework"), false));
+    if (!frameworkURL)
+        return nullptr;
+    auto bundle = OwnedCF<CFBundleRef>::Adopt(CFBundleCreate(kCFAllocatorSystemDefault, frameworkURL.Get()));
+    return bundle && CFBundleLoadExecutable(bundle.Get()) ? bundle.Give() : nullptr;
+}
+
+template <class Function> void LookUp(Function &function, CFStringRef name) {
+    function = reinterpret_cast<Function>(CFBundleGetFunctionPointerForName(CoreServicesFramework, name));
+}
+
+} // namespace
+
+void LoadSortFunctions() {
+    if (!REALinRuntime())
+        return;
+    CoreServicesFramework = LoadCoreServices();
+    if (!CoreServicesFramework)
+        return;
+    LookUp(myMDQueryGetSortOptionFlagsForAttribute, CFSTR("MDQueryGetSortOptionFlagsForAttribute"));
+    LookUp(myMDQuerySetSortOptionFlagsForAttribute, CFSTR("MDQuerySetSortOptionFlagsForAttribute"));
+    LookUp(myMDQuerySetSortOrder, CFSTR("MDQuerySetSortOrder"));
+}

@@ -1,0 +1,22 @@
+// The query class: its record, its instance data, and the check with which its methods begin.
+#pragma once
+
+#include <CoreServices/CoreServices.h>
+
+#include "host/instance_data.h"
+
+struct MDQueryData {
+    /// Owned; null while no query exists. Host code sees it as an Integer and can write it.
+    MDQueryRef Handle;
+    /// A variant of host code's own, given up by the destructor.
+    REALobjectStruct *Tag;
+};
+
+extern REALclassDefinition MDQueryClass;
+/// In this order: Progress, Finish, Update.
+extern REALevent MDQueryEvents[3];
+
+inline MDQueryData &QueryData(REALobjectStruct *query) { return InstanceData<MDQueryData>(query, MDQueryClass); }
+
+/// The query of an instance, borrowed. Without one it raises "NilObjectException" and gives null.
+MDQueryRef RequireQuery(REALobjectStruct *self);

@@ -1,0 +1,96 @@
+// A query object from construction to destruction.
+#include "convert/string_arrays.h"
+#include "host/exceptions.h"
+#include "host/owned.h"
+#include "host/strings.h"
+#include "spotlight/query_data.h"
+#include "spotlight/query_events.h"
+#include "spotlight/query_methods.h"
+
+namespace {
+
+/// The framework's local centre calls back with the host object itself; the destructor takes it off before the query
+/// goes.
+void ObserveQuery(REALobjectStruct *self, MDQueryRef query) {
+    CFNotificationCenterRef center = CFNotificationCenterGetLocalCenter();
+    for (CFStringRef name :
+         {kMDQueryProgressNotification, kMDQueryDidUpdateNotification, kMDQueryDidFinishNotification})
+        CFNotificationCenterAddObserver(center, self, MyCallBack, name, query,
+                                        CFNotificationSuspensionBehaviorDeliverImmediately);
+}
+
+/// Converts the constructor's arguments, lets `create` make a query of them, and keeps what it makes, null included.
+template <class Create>
+void ConstructQuery(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,
+                    _REALarrayString *sortingAttributes, Create create) {
+    const auto text = OwnedCF<CFStringRef>::Adopt(RBString2CFString(queryString));
+    if (!text)
+        return;
+    // The sorting attributes are converted first and released first.
+    OwnedCF<CFMutableArrayRef> valueList;
+    const auto sorting = OwnedCF<CFMutableArrayRef>::Adopt(NewCFStringArray(sortingAttributes));
+    valueList = OwnedCF<CFMutableArrayRef>::Adopt(NewCFStringArray(valueListAttributes));
+
+    const MDQueryRef query = create(text.Get(), valueList.Get(), sorting.Get());
+    QueryData(self).Handle = query;
+    if (query)
+        ObserveQuery(self, query);
+}
+
+} // namespace
+
+MDQueryRef RequireQuery(REALobjectStruct *self) {
+    const MDQueryRef query = QueryData(self).Handle;
+    if (!query)
+        RaiseException("NilObjectException", "MDQuery Reference is nil");
+    return query;
+}
+
+void rbMDQueryCreate4(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,
+                      _REALarrayString *sortingAttributes) {
+    ConstructQuery(self, queryString, valueListAttributes, sortingAttributes,
+                   [](CFStringRef text, CFArrayRef valueList, CFArrayRef sorting) {
+                       return MDQueryCreate(kCFAllocatorDefault, text, valueList, sorting);
+                   });
+}
+
+void rbMDQueryCreate3(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes) {
+    rbMDQueryCreate4(self, queryString, valueListAttributes, nullptr);
+}
+
+void rbMDQueryCreate2(REALobjectStruct *self, REALstringStruct *queryString) {
+    rbMDQueryCreate4(self, queryString, nullptr, nullptr);
+}
+
+void rbMDQueryCreateSubset5(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString,
+                            _REALarrayString *valueListAttributes, _REALarrayString *sortingAttributes) {
+    // Deliberate: a source without a query raises nothing; the new object stays without one too.
+    const MDQueryRef source = query ? QueryData(query).Handle : nullptr;
+    if (!source)
+        return;
+    ConstructQuery(self, queryString, valueListAttributes, sortingAttributes,
+                   [source](CFStringRef text, CFArrayRef valueList, CFArrayRef sorting) {
+                       return MDQueryCreateSubset(kCFAllocatorDefault, source, text, valueList, sorting);
+                   });
+}
+
+void rbMDQueryCreateSubset4(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString,
+                            _REALarrayString *valueListAttributes) {
+    rbMDQueryCreateSubset5(self, query, queryString, valueListAttributes, nullptr);
+}
+
+void rbMDQueryCreateSubset3(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString) {
+    rbMDQueryCreateSubset5(self, query, queryString, nullptr, nullptr);
+}
+
+void MDQueryDestructor(REALobjectStruct *self) {
+    MDQueryData &data = QueryData(self);
+    if (data.Handle) {
+        CFNotificationCenterRemoveEveryObserver(CFNotificationCenterGetLocalCenter(), self);
+        CFRelease(data.Handle);
+    }
+    data.Handle = nullptr;
+    if (data.Tag)
+        REALUnlockObject(data.Tag);
+    data.Tag = nullptr;
+}

@@ -1,0 +1,75 @@
+// Where a query looks, and how much it may find.
+#include "convert/folder_items.h"
+#include "host/arrays.h"
+#include "host/exceptions.h"
+#include "host/strings.h"
+#include "spotlight/query_data.h"
+#include "spotlight/query_methods.h"
+
+namespace {
+
+/// The scope's entries. The framework's array would grow; the limit is the plugin's own.
+class Scope {
+public:
+    Scope()
+        : entries_(OwnedCF<CFMutableArrayRef>::Adopt(
+              CFArrayCreateMutable(kCFAllocatorDefault, kMaximum, &kCFTypeArrayCallBacks))) {}
+
+    /// An entry beyond the limit raises "OutOfBoundsException" and is left out.
+    void Append(CFTypeRef entry) {
+        const CFIndex index = count_++;
+        if (index >= kMaximum)
+            RaiseOutOfBoundsException(index, kMaximum);
+        else if (entries_)
+            CFArrayAppendValue(entries_.Get(), entry);
+    }
+
+    CFArrayRef Entries() const { return entries_.Get(); }
+
+private:
+    static constexpr CFIndex kMaximum = 20;
+
+    OwnedCF<CFMutableArrayRef> entries_;
+    CFIndex count_ = 0;
+};
+
+void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
+    const int32_t upperBound = paths ? REALGetArrayUBound(paths) : -1;
+    for (int32_t i = 0; i <= upperBound; i++) {
+        if (!CheckArrayIndex(paths, i))
+            continue;
+        const auto folder = OwnedObject::Adopt(ReadArrayObject(paths, i));
+        const auto url =
+            OwnedCF<CFURLRef>::Adopt(CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(folder.Get())));
+        if (url)
+            scope.Append(url.Get());
+    }
+}
+
+void AppendNames(Scope &scope, _REALarrayString *options) {
+    const int32_t upperBound = options ? REALGetArrayUBound(options) : -1;
+    for (int32_t i = 0; i <= upperBound; i++) {
+        const auto option = OwnedString::Adopt(REALGetArrayString(options, i));
+        const auto name = OwnedCF<CFStringRef>::Adopt(RBString2CFString(option.Get()));
+        if (name)
+            scope.Append(name.Get());
+    }
+}
+
+} // namespace
+
+void rbMDQuerySetSearchScope(REALobjectStruct *self, _REALarrayFolderitem *paths, _REALarrayString *options) {
+    const MDQueryRef query = RequireQuery(self);
+    if (!query)
+        return;
+    Scope scope;
+    AppendFolders(scope, paths);
+    AppendNames(scope, options);
+    if (scope.Entries())
+        MDQuerySetSearchScope(query, scope.Entries(), 0);
+}
+
+void rbMDQuerySetMaxCount(REALobjectStruct *self, int32_t size) {
+    if (const MDQueryRef query = RequireQuery(self))
+        MDQuerySetMaxCount(query, size);
+}
