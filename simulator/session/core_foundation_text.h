@@ -1,0 +1,16 @@
+// Text on its way between this program's UTF-8 and the stand-in system's strings.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <string>
+
+namespace sim {
+
+/// A new string, +1, or null when the bytes are no UTF-8.
+CFStringRef NewCFString(const std::string &text);
+
+/// The text in UTF-8; what UTF-16 cannot mean is dropped. Null gives "".
+std::string FromCFString(CFStringRef string);
+
+} // namespace sim

@@ -1,0 +1,62 @@
+#include "simulator/session/session.h"
+
+#include "simulator/macos/control/faults.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <utility>
+
+namespace sim {
+namespace {
+
+const void *MakeCFString(const host::Text &text) {
+    const macos::OwnCalls own;
+    return CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(text.bytes.data()),
+                                   static_cast<CFIndex>(text.bytes.size()), text.encoding, false);
+}
+
+} // namespace
+
+Session::Session(SessionOptions options)
+    : plugin_(loader::PluginImage::Load(options.plugin, {.absentSymbols = std::move(options.absentSymbols)})),
+      host_(Connected(std::move(options.host))) {
+    if (options.start)
+        Start();
+    else
+        before_ = macos::ledger::Take();
+}
+
+Session::~Session() = default;
+
+void Session::Start() {
+    host_.Start(plugin_.EntryPoint());
+    before_ = macos::ledger::Take();
+}
+
+bool Session::RunLoop(double seconds) {
+    return CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, true) == kCFRunLoopRunHandledSource;
+}
+
+std::vector<std::string> Session::Balance() const {
+    std::vector<std::string> lines = host_.Balance();
+    const std::string system = macos::ledger::Since(before_).ToText();
+    for (size_t begin = 0; begin < system.size();) {
+        const size_t end = std::min(system.find('\n', begin), system.size());
+        lines.push_back(system.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return lines;
+}
+
+host::HostOptions Session::Connected(host::HostOptions options) {
+    if (!options.files)
+        options.files = &files_;
+    if (!options.makeCFString)
+        options.makeCFString = MakeCFString;
+    for (host::CompanionClass &companion : options.companions)
+        if (companion.wraps && !companion.release)
+            companion.release = [](const void *reference) { CFRelease(reference); };
+    return options;
+}
+
+} // namespace sim

@@ -1,0 +1,62 @@
+// One plugin at work: the stand-in system and a stand-in host, each knowing nothing of the other, brought together
+// around one loaded image, as a running application brings the real ones together. What needs the whole (the command
+// line tool, tests through the front door) starts here.
+#pragma once
+
+#include "simulator/host/host.h"
+#include "simulator/loader/plugin_image.h"
+#include "simulator/macos/control/ledger.h"
+#include "simulator/session/system_files.h"
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+struct SessionOptions {
+    /// The library that ships, or the native build of the same sources.
+    std::filesystem::path plugin;
+    /// The session fills in what connects a host to a system where it is left empty: `files`, `makeCFString`, and what
+    /// companions' wrappers do with their reference when they die.
+    host::HostOptions host = {};
+    /// C names of symbols that the running system lacks. What is found by name at run time is the system's own affair.
+    std::set<std::string> absentSymbols = {};
+    /// Ends after loading; the test calls Start itself.
+    bool start = true;
+};
+
+class Session {
+public:
+    /// Loads a fresh copy of the plugin and starts it. Throws loader::LoadError.
+    explicit Session(SessionOptions options);
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+    /// Objects and values of the host must be gone. The plugin's code is gone afterwards.
+    ~Session();
+
+    host::Host &Host() { return host_; }
+    const loader::PluginImage &Plugin() const { return plugin_; }
+
+    /// Calls the plugin's entry point. Done already unless the options say otherwise.
+    void Start();
+
+    /// Lets the main run loop work for at most that long, and returns early once it has handled something. False when
+    /// nothing happened.
+    bool RunLoop(double seconds);
+
+    /// One line for each host reference and each Core Foundation object that is out of balance: what was made since
+    /// the plugin was started and is still alive, or was released once too often. Empty when all is well.
+    std::vector<std::string> Balance() const;
+
+private:
+    host::HostOptions Connected(host::HostOptions options);
+
+    SystemFiles files_;
+    loader::PluginImage plugin_;
+    host::Host host_;
+    macos::ledger::Snapshot before_;
+};
+
+} // namespace sim
