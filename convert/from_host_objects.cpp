@@ -34,7 +34,8 @@ CFTypeRef CopyMemoryBlock(REALobjectStruct *block) {
 template <size_t n> CFTypeRef CopyGeometry(REALobjectStruct *object) {
     const auto &fields = CompanionData<std::array<double, n>>(object);
     std::array<CGFloat, n> coordinates;
-    std::ranges::transform(fields, coordinates.begin(), [](double field) { return static_cast<CGFloat>(field); });
+    std::transform(fields.begin(), fields.end(), coordinates.begin(),
+                   [](double field) { return static_cast<CGFloat>(field); });
     return CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(coordinates.data()), sizeof coordinates);
 }
 
