@@ -1,6 +1,6 @@
-// Where an item's attributes come from: the attributes of one file, asked for by name. The files of this machine are one
-// kind of source (file_source.h), files that a test scripts are another. A source models what the metadata store knows
-// of a file; it does not keep the file alive and it does not watch it.
+// Where an item's attributes come from: the attributes of one file, asked for by name. The files of this machine are
+// one kind of source (file_source.h), files that a test scripts are another. A source models what the metadata store
+// knows of a file; it does not keep the file alive and it does not watch it.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -28,7 +28,7 @@ struct FileIdentity {
 /// The attributes of one file. Attribute names are UTF-8 and compare literally; a custom name is as good as one of the
 /// system's own.
 class AttributeSource {
-  public:
+public:
     virtual ~AttributeSource() = default;
 
     virtual FileIdentity Identity() const = 0;

@@ -17,7 +17,7 @@
 namespace sim::macos {
 
 class Item final : public Object {
-  public:
+public:
     /// +1. An item of any source; the source may be shared with whoever else looks at the file.
     static MDItemRef Create(std::shared_ptr<const AttributeSource> source);
 
@@ -34,7 +34,13 @@ class Item final : public Object {
     /// must be the one it had: equality and hash never change in an item's life.
     void SetSource(std::shared_ptr<const AttributeSource> source);
 
-  private:
+    static CFTypeID Type();
+    CFTypeID TypeID() const override { return Type(); }
+    bool EqualTo(const Object &other) const override;
+    CFHashCode Hash() const override;
+    std::string Description() const override;
+
+private:
     explicit Item(std::shared_ptr<const AttributeSource> source);
 
     std::shared_ptr<const AttributeSource> source_;
