@@ -1,0 +1,56 @@
+// Byte buffers.
+#include "simulator/macos/CoreFoundation/data.h"
+
+#include "simulator/macos/control/faults.h"
+
+#include <algorithm>
+#include <functional>
+#include <string_view>
+
+namespace sim::macos {
+
+Data::Data(std::span<const UInt8> bytes) {
+    bytes_.reserve(std::max<std::size_t>(bytes.size(), 1)); // an address even when there is nothing at it
+    bytes_.assign(bytes.begin(), bytes.end());
+}
+
+bool Data::EqualTo(const Object &other) const { return bytes_ == static_cast<const Data &>(other).bytes_; }
+
+CFHashCode Data::Hash() const {
+    constexpr std::size_t kHashed = 80;
+    const std::size_t count = std::min(kHashed, bytes_.size());
+    return std::hash<std::string_view>()({reinterpret_cast<const char *>(bytes_.data()), count});
+}
+
+std::string Data::Description() const { return "of " + std::to_string(bytes_.size()) + " bytes"; }
+
+CFRef<CFDataRef> MakeData(std::span<const UInt8> bytes) {
+    return CFRef<CFDataRef>::Adopt((new Data(bytes))->As<CFDataRef>());
+}
+
+namespace {
+
+FallibleCall create("CFDataCreate");
+
+} // namespace
+
+} // namespace sim::macos
+
+using namespace sim::macos;
+
+CFTypeID CFDataGetTypeID() {
+    static const CFTypeID type = RegisterType("CFData");
+    return type;
+}
+
+CFDataRef CFDataCreate(CFAllocatorRef, const UInt8 *bytes, CFIndex length) {
+    if (length < 0 || (length > 0 && !bytes))
+        Stop("CFDataCreate was given no bytes, or less than none");
+    if (create.Fails())
+        return nullptr;
+    return MakeData({bytes, static_cast<std::size_t>(length)}).Give();
+}
+
+const UInt8 *CFDataGetBytePtr(CFDataRef data) { return Expect<Data>(data).Bytes().data(); }
+
+CFIndex CFDataGetLength(CFDataRef data) { return static_cast<CFIndex>(Expect<Data>(data).Bytes().size()); }
