@@ -5,13 +5,13 @@ namespace sim::macos {
 
 /// While it lives, each live query can watch at most so many folders.
 class ScriptedWatchLimit {
-  public:
+public:
     explicit ScriptedWatchLimit(int count);
     ~ScriptedWatchLimit();
     ScriptedWatchLimit(const ScriptedWatchLimit &) = delete;
     ScriptedWatchLimit &operator=(const ScriptedWatchLimit &) = delete;
 
-  private:
+private:
     int previous_;
 };
 
