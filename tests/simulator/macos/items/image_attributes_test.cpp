@@ -1,0 +1,163 @@
+// What a program reads of pictures.
+#include "tests/simulator/macos/items/support/balance.h"
+#include "tests/simulator/macos/items/support/reading.h"
+#include "tests/simulator/macos/items/support/sample_images.h"
+#include "tests/simulator/macos/items/support/temporary_folder.h"
+
+#include <doctest/doctest.h>
+
+namespace sim::macos {
+
+namespace {
+
+using namespace std::string_literals;
+
+struct Expected {
+    const std::string &bytes;
+    const char *name;
+    int width, height, bits;
+    const char *colorSpace;
+    bool hasAlpha;
+    int orientation;
+};
+
+/// A little-endian EXIF directory of one short and two fractions as an APP1 segment, put in front of a photo.
+std::string WithExif(const std::string &photo, char orientation) {
+    const std::string tiff = "II*\0\x08\0\0\0"s                    // header; the directory is at 8
+                             "\x04\0"s                             // four entries
+                             "\x0F\x01\x02\0\x04\0\0\0Abc\0"s      // make, in place
+                             "\x10\x01\x02\0\x06\0\0\0\x3E\0\0\0"s // model, at 62
+                             "\x12\x01\x03\0\x01\0\0\0"s +         // orientation
+                             orientation +
+                             "\0\0\0"s +                           //
+                             "\x1A\x01\x05\0\x01\0\0\0\x44\0\0\0"s // width resolution, at 68
+                             "\0\0\0\0"s                           // no further directory
+                             "\0\0\0\0"s                           // up to 62
+                             "Mod-1\0"s                            // the model
+                             "\x90\x01\0\0\x03\0\0\0"s;            // 400 / 3
+    const std::string data = "Exif\0\0"s + tiff;
+    const auto length = static_cast<char>(data.size() + 2);
+    return photo.substr(0, 2) + "\xFF\xE1"s + '\0' + length + data + photo.substr(2);
+}
+
+} // namespace
+
+TEST_CASE("a picture tells its size, colour space, depth, transparency and orientation") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const Expected kPictures[] = {
+        {kRGBAPicture, "rgba.png", 3, 2, 8, "RGB", true, 0},
+        {kGrayPicture, "gray.png", 4, 7, 16, "Gray", false, 1},
+        {kPalettePicture, "palette.png", 8, 8, 8, "RGB", true, 0},
+        {kColorPhoto, "color.jpg", 16, 9, 8, "RGB", false, 0},
+        {kGrayPhoto, "gray.jpg", 2, 5, 8, "Gray", false, 1},
+        {kPrintPhoto, "print.jpg", 2, 3, 8, "CMYK", false, 1},
+        {kProgressivePhoto, "progressive.jpg", 6, 4, 8, "Gray", false, 0},
+    };
+    for (const Expected &picture : kPictures) {
+        CAPTURE(picture.name);
+        const auto item = ItemAt(folder.Write(picture.name, picture.bytes));
+        CHECK(Whole(Attribute(item, "kMDItemPixelWidth")) == picture.width);
+        CHECK(Whole(Attribute(item, "kMDItemPixelHeight")) == picture.height);
+        CHECK(Whole(Attribute(item, "kMDItemPixelCount")) == picture.width * picture.height);
+        CHECK(Whole(Attribute(item, "kMDItemBitsPerSample")) == picture.bits);
+        CHECK(Text(Attribute(item, "kMDItemColorSpace")) == picture.colorSpace);
+        CHECK(Truth(Attribute(item, "kMDItemHasAlphaChannel")) == picture.hasAlpha);
+        CHECK(Whole(Attribute(item, "kMDItemOrientation")) == picture.orientation);
+    }
+}
+
+TEST_CASE("the pixel sizes are those that file(1) reads") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const struct {
+        const std::string &bytes;
+        const char *separator;
+    } kPictures[] = {
+        {kRGBAPicture, " x "}, {kGrayPicture, " x "}, {kColorPhoto, "x"}, {kGrayPhoto, "x"}, {kProgressivePhoto, "x"},
+    };
+    for (const auto &picture : kPictures) {
+        const std::string path = folder.Write("picture", picture.bytes);
+        const std::string size = std::to_string(Whole(Attribute(path, "kMDItemPixelWidth"))) + picture.separator +
+                                 std::to_string(Whole(Attribute(path, "kMDItemPixelHeight"))) + ",";
+        const std::string others = OutputOf("file --brief " + path) + ",";
+        CAPTURE(others);
+        CHECK(others.find(" " + size) != std::string::npos);
+    }
+}
+
+TEST_CASE("a resolution is told in dots per inch, and only where the file gives it a unit") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const auto resolution = [&](const std::string &bytes, const char *key) {
+        return Fraction(Attribute(folder.Write("picture", bytes), key));
+    };
+    CHECK(resolution(kRGBAPicture, "kMDItemResolutionWidthDPI") == doctest::Approx(5669 * 0.0254));
+    CHECK(resolution(kRGBAPicture, "kMDItemResolutionHeightDPI") == doctest::Approx(11338 * 0.0254));
+    CHECK(resolution(kColorPhoto, "kMDItemResolutionWidthDPI") == 300);
+    CHECK(resolution(kColorPhoto, "kMDItemResolutionHeightDPI") == 150);
+    CHECK(resolution(kGrayPhoto, "kMDItemResolutionHeightDPI") == doctest::Approx(254));
+    for (const std::string &bytes : {kGrayPicture, kPrintPhoto, kProgressivePhoto}) {
+        const std::string path = folder.Write("picture", bytes);
+        CHECK_FALSE(Attribute(path, "kMDItemResolutionWidthDPI"));
+        CHECK_FALSE(Attribute(path, "kMDItemResolutionHeightDPI"));
+    }
+}
+
+TEST_CASE("a picture in the standard colour space names its profile") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    CHECK(Text(Attribute(folder.Write("a.png", kRGBAPicture), "kMDItemProfileName")) == "sRGB IEC61966-2.1");
+    CHECK_FALSE(Attribute(folder.Write("b.png", kGrayPicture), "kMDItemProfileName"));
+}
+
+TEST_CASE("EXIF data tells the camera, the resolution and that a photo is shown on its side") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const auto upright = ItemAt(folder.Write("upright.jpg", WithExif(kColorPhoto, 1)));
+    CHECK(Text(Attribute(upright, "kMDItemAcquisitionMake")) == "Abc");
+    CHECK(Text(Attribute(upright, "kMDItemAcquisitionModel")) == "Mod-1");
+    CHECK(Whole(Attribute(upright, "kMDItemOrientation")) == 0);
+    CHECK(Whole(Attribute(upright, "kMDItemPixelWidth")) == 16);
+    const auto turned = ItemAt(folder.Write("turned.jpg", WithExif(kColorPhoto, 6)));
+    CHECK(Whole(Attribute(turned, "kMDItemOrientation")) == 1);
+    CHECK(Whole(Attribute(turned, "kMDItemPixelWidth")) == 16);
+    const auto noUnit = ItemAt(folder.Write("print.jpg", WithExif(kPrintPhoto, 1)));
+    CHECK(Fraction(Attribute(noUnit, "kMDItemResolutionWidthDPI")) == doctest::Approx(400.0 / 3));
+    CHECK_FALSE(Attribute(noUnit, "kMDItemResolutionHeightDPI"));
+}
+
+TEST_CASE("a picture cut off anywhere before the end of its header has no picture attributes") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const auto headerEnds = [](const std::string &bytes, const std::string &mark) { return bytes.find(mark); };
+    for (std::size_t length = 0; length < 8 + 8 + 13; length++) {
+        CAPTURE(length);
+        CHECK_FALSE(Attribute(folder.Write("cut.png", kRGBAPicture.substr(0, length)), "kMDItemPixelWidth"));
+    }
+    const std::size_t frame = headerEnds(kColorPhoto, "\xFF\xC0");
+    REQUIRE(frame != std::string::npos);
+    for (std::size_t length = 0; length < frame + 10; length++) {
+        CAPTURE(length);
+        CHECK_FALSE(Attribute(folder.Write("cut.jpg", kColorPhoto.substr(0, length)), "kMDItemPixelWidth"));
+    }
+    for (std::size_t length = 0; length < 110; length++) { // must not read beyond the data, whatever it finds
+        const std::string exif = WithExif(kColorPhoto, 6);
+        CHECK(Attribute(folder.Write("cut-exif.jpg", exif.substr(0, length)), "kMDItemFSSize"));
+        CHECK_FALSE(Attribute(folder.PathOf("cut-exif.jpg"), "kMDItemPixelWidth"));
+    }
+}
+
+TEST_CASE("what is no picture has no picture attributes, also under a picture's name") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const auto item = ItemAt(folder.Write("words.png", "These are words.\n"));
+    CHECK(Text(Attribute(item, "kMDItemContentType")) == "public.png");
+    for (const char *key : {"kMDItemPixelWidth", "kMDItemPixelCount", "kMDItemColorSpace", "kMDItemHasAlphaChannel",
+                            "kMDItemOrientation", "kMDItemAcquisitionMake"}) {
+        CAPTURE(key);
+        CHECK_FALSE(Attribute(item, key));
+    }
+}
+
+} // namespace sim::macos
