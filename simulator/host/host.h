@@ -28,6 +28,8 @@ class Runtime;
 struct Request {
     std::string name;
     bool answered = false;
+    /// Whether this stand-in has such a service at all; a name that it does not know deserves a look.
+    bool known = false;
 };
 
 /// One call of a service.

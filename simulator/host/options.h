@@ -66,6 +66,9 @@ struct CompanionClass {
     uint32_t dataSize = 12;
 };
 
+/// What the set function of an object array expects behind the array.
+enum class SetterOrder { kValueThenIndex, kIndexThenValue };
+
 struct HostOptions {
     /// What "REALGetRBVersion" reports. Without a value the host has no such service and counts as older than any.
     std::optional<double> version = 2013.04;
@@ -77,6 +80,7 @@ struct HostOptions {
     /// Whether arrays of a host below 2016.0 (or without a version) let their element storage be seen. Newer hosts
     /// never do.
     bool directArrayStorage = true;
+    SetterOrder setterOrder = SetterOrder::kValueThenIndex;
     /// Names that the resolver answers with null, or loadable declarations (see Services in host.h) that are not found.
     std::set<std::string, std::less<>> withheld = {};
     /// Leaves out every first name of a service that has an older second name.

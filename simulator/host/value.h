@@ -162,9 +162,10 @@ private:
     template <class T> const T &Require() const {
         if (const T *held = std::get_if<T>(&held_))
             return *held;
-        ThrowUnlike(Value(T{}));
+        ThrowUnlike(kNameOf<T>);
     }
-    [[noreturn]] void ThrowUnlike(const Value &wanted) const;
+    template <class T> static constexpr const char *kNameOf = nullptr;
+    [[noreturn]] void ThrowUnlike(const char *wanted) const;
     std::string TypeName() const;
 
     Held held_;
@@ -183,6 +184,16 @@ struct EventCall {
 
 /// `text` as UTF-8; bytes that are no text in its encoding become U+FFFD. Text of unknown encoding is read as MacRoman.
 std::string ToUTF8(const Text &text);
+
+template <> inline constexpr const char *Value::kNameOf<bool> = "a boolean";
+template <> inline constexpr const char *Value::kNameOf<int32_t> = "an integer";
+template <> inline constexpr const char *Value::kNameOf<uint32_t> = "a uint32";
+template <> inline constexpr const char *Value::kNameOf<int64_t> = "an int64";
+template <> inline constexpr const char *Value::kNameOf<float> = "a single";
+template <> inline constexpr const char *Value::kNameOf<double> = "a double";
+template <> inline constexpr const char *Value::kNameOf<Color> = "a color";
+template <> inline constexpr const char *Value::kNameOf<Text> = "a string";
+template <> inline constexpr const char *Value::kNameOf<Object> = "an object";
 
 template <class T> bool Value::Is() const {
     if constexpr (std::is_same_v<T, std::string>)
