@@ -68,7 +68,7 @@ void Reader::ReadCommands() {
     if (header_.commandBytes > bytes_.size() - sizeof(macho::Header))
         Fail("the load commands end after the file");
     const auto area = bytes_.subspan(sizeof(macho::Header), header_.commandBytes);
-    ByteCursor cursor(area, file_, "the load commands");
+    ByteCursor cursor(area, file_, "the list of load commands");
     for (uint32_t i = 0; i < header_.commandCount; ++i) {
         const size_t start = cursor.Position();
         const auto head = cursor.Read<macho::CommandHeader>();

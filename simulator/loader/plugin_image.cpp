@@ -18,8 +18,10 @@ std::vector<uint8_t> ReadFile(const std::filesystem::path &path) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream)
         throw LoadError(path.string(), std::strerror(errno));
+    if (!std::filesystem::is_regular_file(path))
+        throw LoadError(path.string(), "is not a regular file");
     std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (stream.bad() || !std::filesystem::is_regular_file(path))
+    if (stream.bad())
         throw LoadError(path.string(), "cannot be read");
     return bytes;
 }

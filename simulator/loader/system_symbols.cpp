@@ -41,6 +41,8 @@ const Row kSystemRows[] = {
     {"_strlen", "strlen"},
     {"_strncmp", "strncmp"},
     {"___divdi3", "__divdi3"},
+    {"___fixunsdfdi", "__fixunsdfdi"},
+    {"___floatundidf", "__floatundidf"},
     {"___moddi3", "__moddi3"},
     {"___udivdi3", "__udivdi3"},
     {"___umoddi3", "__umoddi3"},
@@ -70,9 +72,14 @@ void *FindSystemSymbol(const std::string &symbol) {
 
 void *FindCxxSymbol(const ElfLibrary &runtime, const std::string &symbol) {
     std::string name = symbol.starts_with('_') ? symbol.substr(1) : "";
-    for (const Row &row : kCxxRows)
-        if (symbol == row.symbol)
+    for (const Row &row : kCxxRows) {
+        if (name == row.linuxName)
+            return nullptr; // the platform spells it the other way
+        if (symbol == row.symbol) {
             name = row.linuxName;
+            break;
+        }
+    }
     // The runtime says whether there is such a symbol, the process whose it is: a sanitizer may have put its own first.
     return !name.empty() && runtime.FindOwn(name) ? dlsym(RTLD_DEFAULT, name.c_str()) : nullptr;
 }

@@ -2,6 +2,7 @@
 
 #include "simulator/loader/byte_cursor.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -75,7 +76,7 @@ public:
         : copy_(copy.first(section.size())), cursor_(copy_, file, "the unwind table"),
           shift_(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(copy.data()) -
                                        reinterpret_cast<uintptr_t>(section.data()))) {
-        std::memcpy(copy.data(), section.data(), section.size());
+        std::ranges::copy(section, copy.begin());
         std::memset(copy.data() + section.size(), 0, sizeof(uint32_t));
     }
 

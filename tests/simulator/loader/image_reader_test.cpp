@@ -1,0 +1,286 @@
+#include "simulator/loader/image_reader.h"
+#include "simulator/loader/load_error.h"
+#include "tests/simulator/loader/image_builder.h"
+
+#include <doctest/doctest.h>
+
+#include <cstring>
+#include <random>
+
+namespace sim::loader {
+namespace {
+
+std::string FaultIn(const Bytes &bytes) {
+    try {
+        ReadImage(bytes, "file");
+        return "";
+    } catch (const LoadError &error) {
+        return error.what();
+    }
+}
+
+// A library with something of everything.
+ImageBuilder FullImage() {
+    ImageBuilder builder;
+    builder.AddLibrary("/Own.dylib", macho::kIdDylib);
+    const uint8_t first = builder.AddLibrary("/First.dylib");
+    const uint8_t second = builder.AddLibrary("/Second.dylib", macho::kLoadWeakDylib);
+    builder.Rebase(8);
+    builder.Bind("_one", first, 0);
+    builder.Bind("_two", second, 4, true, 12);
+    builder.Export("_entry", ImageBuilder::kCode);
+    builder.Export("_other", ImageBuilder::kData + 8);
+    return builder;
+}
+
+template <class Record> Bytes Command(Record record) {
+    record.size = sizeof record;
+    Bytes bytes(sizeof record);
+    std::memcpy(bytes.data(), &record, sizeof record);
+    return bytes;
+}
+
+TEST_CASE("A library is read into plain data") {
+    const Image image = ReadImage(FullImage().Build(), "file");
+    CHECK(image.installName == "/Own.dylib");
+    CHECK(image.base == 0);
+    CHECK(image.imageSize == 0x3000);
+    REQUIRE(image.segments.size() == 3);
+    CHECK(image.segments[1].name == "__DATA");
+    CHECK(image.segments[1].address == ImageBuilder::kData);
+    CHECK(image.segments[1].protection == (macho::kProtectionRead | macho::kProtectionWrite));
+    REQUIRE(image.dylibs.size() == 2);
+    CHECK(image.dylibs[0].installName == "/First.dylib");
+    CHECK(image.dylibs[0].currentVersion == 0x10000);
+    CHECK_FALSE(image.dylibs[0].weak);
+    CHECK(image.dylibs[1].weak);
+    CHECK(image.rebases == std::vector<uint32_t>{ImageBuilder::kData + 8});
+    CHECK(image.imports == std::vector<Import>{{"_one", 1, false}, {"_two", 2, true}});
+    REQUIRE(image.binds.size() == 2);
+    CHECK(image.binds[1].address == ImageBuilder::kData + 4);
+    CHECK(image.binds[1].addend == 12);
+    CHECK(image.binds[1].import == 1);
+    REQUIRE(image.exports.size() == 2);
+    CHECK(image.FindExport("_entry")->address == ImageBuilder::kCode);
+    CHECK(image.FindExport("_other")->address == ImageBuilder::kData + 8);
+    CHECK(image.FindExport("_entr") == nullptr);
+}
+
+TEST_CASE("A file of another kind is refused for what it is") {
+    ImageBuilder builder = FullImage();
+    SUBCASE("64 bits") {
+        builder.header.magic = macho::kMagic64;
+        CHECK(FaultIn(builder.Build()) == "file: is a 64-bit Mach-O file; only 32-bit Intel libraries can be loaded");
+    }
+    SUBCASE("several architectures") {
+        builder.header.magic = macho::kMagicFat;
+        CHECK(FaultIn(builder.Build()) == "file: holds several architectures; extract the i386 one first");
+    }
+    SUBCASE("no Mach-O") {
+        builder.header.magic = 0;
+        CHECK(FaultIn(builder.Build()) == "file: is not a Mach-O file");
+    }
+    SUBCASE("another processor") {
+        builder.header.cpuType = 18;
+        CHECK(FaultIn(builder.Build()) == "file: is for processor type 18, not for i386");
+    }
+    SUBCASE("a program") {
+        builder.header.fileType = 2;
+        CHECK(FaultIn(builder.Build()) == "file: is of file type 2, not a dynamic library");
+    }
+    SUBCASE("nothing") { CHECK(FaultIn({}) == "file: the header ends too early"); }
+}
+
+TEST_CASE("Load commands that lie about sizes, places or each other are refused") {
+    ImageBuilder builder = FullImage();
+    SUBCASE("commands past the file") {
+        builder.header.commandBytes = 0x10000;
+        CHECK(FaultIn(builder.Build()) == "file: the load commands end after the file");
+    }
+    SUBCASE("more commands than there are") {
+        builder.header.commandCount = 100;
+        CHECK(FaultIn(builder.Build()) == "file: the list of load commands ends too early");
+    }
+    SUBCASE("a command of no size") {
+        builder.extraCommands = {0x1B, 0, 0, 0, 0, 0, 0, 0};
+        builder.extraCommandCount = 1;
+        CHECK(FaultIn(builder.Build()) == "file: load command 7 has the impossible size 0");
+    }
+    SUBCASE("a command larger than the rest") {
+        builder.extraCommands = {0x1B, 0, 0, 0, 12, 0, 0, 0};
+        builder.extraCommandCount = 1;
+        CHECK(FaultIn(builder.Build()) == "file: load command 7 has the impossible size 12");
+    }
+    SUBCASE("a library whose name lies elsewhere") {
+        builder.extraCommands = Command(macho::DylibCommand{macho::kLoadDylib, 0, 400, 0, 0, 0});
+        builder.extraCommandCount = 1;
+        CHECK(FaultIn(builder.Build()) == "file: a library command points past its end");
+    }
+    SUBCASE("a library whose name does not end") {
+        builder.extraCommands = Command(macho::DylibCommand{macho::kLoadDylib, 0, 20, 0, 0, 0x01010101});
+        builder.extraCommandCount = 1;
+        CHECK(FaultIn(builder.Build()) == "file: a library command ends inside a string");
+    }
+    SUBCASE("a segment past the file") {
+        builder.data.fileOffset = 0x2800;
+        CHECK(FaultIn(builder.Build()) == "file: segment __DATA ends after the file");
+    }
+    SUBCASE("a segment with more contents than room") {
+        builder.data.memorySize = 0x800;
+        CHECK(FaultIn(builder.Build()) == "file: segment __DATA has more contents than room");
+    }
+    SUBCASE("a segment between pages") {
+        builder.data.address = 0x1010;
+        CHECK(FaultIn(builder.Build()) == "file: segment __DATA does not begin on a page");
+    }
+    SUBCASE("a segment past the last address") {
+        builder.linkEdit.address = 0xFFFFF000;
+        builder.linkEdit.memorySize = 0x2000;
+        CHECK(FaultIn(builder.Build()) == "file: segment __LINKEDIT ends past the last address");
+    }
+    SUBCASE("segments on top of each other") {
+        builder.text.memorySize = 0x1001;
+        CHECK(FaultIn(builder.Build()) == "file: segments __TEXT and __DATA overlap");
+    }
+    SUBCASE("an image all over memory") {
+        builder.linkEdit.address = 0x80000000;
+        CHECK(FaultIn(builder.Build()) == "file: spreads over 2147487744 bytes of memory, more than is reasonable");
+    }
+    SUBCASE("a first segment without the header") {
+        builder.text.fileOffset = 0x1000;
+        CHECK(FaultIn(builder.Build()) == "file: the first segment does not hold the header");
+    }
+    SUBCASE("more sections than the command has room for") {
+        builder.data.sectionCount = 1;
+        CHECK(FaultIn(builder.Build()) == "file: a segment command ends too early");
+    }
+    SUBCASE("two sets of linking information") {
+        builder.extraCommands = Command(builder.dyldInfo);
+        builder.extraCommandCount = 1;
+        CHECK(FaultIn(builder.Build()) == "file: has two commands with dynamic linking information");
+    }
+    SUBCASE("streams past the file") {
+        builder.dyldInfo.bindOffset = 0x2FFF;
+        builder.dyldInfo.bindSize = 2;
+        CHECK(FaultIn(builder.Build()) == "file: the bind stream ends after the file");
+    }
+}
+
+TEST_CASE("What is not modelled is refused, not passed over") {
+    ImageBuilder builder = FullImage();
+    builder.extraCommandCount = 1;
+    SUBCASE("an unknown command that must be obeyed") {
+        builder.extraCommands = Command(macho::CommandHeader{0x33 | macho::kCommandRequired, 0});
+        CHECK(FaultIn(builder.Build()) == "file: has load command 51, which must be obeyed and is not modelled");
+    }
+    SUBCASE("relocation tables") {
+        macho::DynamicSymbolTableCommand table{};
+        table.command = macho::kDynamicSymbolTable;
+        table.localRelocationCount = 1;
+        builder.extraCommands = Command(table);
+        CHECK(FaultIn(builder.Build()) == "file: has relocation tables, which are not modelled");
+    }
+    SUBCASE("coalesced symbols") {
+        builder.extraCommandCount = 0;
+        builder.dyldInfo.weakBindOffset = ImageBuilder::kLinkEdit;
+        builder.dyldInfo.weakBindSize = 1;
+        CHECK(FaultIn(builder.Build()) ==
+              "file: has symbols to be coalesced with other images', which is not modelled");
+    }
+    SUBCASE("symbol stubs") {
+        builder.extraCommandCount = 0;
+        macho::SectionRecord stubs{};
+        std::memcpy(stubs.name, "__stubs", 7);
+        std::memcpy(stubs.segmentName, "__DATA", 6);
+        stubs.address = ImageBuilder::kData;
+        stubs.size = 6;
+        stubs.flags = macho::kSectionSymbolStubs;
+        builder.dataSections = {stubs};
+        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__stubs holds symbol stubs; 32-bit ones jump to "
+                                          "fixed addresses and cannot be moved");
+    }
+}
+
+TEST_CASE("An unknown command that need not be obeyed is passed over") {
+    ImageBuilder builder = FullImage();
+    builder.extraCommands = Command(macho::CommandHeader{0x33, 0});
+    builder.extraCommandCount = 1;
+    CHECK(FaultIn(builder.Build()) == "");
+}
+
+TEST_CASE("A section must lie in its segment and in its segment's contents") {
+    ImageBuilder builder = FullImage();
+    macho::SectionRecord section{};
+    std::memcpy(section.name, "__data", 6);
+    std::memcpy(section.segmentName, "__DATA", 6);
+    section.address = ImageBuilder::kData + 0x800;
+    section.size = 0x1000;
+    SUBCASE("past the segment") {
+        builder.dataSections = {section};
+        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__data lies outside its segment");
+    }
+    SUBCASE("before the segment") {
+        section.address = 0x100;
+        builder.dataSections = {section};
+        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__data lies outside its segment");
+    }
+    SUBCASE("past the contents") {
+        builder.data.memorySize = 0x2000;
+        builder.linkEdit.address = 0x3000;
+        builder.dataSections = {section};
+        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__data lies outside the contents of its segment");
+    }
+    SUBCASE("zeros have no contents") {
+        builder.data.memorySize = 0x2000;
+        builder.linkEdit.address = 0x3000;
+        section.flags = macho::kSectionZeroFill;
+        builder.dataSections = {section};
+        CHECK(FaultIn(builder.Build()) == "");
+    }
+}
+
+TEST_CASE("A file cut short anywhere is refused") {
+    const Bytes whole = FullImage().Build();
+    size_t refused = 0;
+    for (size_t length = 0; length < whole.size(); ++length) {
+        const std::string fault = FaultIn({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
+        CAPTURE(length);
+        CHECK(fault != "");
+        refused += fault.starts_with("file: ");
+    }
+    CHECK(refused == whole.size());
+}
+
+TEST_CASE("Streams cut short anywhere are refused where a number or a name is broken off") {
+    const ImageBuilder builder = FullImage();
+    for (size_t length = 0; length < builder.bindStream.size(); ++length) {
+        ImageBuilder cut = builder;
+        cut.bindStream.resize(length);
+        const std::string fault = FaultIn(cut.Build());
+        CAPTURE(length);
+        CHECK((fault == "" || fault.starts_with("file: the bind stream ends")));
+    }
+}
+
+TEST_CASE("No change of bytes makes the reader do anything but read or refuse") {
+    const Bytes whole = FullImage().Build();
+    std::mt19937 random(20090215);
+    const auto below = [&](size_t limit) { return std::uniform_int_distribution<size_t>(0, limit - 1)(random); };
+    const auto interesting = std::to_array<uint8_t>({0x00, 0x01, 0x7F, 0x80, 0xFF, 0x10, 0x40, 0xC0});
+    size_t read = 0;
+    size_t refused = 0;
+    for (int round = 0; round < 20000; ++round) {
+        Bytes changed = whole;
+        for (size_t count = 1 + below(4); count > 0; --count) {
+            // The commands and the streams; everything else is contents, which the reader does not look at.
+            const size_t place = below(2) ? below(0x300) : ImageBuilder::kLinkEdit + below(0x80);
+            changed[place] = below(2) ? interesting[below(interesting.size())] : static_cast<uint8_t>(below(256));
+        }
+        ++(FaultIn(changed) == "" ? read : refused);
+    }
+    CHECK(read > 0);
+    CHECK(refused > 0);
+}
+
+} // namespace
+} // namespace sim::loader

@@ -1,0 +1,248 @@
+#include "simulator/loader/plugin_image.h"
+#include "tests/simulator/loader/image_builder.h"
+#include "tests/simulator/loader/library.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <stdexcept>
+#include <typeinfo>
+#include <unistd.h>
+
+extern "C" {
+extern int friendsDatum;
+extern int friendsOptionalDatum;
+int friendsFunction(int number);
+}
+
+namespace sim::loader {
+namespace {
+
+// What library.cpp finds behind /Friends.dylib when it is a Mach-O library. The build of this system is linked to it.
+class Friends : public Library {
+public:
+    void *Find(const std::string &symbol) const override {
+        if (symbol == "_friendsDatum")
+            return &friendsDatum;
+        if (symbol == "_friendsOptionalDatum")
+            return &friendsOptionalDatum;
+        if (symbol == "_friendsFunction")
+            return reinterpret_cast<void *>(friendsFunction);
+        return nullptr;
+    }
+};
+
+LoadOptions Options(std::set<std::string> absent = {}) {
+    return {std::move(absent), [](const std::string &installName) -> std::unique_ptr<Library> {
+                if (installName == "/Friends.dylib")
+                    return std::make_unique<Friends>();
+                return OpenStandIn(installName);
+            }};
+}
+
+const LibraryFunctions *taken;
+std::string asked;
+
+PluginImage::Function Resolve(const char *name) {
+    asked = name;
+    return reinterpret_cast<PluginImage::Function>(+[](const LibraryFunctions *functions) { taken = functions; });
+}
+
+const LibraryFunctions &FunctionsOf(const PluginImage &image) {
+    taken = nullptr;
+    image.EntryPoint()(Resolve);
+    REQUIRE(taken != nullptr);
+    return *taken;
+}
+
+constexpr const char *kBothKinds[] = {MACHO_LIBRARY, NATIVE_LIBRARY};
+
+// Runs the work on each kind of file.
+template <class Work> void OnBoth(Work work) {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        const PluginImage image = PluginImage::Load(path, Options());
+        work(FunctionsOf(image));
+    }
+}
+
+struct UnderivedFailure {};
+
+TEST_CASE("The entry point runs and reaches the resolver that it is given") {
+    OnBoth([](const LibraryFunctions &) { CHECK(asked == "TakeFunctions"); });
+}
+
+TEST_CASE("Two copies of one file share no static data, and a later one starts afresh") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        const PluginImage first = PluginImage::Load(path, Options());
+        const LibraryFunctions &functions = FunctionsOf(first);
+        CHECK(functions.count() == 1);
+        CHECK(functions.count() == 2);
+        {
+            const PluginImage second = PluginImage::Load(path, Options());
+            CHECK(FunctionsOf(second).count() == 1);
+        }
+        CHECK(functions.count() == 3);
+        const PluginImage third = PluginImage::Load(path, Options());
+        CHECK(FunctionsOf(third).count() == 1);
+    }
+}
+
+TEST_CASE("Pointers in static data point into the copy") {
+    OnBoth([](const LibraryFunctions &functions) { CHECK(functions.pointed() == 11); });
+}
+
+TEST_CASE("Functions and variables of other libraries are reached, and call-backs come back") {
+    OnBoth([](const LibraryFunctions &functions) {
+        CHECK(functions.sum([](int number) { return number * number; }, 4) == 1030);
+        CHECK(functions.datum() == 42);
+        CHECK(functions.optionalDatum() == &friendsOptionalDatum);
+    });
+}
+
+TEST_CASE("Exceptions thrown by Linux code are caught in the library by their type") {
+    OnBoth([](const LibraryFunctions &functions) {
+        const auto caught = [&](void (*throwing)()) { return std::string(functions.caught(throwing)); };
+        CHECK(caught([] {}) == "nothing");
+        CHECK(caught([] { throw std::out_of_range("far"); }) == "out_of_range");
+        CHECK(caught([] { throw std::bad_cast(); }) == "bad_cast");
+        CHECK(caught([] { throw std::runtime_error("late"); }) == "exception");
+        CHECK(caught([] { throw UnderivedFailure(); }) == "other");
+        CHECK(caught([] { throw 5; }) == "other");
+    });
+}
+
+TEST_CASE("Exceptions pass through the library's frames, whose clean-ups run") {
+    OnBoth([](const LibraryFunctions &functions) {
+        for (int round = 1; round <= 3; ++round) {
+            CHECK_THROWS_AS(functions.pass([] { throw std::out_of_range("through"); }), std::out_of_range);
+            CHECK(functions.cleanups() == round);
+        }
+        functions.pass([] {});
+        CHECK(functions.cleanups() == 4);
+    });
+}
+
+TEST_CASE("Exceptions cross frames of two copies at once, and of a copy made after another was given up") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        { const PluginImage gone = PluginImage::Load(path, Options()); }
+        const PluginImage outer = PluginImage::Load(path, Options());
+        const PluginImage inner = PluginImage::Load(path, Options());
+        static const LibraryFunctions *innerFunctions;
+        innerFunctions = &FunctionsOf(inner);
+        const LibraryFunctions &outerFunctions = FunctionsOf(outer);
+        CHECK(std::string(outerFunctions.caught(
+                  [] { innerFunctions->pass([] { throw std::out_of_range("far"); }); })) == "out_of_range");
+        CHECK(innerFunctions->cleanups() == 1);
+    }
+}
+
+TEST_CASE("What only the library's static data points to is no leak, even after the library is gone") {
+    // The leak checker of the sanitized build judges at the end of the process.
+    OnBoth([](const LibraryFunctions &functions) { functions.keepBlock(); });
+}
+
+TEST_CASE("The compiler's own helpers work") {
+    OnBoth([](const LibraryFunctions &functions) {
+        CHECK(functions.divide(-0x123456789ABLL, 1000) == -1250999896);
+        CHECK(functions.remainder(-0x123456789ABLL, 1000) == -491);
+        CHECK(functions.allocated(100) == 4950);
+        char bytes[64];
+        std::fill(std::begin(bytes), std::end(bytes), 'x');
+        functions.clear(bytes + 1, sizeof bytes - 2);
+        CHECK(bytes[0] == 'x');
+        CHECK(bytes[1] == 0);
+        CHECK(bytes[62] == 0);
+        CHECK(bytes[63] == 'x');
+    });
+}
+
+TEST_CASE("A weak symbol that the system lacks is null, and only for the copy that was loaded so") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        const PluginImage without = PluginImage::Load(path, Options({"friendsOptionalDatum"}));
+        const PluginImage with = PluginImage::Load(path, Options());
+        CHECK(FunctionsOf(without).optionalDatum() == nullptr);
+        CHECK(FunctionsOf(with).optionalDatum() == &friendsOptionalDatum);
+    }
+}
+
+TEST_CASE("A strong symbol that the system lacks fails the load by name") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        try {
+            PluginImage::Load(path, Options({"friendsDatum"}));
+            FAIL("it was loaded");
+        } catch (const LoadError &error) {
+            const std::string message = error.what();
+            CAPTURE(message);
+            CHECK(message.find("symbols not found: ") != std::string::npos);
+            CHECK(message.find("friendsDatum") != std::string::npos);
+            CHECK(message.starts_with(path));
+        }
+    }
+}
+
+TEST_CASE("A path that leads to no library is refused with its name") {
+    CHECK_THROWS_WITH_AS(PluginImage::Load("/no/such/file"), "/no/such/file: No such file or directory", LoadError);
+    CHECK_THROWS_WITH_AS(PluginImage::Load("/"), "/: is not a regular file", LoadError);
+    CHECK_THROWS_WITH_AS(PluginImage::Load("/dev/null"), "/dev/null: is not a regular file", LoadError);
+}
+
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const Bytes &bytes) {
+        path_ = (std::filesystem::temp_directory_path() / ("loader-test-" + std::to_string(getpid()))).string();
+        std::ofstream(path_, std::ios::binary)
+            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+    ~TemporaryFile() { std::filesystem::remove(path_); }
+    const std::string &Path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+TEST_CASE("A library without the entry point loads, but has none") {
+    const TemporaryFile file(ImageBuilder().Build());
+    const PluginImage image = PluginImage::Load(file.Path());
+    CHECK_THROWS_WITH_AS(image.EntryPoint(), (file.Path() + ": does not export REALPluginMain").c_str(), LoadError);
+}
+
+int initialised;
+extern "C" void NoteInitialised() { ++initialised; }
+
+TEST_CASE("Initialisers run at load and terminators when the copy is given up") {
+    ImageBuilder builder;
+    const uint8_t library = builder.AddLibrary("/Notes.dylib");
+    builder.Bind("_note", library, 0);
+    builder.Bind("_note", library, 4);
+    for (const auto &[name, type, offset] : {std::tuple{"__mod_init_func", macho::kSectionInitialisers, 0u},
+                                             std::tuple{"__mod_term_func", macho::kSectionTerminators, 4u}}) {
+        macho::SectionRecord section{};
+        std::memcpy(section.name, name, std::strlen(name));
+        std::memcpy(section.segmentName, "__DATA", 6);
+        section.address = ImageBuilder::kData + offset;
+        section.size = 4;
+        section.flags = type;
+        builder.dataSections.push_back(section);
+    }
+    class Notes : public Library {
+        void *Find(const std::string &) const override { return reinterpret_cast<void *>(NoteInitialised); }
+    };
+    const TemporaryFile file(builder.Build());
+    initialised = 0;
+    {
+        const PluginImage image = PluginImage::Load(
+            file.Path(), {.openLibrary = [](const std::string &) { return std::make_unique<Notes>(); }});
+        CHECK(initialised == 1);
+    }
+    CHECK(initialised == 2);
+}
+
+} // namespace
+} // namespace sim::loader
