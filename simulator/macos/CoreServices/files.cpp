@@ -7,6 +7,7 @@
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/control/environment.h"
 #include "simulator/macos/control/faults.h"
+#include "simulator/macos/control/stop.h"
 
 #include <CoreServices/Files.h>
 
