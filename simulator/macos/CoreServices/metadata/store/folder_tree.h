@@ -1,0 +1,89 @@
+// The files below the folders of a scope, as they were last seen: which names lead to which file, and what was told of
+// it. Files are known by identity, so a rename, a move of a whole folder or a second hard link is seen as what it is.
+#pragma once
+
+#include "simulator/macos/CoreServices/metadata/store/file_state.h"
+#include "simulator/macos/CoreServices/metadata/store/session.h"
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace sim::macos::store {
+
+struct KnownFile;
+
+/// A folder and the names in it. Held by whoever still has work to do in it, also when it is in the tree no longer.
+struct KnownFolder {
+    std::string rootPath;      // of a folder of the scope itself; empty for others
+    KnownFile *self = nullptr; // null for a folder of the scope itself
+    std::map<std::string, KnownFile *> entries;
+    int watch = -1;
+    bool scanQueued = false;
+    bool gone = false;
+
+    /// Empty when no name leads to it at the moment.
+    std::string Path() const;
+};
+
+struct KnownLink {
+    KnownFolder *folder;
+    std::string name;
+};
+
+struct KnownFile {
+    FileState state;
+    bool settled = false; // whether any later change shows in the times of the state
+    std::vector<KnownLink> links;
+    std::shared_ptr<const AttributeSource> told; // null until it has been told of
+    std::shared_ptr<KnownFolder> contents;       // of a folder
+
+    std::string Path() const;
+};
+
+class FolderTree {
+public:
+    /// Told of every folder that leaves the tree, while it is still whole.
+    using FolderLeaves = std::function<void(KnownFolder &)>;
+    explicit FolderTree(FolderLeaves folderLeaves) : folderLeaves_(std::move(folderLeaves)) {}
+
+    KnownFile *At(const KnownFolder &folder, const std::string &name) const;
+    /// Null when there is no such file, or none that a name leads to or led to a moment ago.
+    KnownFile *WithIdentity(const FileIdentity &identity) const;
+
+    /// Makes a name lead to the file of that state; the name must be free.
+    KnownFile &Link(KnownFolder &folder, const std::string &name, const FileState &state);
+
+    /// Frees a name. A file that another name leads to goes on under that one. A file that none leads to any more is
+    /// kept, contents and all, until Bury: it may have been moved.
+    void Unlink(KnownFolder &folder, const std::string &name);
+
+    /// Notes how a file stands and queues what there is to tell of it. A file that was looked at while its times could
+    /// not show every change yet counts as changed when something happened to it since.
+    void Update(KnownFile &file, const FileState &state, FileTime readAt, bool somethingHappened);
+
+    bool HasUnlinked() const { return !unlinked_.empty(); }
+    /// Gives up the files that no name leads to.
+    void Bury();
+
+    /// Frees all names in a folder of the scope, which is in the tree no longer.
+    void Clear(KnownFolder &folder);
+
+    /// The next thing to tell. False when there is none.
+    bool TakeEvent(FileEvent &event);
+
+private:
+    void Tell(KnownFile &file, bool changed);
+    void Remove(const FileIdentity &identity);
+
+    FolderLeaves folderLeaves_;
+    std::map<FileIdentity, std::unique_ptr<KnownFile>> files_;
+    std::vector<FileIdentity> unlinked_;
+    std::deque<FileEvent> events_;
+};
+
+} // namespace sim::macos::store
