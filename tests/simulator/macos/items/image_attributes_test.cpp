@@ -21,18 +21,16 @@ struct Expected {
     int orientation;
 };
 
-/// A little-endian EXIF directory of one short and two fractions as an APP1 segment, put in front of a photo.
+/// A photo with a little-endian EXIF directory in an APP1 segment in front of all others.
 std::string WithExif(const std::string &photo, char orientation) {
     const std::string tiff = "II*\0\x08\0\0\0"s                    // header; the directory is at 8
                              "\x04\0"s                             // four entries
                              "\x0F\x01\x02\0\x04\0\0\0Abc\0"s      // make, in place
                              "\x10\x01\x02\0\x06\0\0\0\x3E\0\0\0"s // model, at 62
-                             "\x12\x01\x03\0\x01\0\0\0"s +         // orientation
-                             orientation +
-                             "\0\0\0"s +                           //
+                             "\x12\x01\x03\0\x01\0\0\0"s +
+                             orientation + "\0\0\0"s +             // orientation
                              "\x1A\x01\x05\0\x01\0\0\0\x44\0\0\0"s // width resolution, at 68
                              "\0\0\0\0"s                           // no further directory
-                             "\0\0\0\0"s                           // up to 62
                              "Mod-1\0"s                            // the model
                              "\x90\x01\0\0\x03\0\0\0"s;            // 400 / 3
     const std::string data = "Exif\0\0"s + tiff;

@@ -55,6 +55,7 @@ TEST_CASE("the list names each type and each extension once, and parents before 
         for (std::string_view parent : Words(type.conformsTo, ' '))
             CHECK(identifiers.contains(parent));
         CHECK(identifiers.insert(type.identifier).second);
+        CHECK_FALSE((type.kind.empty() && !type.extensions.empty()));
         for (std::string_view extension : Words(type.extensions, ' ')) {
             CHECK(extensions.insert(extension).second);
             CHECK(LowerCaseASCII(extension) == extension);

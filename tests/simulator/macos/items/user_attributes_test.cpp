@@ -121,6 +121,7 @@ TEST_CASE("an attribute under its own name has the type that the schema gives it
     CHECK(Truth(with("user.kMDItemStreamable", "true")));
     CHECK_FALSE(Truth(with("user.kMDItemIsLikelyJunk", "0")));
     CHECK(Seconds(with("user.kMDItemDueDate", "2014-06-30T23:30:59Z")) == 1'404'171'059);
+    CHECK(Seconds(with("user.kMDItemDueDate", "2014-07-01T01:30:59+02:00")) == 1'404'171'059);
     CHECK(Seconds(with("user.kMDItemDueDate", "2001-01-01")) == 978'307'200);
     CHECK(Texts(with("user.kMDItemEditors", "Ann Lee\nBo, Junior\n")) == Lines{"Ann Lee", "Bo, Junior"});
 }
@@ -137,8 +138,8 @@ TEST_CASE("text that does not read as its attribute's type gives no value") {
         {"user.kMDItemNumberOfPages", "12 pages"},
         {"user.kMDItemStreamable", "maybe"},
         {"user.kMDItemDueDate", "30.6.2014"},
-        {"user.kMDItemDueDate", "2014-13-01"},
-        {"user.kMDItemDueDate", "2014-06-30T24:00:00Z"},
+        {"user.kMDItemDueDate", "2014-02-30"},
+        {"user.kMDItemDueDate", "2014-06-30T25:00:00Z"},
         {"user.kMDItemEditors", "\n \n"},
         {"user.kMDItemLabelUUID", "5A3C"},
         {"user.kMDItemLabelIcon", "bytes"},

@@ -14,7 +14,7 @@ template <bool FinderInfo::*flag> CFTypeRef Flag(FileFacts &file) {
 CFTypeRef Invisible(FileFacts &file) {
     if (!file.Status())
         return nullptr;
-    return BooleanValue(file.Name().front() == '.' || ReadFinderInfo(file).isInvisible);
+    return BooleanValue(file.Name().starts_with('.') || ReadFinderInfo(file).isInvisible);
 }
 
 CFTypeRef Label(FileFacts &file) {

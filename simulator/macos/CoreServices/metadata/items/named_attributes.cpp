@@ -1,6 +1,8 @@
 #include "simulator/macos/CoreServices/metadata/items/named_attributes.h"
 
 #include "simulator/macos/CoreFoundation/ref.h"
+#include "simulator/macos/CoreFoundation/text.h"
+#include "simulator/macos/CoreServices/metadata/expression/time_function.h"
 #include "simulator/macos/CoreServices/metadata/items/values.h"
 #include "simulator/macos/CoreServices/metadata/items/words.h"
 #include "simulator/macos/CoreServices/metadata/schema/schema.h"
@@ -37,34 +39,9 @@ CFTypeRef BooleanFrom(std::string_view text) {
     return nullptr;
 }
 
-bool Has(std::string_view text, std::string_view form) {
-    if (text.size() != form.size())
-        return false;
-    for (size_t i = 0; i < text.size(); i++)
-        if (form[i] == '0' ? text[i] < '0' || text[i] > '9' : text[i] != form[i])
-            return false;
-    return true;
-}
-
-int Digits(std::string_view text, size_t offset, size_t count) {
-    return Parse<int>(text.substr(offset, count)).value_or(0);
-}
-
 CFTypeRef DateFrom(std::string_view text) {
-    const bool hasTime = Has(text, "0000-00-00T00:00:00Z");
-    if (!hasTime && !Has(text, "0000-00-00"))
-        return nullptr;
-    CFGregorianDate date = {
-        Digits(text, 0, 4), static_cast<SInt8>(Digits(text, 5, 2)), static_cast<SInt8>(Digits(text, 8, 2)), 0, 0, 0};
-    if (hasTime) {
-        date.hour = static_cast<SInt8>(Digits(text, 11, 2));
-        date.minute = static_cast<SInt8>(Digits(text, 14, 2));
-        date.second = Digits(text, 17, 2);
-    }
-    if (date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31 || date.hour > 23 || date.minute > 59 ||
-        date.second >= 60)
-        return nullptr;
-    return CFDateCreate(kCFAllocatorDefault, CFGregorianDateGetAbsoluteTime(date, nullptr));
+    const auto date = expression::ParseIsoDate(Utf16(text));
+    return date ? CFDateCreate(kCFAllocatorDefault, *date) : nullptr;
 }
 
 CFTypeRef ValueFrom(std::string_view text, ElementType type) {

@@ -3,7 +3,7 @@
 //   string   the text as it is
 //   number   digits; with a point or an exponent a fraction
 //   boolean  true or false, 1 or 0
-//   date     2014-06-30, or 2014-06-30T23:30:59Z, both GMT
+//   date     ISO 8601: 2014-06-30, 2014-06-30T23:30:59+02:00; GMT where no zone is given
 // A multi-valued attribute has one element a line. An attribute that the schema does not know is a string. Text that
 // does not read as its type gives no value; the types of data, dictionaries and UUIDs have no text.
 //

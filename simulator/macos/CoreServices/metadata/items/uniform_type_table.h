@@ -36,7 +36,6 @@ inline constexpr UniformType kUniformTypes[] = {
     {"public.yaml", "public.text", "yaml yml", "YAML document"},
     {"public.json", "public.text", "json", "JSON document"},
     {"public.css", "public.text", "css", "Style sheet"},
-    {"public.svg-image", "public.text public.image", "svg", "SVG document"},
     {"com.apple.property-list", "public.data", "plist", "Property list"},
 
     // Programs to be.
@@ -59,6 +58,7 @@ inline constexpr UniformType kUniformTypes[] = {
 
     // Pictures.
     {"public.image", "public.data public.content", "", "Image"},
+    {"public.svg-image", "public.text public.image", "svg", "SVG document"},
     {"public.png", "public.image", "png", "PNG image"},
     {"public.jpeg", "public.image", "jpg jpeg jpe", "JPEG image"},
     {"public.jpeg-2000", "public.image", "jp2 j2k", "JPEG 2000 image"},
@@ -114,7 +114,7 @@ inline constexpr UniformType kUniformTypes[] = {
 
     // Executables.
     {"public.unix-executable", "public.data public.executable", "", "Unix executable file"},
-    {"com.apple.mach-o-binary", "public.data public.executable", "", ""},
+    {"com.apple.mach-o-binary", "public.data public.executable", "", "Mach-O binary"},
     {"com.apple.mach-o-dylib", "com.apple.mach-o-binary", "dylib", "Dynamic library"},
     {"com.apple.mach-o-object", "com.apple.mach-o-binary", "o", "Object code"},
     {"com.sun.java-archive", "public.zip-archive public.executable", "jar", "Java archive"},
