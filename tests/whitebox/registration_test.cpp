@@ -113,8 +113,8 @@ TEST_CASE("In the old layout each table becomes a new array of the first words o
     CHECK(std::strcmp(record.superName, "Base") == 0);
     CHECK(record.dataSize == 16);
     CHECK(record.forSystemUse == 5);
-    CHECK(record.constructor == DoNothing);
-    CHECK(record.destructor == DoNothing);
+    CHECK((record.constructor == DoNothing));
+    CHECK((record.destructor == DoNothing));
     CHECK(record.interfaces != nullptr);
     CHECK(record.mFlags == 4);
     CHECK(WordOf(&record, 16) == 0);
