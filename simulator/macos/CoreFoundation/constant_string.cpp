@@ -17,7 +17,7 @@ namespace sim::macos {
 
 bool IsConstantString(CFTypeRef cf) {
     const int *first = nullptr;
-    if (reinterpret_cast<std::uintptr_t>(cf) < 4096 || reinterpret_cast<std::uintptr_t>(cf) % alignof(int *) != 0)
+    if (!IsReadable(cf))
         return false;
     std::memcpy(&first, cf, sizeof first);
     return first == constantStringClassOfThisLibrary || first == __CFConstantStringClassReference;

@@ -125,14 +125,22 @@ void Object::Bury(Object *object) {
     Registry::Instance().Remember(memory, std::move(dead));
 }
 
-Object &ObjectOf(CFTypeRef cf, const char *caller) {
+bool IsReadable(CFTypeRef cf) {
     constexpr std::uintptr_t kFirstPage = 4096;
+    const auto address = reinterpret_cast<std::uintptr_t>(cf);
+    if (address < kFirstPage || address % alignof(Words) != 0)
+        return false;
+    return !__asan_address_is_poisoned || !__asan_address_is_poisoned(cf);
+}
+
+Object &ObjectOf(CFTypeRef cf, const char *caller) {
     if (!cf)
         Stop(std::string(caller) + " was given null");
-    if (reinterpret_cast<std::uintptr_t>(cf) < kFirstPage || reinterpret_cast<std::uintptr_t>(cf) % alignof(Words) != 0)
+    if (!IsReadable(cf)) {
+        if (Registry::Instance().Recall(cf))
+            StopForDead(cf, caller);
         Stop(std::string(caller) + " was given something that is no object");
-    if (__asan_address_is_poisoned && __asan_address_is_poisoned(cf))
-        StopForDead(cf, caller);
+    }
     const std::uint32_t state = WordsOf(cf).second;
     if (state == kDead)
         StopForDead(cf, caller);

@@ -72,6 +72,10 @@ private:
     Trace made_;
 };
 
+/// Whether there can be an object: not null, not a small number, aligned, and not memory that AddressSanitizer knows to
+/// be freed.
+bool IsReadable(CFTypeRef cf);
+
 /// True for a string object laid down by a compiler. It lives for ever.
 bool IsConstantString(CFTypeRef cf);
 

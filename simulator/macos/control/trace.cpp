@@ -2,12 +2,14 @@
 // so a caller without frame pointers ends the walk early instead of leading it astray.
 #include "simulator/macos/control/trace.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <pthread.h>
+#include <vector>
 
 extern "C" __attribute__((weak)) void __sanitizer_symbolize_pc(void *pc, const char *format, char *out, size_t size);
 
@@ -55,7 +57,7 @@ std::string NameOf(const void *address) {
     const char *call = static_cast<const char *>(address) - 1;
     if (__sanitizer_symbolize_pc) {
         char text[512] = "";
-        __sanitizer_symbolize_pc(const_cast<char *>(call), "%f %S", text, sizeof text);
+        __sanitizer_symbolize_pc(const_cast<char *>(call), "%f %s:%l", text, sizeof text);
         if (text[0] && text[0] != '<' && text[0] != '(')
             return text;
     }
@@ -75,6 +77,11 @@ std::string NameOf(const void *address) {
             return name;
     }
     return Hexadecimal(reinterpret_cast<std::uintptr_t>(address));
+}
+
+// A C++ function of the stand-ins, through which an object comes into being wherever it is made.
+bool IsOwn(const std::string &name) {
+    return name.starts_with("sim::macos::") || name.starts_with("(anonymous namespace)::");
 }
 
 } // namespace
@@ -99,15 +106,16 @@ __attribute__((noinline, no_sanitize("address"))) Trace TakeTrace() {
 }
 
 std::string ToText(const Trace &trace) {
+    std::vector<std::string> names;
+    for (const void *frame : trace.frames)
+        if (frame)
+            names.push_back(NameOf(frame));
+    auto first = std::find_if_not(names.begin(), names.end(), IsOwn);
+    if (first == names.end())
+        first = names.begin();
     std::string text;
-    for (const void *frame : trace.frames) {
-        if (!frame)
-            break;
-        std::string name = NameOf(frame);
-        if (text.empty() && name.rfind("sim::macos::", 0) == 0)
-            continue;
-        text += text.empty() ? name : " < " + name;
-    }
+    for (; first != names.end(); ++first)
+        text += (text.empty() ? "" : " < ") + *first;
     return text.empty() ? "an unknown place" : text;
 }
 

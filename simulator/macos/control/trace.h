@@ -8,7 +8,7 @@
 namespace sim::macos {
 
 struct Trace {
-    static constexpr std::size_t kDepth = 8;
+    static constexpr std::size_t kDepth = 10;
     std::array<const void *, kDepth> frames{}; ///< Innermost first; null after the last.
 };
 
