@@ -107,11 +107,13 @@ const Method &ChooseMethod(const std::string &owner, std::span<const Method> met
         std::optional<int> distance = CallDistance(method.declaration, arguments);
         if (!distance)
             continue;
-        ambiguous = best && *distance == bestDistance;
-        if (!best || *distance < bestDistance) {
-            best = &method;
-            bestDistance = *distance;
-        }
+        if (best && *distance == bestDistance)
+            ambiguous = true;
+        if (best && *distance >= bestDistance)
+            continue;
+        best = &method;
+        bestDistance = *distance;
+        ambiguous = false;
     }
     std::string what = owner + "." + std::string(name);
     if (!isKnown)
