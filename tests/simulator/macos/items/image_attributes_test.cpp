@@ -158,4 +158,21 @@ TEST_CASE("what is no picture has no picture attributes, also under a picture's 
     }
 }
 
+TEST_CASE("a damaged picture is given up after a thousand pieces that say nothing") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const std::size_t headerEnd = 8 + 8 + 13 + 4;
+    const auto paddedPNG = [&](std::size_t chunks) { // chunks of no bytes and no name between header and resolution
+        return kRGBAPicture.substr(0, headerEnd) + std::string(chunks * 12, '\0') + kRGBAPicture.substr(headerEnd);
+    };
+    CHECK(Attribute(folder.Write("a.png", paddedPNG(990)), "kMDItemResolutionWidthDPI"));
+    CHECK_FALSE(Attribute(folder.Write("b.png", paddedPNG(1000)), "kMDItemResolutionWidthDPI"));
+    CHECK(Attribute(folder.PathOf("b.png"), "kMDItemPixelWidth"));
+    const auto paddedJPEG = [](std::size_t fill) {
+        return kColorPhoto.substr(0, 2) + std::string(fill, '\xFF') + kColorPhoto.substr(2);
+    };
+    CHECK(Attribute(folder.Write("a.jpg", paddedJPEG(900)), "kMDItemPixelWidth"));
+    CHECK_FALSE(Attribute(folder.Write("b.jpg", paddedJPEG(1000)), "kMDItemPixelWidth"));
+}
+
 } // namespace sim::macos

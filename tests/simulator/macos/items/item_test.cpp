@@ -243,6 +243,7 @@ TEST_CASE("one call of an item counts once, whatever it does inside") {
 TEST_CASE("a hundred thousand items cost no look at their files") {
     const EndsBalanced balance;
     std::vector<CFRef<MDItemRef>> items;
+    items.reserve(100'000);
     const auto missing = std::make_shared<const FileSource>("/nowhere/to/be/found", FileIdentity{1, 2, 3});
     for (int i = 0; i < 100'000; i++)
         items.push_back(ItemOf(missing));

@@ -59,7 +59,8 @@ TEST_CASE("source code is text; pictures, markup, folders, links and pipes have 
 TEST_CASE("a long text is cut at ten million bytes, between two characters") {
     const EndsBalanced balance;
     const TemporaryFolder folder;
-    const std::string most(9'999'999, 'x');
+    std::string most;
+    most.resize(9'999'999, 'x');
     const auto whole = TextOf(folder.Write("fits.txt", most + "y"));
     CHECK(CFStringGetLength(static_cast<CFStringRef>(whole.Get())) == 10'000'000);
     const auto cut = TextOf(folder.Write("cut.txt", most + "\xC3\xABz"));

@@ -19,6 +19,9 @@ enum Marker : std::uint8_t {
     kApplication1 = 0xE1,
 };
 
+/// More than any picture has before its first scan, fill bytes included; a damaged file must not be walked to its end.
+constexpr int kMostSegments = 1000;
+
 /// The sixteen markers from C0 on are frame headers, one for each way of coding, but for three tables among them.
 bool IsFrameHeader(std::uint8_t marker) {
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
@@ -66,7 +69,8 @@ std::optional<ImageHeader> ReadJPEGHeader(const FileBytes &file) {
     const auto start = file.Read(0, 2);
     if (start.size() < 2 || start[0] != 0xFF || start[1] != kStartOfImage)
         return std::nullopt;
-    for (std::uint64_t offset = 2;;) {
+    std::uint64_t offset = 2;
+    for (int segment = 0; segment < kMostSegments; segment++) {
         const auto head = file.Read(offset, 4);
         if (head.size() < 4 || head[0] != 0xFF)
             break;

@@ -15,6 +15,8 @@ constexpr std::array<std::uint8_t, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '
 constexpr double kMetresPerInch = 0.0254;
 /// The chunks that are of interest are smaller; of a longer one the beginning is enough.
 constexpr std::size_t kChunkBytesRead = 128;
+/// More than any picture has before its data; a damaged file must not be walked to its end.
+constexpr int kMostChunks = 1000;
 
 enum ColorType : std::uint8_t { kGray = 0, kTrueColor = 2, kPalette = 3, kGrayAlpha = 4, kTrueColorAlpha = 6 };
 
@@ -53,7 +55,8 @@ std::optional<ImageHeader> ReadPNGHeader(const FileBytes &file) {
         return std::nullopt;
     ImageHeader header;
     bool haveHeader = false;
-    for (std::uint64_t offset = kSignature.size();;) {
+    std::uint64_t offset = kSignature.size();
+    for (int chunk = 0; chunk < kMostChunks; chunk++) {
         const auto bytes = file.Read(offset, 8 + kChunkBytesRead);
         if (bytes.size() < 8)
             break;
