@@ -154,6 +154,9 @@ Object Host::NewVariant(int32_t typeCode, const Value &held) {
 Object Host::Box(const Value &value) { return Object::Adopt(runtime_->Box(value)); }
 Value Host::Unbox(const Object &variant) { return runtime_->Unbox(variant.Get()); }
 
+Object Host::Adopt(void *handle) {
+    return handle ? Object::Adopt(&runtime_->heap.At(handle, "a thing to adopt")) : Object();
+}
 void *Host::NewString(const Text &text) { return runtime_->NewString(text).address; }
 Text Host::ReadString(const void *string) const {
     return runtime_->heap.Require<StringEntity>(string, "a string").GetText();

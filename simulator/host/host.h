@@ -143,6 +143,8 @@ public:
 
     // Raw handles, for tests that call services themselves.
 
+    /// Takes over the reference that a service gave with an object, variant or array; nil for null.
+    Object Adopt(void *handle);
     /// A new host string, +1, to be given up through "REALUnlockString".
     void *NewString(const Text &text);
     /// The text of a live host string.

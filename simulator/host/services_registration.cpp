@@ -27,10 +27,18 @@ void RequireAnnounced(int32_t version, const std::string &name) {
              std::to_string(AnnouncedVersion()));
 }
 
+/// What a plugin registers, tables and texts included, belongs to the process from then on: no plugin frees it, and it
+/// outlives the Host that got it.
+void KeepForGood(const RawRecord &record) {
+    static auto &kept = *new std::vector<std::vector<Word>>;
+    kept.push_back(record.words);
+}
+
 void RegisterClass(Word *address) {
     Runtime &runtime = Runtime::Current();
     ClassRecord record = ReadClass(address);
     RequireAnnounced(record.version, record.name);
+    KeepForGood(record);
     runtime.classes.Register(record);
     runtime.arrivals.classes.push_back(std::move(record));
 }
@@ -39,6 +47,7 @@ void RegisterModule(Word *address) {
     Runtime &runtime = Runtime::Current();
     ModuleRecord record = ReadModule(address);
     RequireAnnounced(record.version, record.name);
+    KeepForGood(record);
     for (const MethodRecord &method : record.methods)
         runtime.globalMethods.push_back(ParseMethod(method));
     runtime.arrivals.modules.push_back(std::move(record));
