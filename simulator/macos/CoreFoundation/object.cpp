@@ -74,7 +74,10 @@ std::string TypeName(CFTypeID type) {
 
 Object::Object() : retainCount_(1), made_(TakeTrace()) { Registry::Instance().Add(*this); }
 
-Object::~Object() = default;
+Object::~Object() {
+    if (!IsImmortal())
+        Registry::Instance().Remove(*this);
+}
 
 bool Object::EqualTo(const Object &other) const { return this == &other; }
 
@@ -117,7 +120,6 @@ void Object::Destroy(Object *object) {
 
 void Object::Bury(Object *object) {
     DeadObject dead{Describe(object->As<CFTypeRef>()), object->made_, TakeTrace()};
-    Registry::Instance().Remove(*object);
     void *memory = dynamic_cast<void *>(object);
     object->~Object();
     const Words remains{nullptr, kDead};

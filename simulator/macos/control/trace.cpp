@@ -9,6 +9,7 @@
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <pthread.h>
+#include <string_view>
 #include <vector>
 
 extern "C" __attribute__((weak)) void __sanitizer_symbolize_pc(void *pc, const char *format, char *out, size_t size);
@@ -58,7 +59,7 @@ std::string NameOf(const void *address) {
     if (__sanitizer_symbolize_pc) {
         char text[512] = "";
         __sanitizer_symbolize_pc(const_cast<char *>(call), "%f %s:%l", text, sizeof text);
-        if (text[0] && text[0] != '<' && text[0] != '(')
+        if (text[0] && text[0] != '<' && text[0] != ' ')
             return text;
     }
     Dl_info info{};
@@ -79,9 +80,12 @@ std::string NameOf(const void *address) {
     return Hexadecimal(reinterpret_cast<std::uintptr_t>(address));
 }
 
-// A C++ function of the stand-ins, through which an object comes into being wherever it is made.
+// A C++ function of the stand-ins, through which an object comes into being wherever it is made; local ones have no
+// name without a sanitizer.
 bool IsOwn(const std::string &name) {
-    return name.starts_with("sim::macos::") || name.starts_with("(anonymous namespace)::");
+    constexpr std::string_view kOwn[] = {"sim::macos::", "(anonymous namespace)::", "libCoreFoundation.so+"};
+    return std::any_of(std::begin(kOwn), std::end(kOwn),
+                       [&](std::string_view start) { return name.starts_with(start); });
 }
 
 } // namespace
