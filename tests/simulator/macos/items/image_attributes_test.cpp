@@ -12,6 +12,9 @@ namespace {
 
 using namespace std::string_literals;
 
+/// Behind the signature and the chunk of the header.
+constexpr std::size_t kPNGHeaderEnd = 8 + 8 + 13 + 4;
+
 struct Expected {
     const std::string &bytes;
     const char *name;
@@ -22,17 +25,18 @@ struct Expected {
 };
 
 /// A photo with a little-endian EXIF directory in an APP1 segment in front of all others.
-std::string WithExif(const std::string &photo, char orientation) {
+std::string WithExif(const std::string &photo, char orientation, char resolutionUnit = 2) {
     const std::string tiff = "II*\0\x08\0\0\0"s                    // header; the directory is at 8
-                             "\x04\0"s                             // four entries
+                             "\x05\0"s                             // five entries
                              "\x0F\x01\x02\0\x04\0\0\0Abc\0"s      // make, in place
-                             "\x10\x01\x02\0\x06\0\0\0\x3E\0\0\0"s // model, at 62
+                             "\x10\x01\x02\0\x06\0\0\0\x4A\0\0\0"s // model, at 74
                              "\x12\x01\x03\0\x01\0\0\0"s +
-                             orientation + "\0\0\0"s +             // orientation
-                             "\x1A\x01\x05\0\x01\0\0\0\x44\0\0\0"s // width resolution, at 68
-                             "\0\0\0\0"s                           // no further directory
-                             "Mod-1\0"s                            // the model
-                             "\x90\x01\0\0\x03\0\0\0"s;            // 400 / 3
+                             orientation + "\0\0\0"s +                                  // orientation
+                             "\x1A\x01\x05\0\x01\0\0\0\x50\0\0\0"s +                    // width resolution, at 80
+                             "\x28\x01\x03\0\x01\0\0\0"s + resolutionUnit + "\0\0\0"s + // its unit
+                             "\0\0\0\0"s                                                // no further directory
+                             "Mod-1\0"s                                                 // the model
+                             "\x90\x01\0\0\x03\0\0\0"s;                                 // 400 / 3
     const std::string data = "Exif\0\0"s + tiff;
     const auto length = static_cast<char>(data.size() + 2);
     return photo.substr(0, 2) + "\xFF\xE1"s + '\0' + length + data + photo.substr(2);
@@ -107,6 +111,10 @@ TEST_CASE("a picture in the standard colour space names its profile") {
     const TemporaryFolder folder;
     CHECK(Text(Attribute(folder.Write("a.png", kRGBAPicture), "kMDItemProfileName")) == "sRGB IEC61966-2.1");
     CHECK_FALSE(Attribute(folder.Write("b.png", kGrayPicture), "kMDItemProfileName"));
+    const std::string profile = "\0\0\0\x0C"s + "iCCP" + "Own colours\0"s + "crc."; // of the profile only its name
+    const std::string withProfile =
+        kGrayPicture.substr(0, kPNGHeaderEnd) + profile + kGrayPicture.substr(kPNGHeaderEnd);
+    CHECK(Text(Attribute(folder.Write("c.png", withProfile), "kMDItemProfileName")) == "Own colours");
 }
 
 TEST_CASE("EXIF data tells the camera, the resolution and that a photo is shown on its side") {
@@ -120,9 +128,11 @@ TEST_CASE("EXIF data tells the camera, the resolution and that a photo is shown 
     const auto turned = ItemAt(folder.Write("turned.jpg", WithExif(kColorPhoto, 6)));
     CHECK(Whole(Attribute(turned, "kMDItemOrientation")) == 1);
     CHECK(Whole(Attribute(turned, "kMDItemPixelWidth")) == 16);
-    const auto noUnit = ItemAt(folder.Write("print.jpg", WithExif(kPrintPhoto, 1)));
-    CHECK(Fraction(Attribute(noUnit, "kMDItemResolutionWidthDPI")) == doctest::Approx(400.0 / 3));
-    CHECK_FALSE(Attribute(noUnit, "kMDItemResolutionHeightDPI"));
+    const auto inches = ItemAt(folder.Write("print.jpg", WithExif(kPrintPhoto, 1)));
+    CHECK(Fraction(Attribute(inches, "kMDItemResolutionWidthDPI")) == doctest::Approx(400.0 / 3));
+    CHECK_FALSE(Attribute(inches, "kMDItemResolutionHeightDPI"));
+    const auto metric = ItemAt(folder.Write("metric.jpg", WithExif(kPrintPhoto, 1, 3)));
+    CHECK(Fraction(Attribute(metric, "kMDItemResolutionWidthDPI")) == doctest::Approx(400.0 / 3 * 2.54));
 }
 
 TEST_CASE("a picture cut off anywhere before the end of its header has no picture attributes") {
@@ -161,9 +171,9 @@ TEST_CASE("what is no picture has no picture attributes, also under a picture's 
 TEST_CASE("a damaged picture is given up after a thousand pieces that say nothing") {
     const EndsBalanced balance;
     const TemporaryFolder folder;
-    const std::size_t headerEnd = 8 + 8 + 13 + 4;
     const auto paddedPNG = [&](std::size_t chunks) { // chunks of no bytes and no name between header and resolution
-        return kRGBAPicture.substr(0, headerEnd) + std::string(chunks * 12, '\0') + kRGBAPicture.substr(headerEnd);
+        return kRGBAPicture.substr(0, kPNGHeaderEnd) + std::string(chunks * 12, '\0') +
+               kRGBAPicture.substr(kPNGHeaderEnd);
     };
     CHECK(Attribute(folder.Write("a.png", paddedPNG(990)), "kMDItemResolutionWidthDPI"));
     CHECK_FALSE(Attribute(folder.Write("b.png", paddedPNG(1000)), "kMDItemResolutionWidthDPI"));

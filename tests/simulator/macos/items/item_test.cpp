@@ -105,6 +105,17 @@ TEST_CASE("two items of one file are equal and hash alike, whichever path they w
     CHECK_FALSE(CFEqual(first.Get(), other.Get()));
 }
 
+TEST_CASE("a file's identity is its device, its number and its birth as stat(1) reads them") {
+    const EndsBalanced balance;
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("known", "");
+    const FileIdentity identity = FileSource::At(path)->Identity();
+    CHECK(std::to_string(identity.volume) == OutputOf("stat --format=%d " + path));
+    CHECK(std::to_string(identity.file) == OutputOf("stat --format=%i " + path));
+    const std::string birth = OutputOf("stat --format=%.9W " + path); // seconds, a point and nine digits
+    CHECK(identity.birth == std::stoll(birth) * 1'000'000'000 + std::stoll(birth.substr(birth.find('.') + 1)));
+}
+
 TEST_CASE("items of scripted files go by their identity and answer from their source") {
     const EndsBalanced balance;
     const auto file = std::make_shared<ScriptedFile>(1);

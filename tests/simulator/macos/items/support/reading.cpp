@@ -82,7 +82,7 @@ Value Attribute(const std::string &path, std::string_view key) {
 }
 
 std::string OutputOf(const std::string &command) {
-    FILE *pipe = popen(command.c_str(), "re");
+    FILE *pipe = popen(("LC_ALL=C " + command).c_str(), "re");
     REQUIRE(pipe != nullptr);
     std::string output;
     for (int c; (c = fgetc(pipe)) != EOF;)
