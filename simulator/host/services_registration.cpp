@@ -30,8 +30,8 @@ void RequireAnnounced(int32_t version, const std::string &name) {
 /// What a plugin registers, tables and texts included, belongs to the process from then on: no plugin frees it, and it
 /// outlives the Host that got it.
 void KeepForGood(const RawRecord &record) {
-    static auto &kept = *new std::vector<std::vector<Word>>;
-    kept.push_back(record.words);
+    static auto &kept = *new std::vector<RawRecord>;
+    kept.push_back(record);
 }
 
 void RegisterClass(Word *address) {
