@@ -48,6 +48,7 @@ void RegisterGlobalMethod() {
         REALRegisterMethod(SpotlightSharedMethods);
         return;
     }
-    if (REALmoduleDefinition *module = NewModule())
+    REALmoduleDefinition *module = REALRegisterModule ? NewModule() : nullptr;
+    if (module)
         REALRegisterModule(module);
 }

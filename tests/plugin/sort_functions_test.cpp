@@ -37,7 +37,7 @@ constexpr Found kNone = {false, false, false};
 
 Found FunctionsOf(TestSession &session) {
     auto &host = session.Host();
-    const Object query = host.Create("MDQueryQTX");
+    Object query = host.Create("MDQueryQTX");
     const Object names = host.NewArray("string", {"kMDItemFSName"});
     query.Call<void>("Constructor", "kMDItemFSName == '*'", host.NewArray("string"), names);
     // Setting the flags is only possible where the getter is there too, so one answer tells of both.

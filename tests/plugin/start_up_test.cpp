@@ -3,6 +3,8 @@
 
 #include "tests/support/test_session.h"
 
+#include <sanitizer/lsan_interface.h>
+
 using sim::host::Host;
 using sim::host::HostOptions;
 using tests::TestSession;
@@ -75,9 +77,10 @@ TEST_CASE(
         CHECK(method.flags == (age.takesModules ? 20 : 4));
         CHECK(method.function != 0);
         CHECK(method.setterFunction == 0);
-        CHECK(method.words.size() == 6);
-        CHECK(method.words[4] == 0);
-        CHECK(method.words[5] == 0);
+        // An old host reads the first four words of the same record.
+        CHECK(method.words.size() == (age.layout == 9 ? 4 : 6));
+        for (size_t word = 4; word < method.words.size(); word++)
+            CHECK(method.words[word] == 0);
     }
 }
 
@@ -113,6 +116,8 @@ TEST_CASE("A host without a start-up service is started all the same and misses 
         CHECK(session.Host().RequestCount("PluginRegisterClass") == 3);
     }
     SUBCASE("no class registration, old layout") {
+        // The converted tables belong to the plugin's own records then, and stay for good.
+        const __lsan::ScopedDisabler notLeaks;
         TestSession session(HostOptions{.version = 2011.4, .withheld = {"PluginRegisterClass"}});
         CHECK(session.Host().Arrived().classes.empty());
         CHECK(session.Host().Arrived().globalMethods.size() == 1);
