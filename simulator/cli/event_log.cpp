@@ -1,0 +1,134 @@
+#include "simulator/cli/event_log.h"
+
+#include "simulator/cli/result_table.h"
+#include "simulator/cli/text_width.h"
+#include "simulator/cli/value_text.h"
+
+#include <array>
+
+namespace sim::cli {
+namespace {
+
+using host::EventCall;
+using host::Object;
+
+constexpr size_t kEventWidth = 10;
+/// More names than these of one kind are only counted.
+constexpr size_t kShownNames = 20;
+
+std::string CountText(size_t count, const char *one, const char *many) {
+    return ValueText(static_cast<int64_t>(count)) + " " + (count == 1 ? one : many);
+}
+
+std::vector<Object> ItemsIn(const EventCall &call, size_t index) {
+    return call.arguments.at(index).As<Object>().As<Object>();
+}
+
+} // namespace
+
+EventLog::EventLog(Object query, const Screen &screen) : query_(std::move(query)), screen_(screen) {
+    query_.OnEvent("Progress", [this](const EventCall &call) { OnChanges(call); });
+    query_.OnEvent("Finish", [this](const EventCall &) { OnFinish(); });
+    query_.OnEvent("Update", [this](const EventCall &call) { OnChanges(call); });
+}
+
+EventLog::~EventLog() {
+    for (const char *event : {"Progress", "Finish", "Update"})
+        query_.RemoveEvent(event);
+}
+
+void EventLog::RememberResults() {
+    for (Object &item : query_.Call<Object>("Results").As<Object>()) {
+        const auto handle = item.Get<int32_t>("Handle");
+        std::string name = NameOf(item);
+        known_.insert_or_assign(handle, Known{std::move(item), std::move(name)});
+    }
+}
+
+void EventLog::OnChanges(const EventCall &call) {
+    const bool isUpdate = call.name == "Update";
+    updateCount_ += isUpdate;
+    screen_.Write(Head(call.name, isUpdate ? Style::kCyan : Style::kDim) + Counts(call) + "\n" + Changes(call));
+}
+
+void EventLog::OnFinish() {
+    hasFinished_ = true;
+    const auto results = static_cast<size_t>(query_.Get<int32_t>("ResultCount"));
+    std::string text = CountText(results, "result", "results");
+    if (screen_.IsTerminal()) {
+        const auto taken = std::chrono::steady_clock::now() - begin_;
+        text += " in " +
+                ValueText(static_cast<int64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(taken).count())) +
+                " ms";
+    }
+    screen_.Line(Head("Finish", Style::kGreen) + text);
+}
+
+std::string EventLog::Head(const std::string &event, Style style) const {
+    return screen_.Styled(PaddedRight(event, kEventWidth), style);
+}
+
+std::string EventLog::Counts(const EventCall &call) const {
+    constexpr std::array kWords = {"added", "changed", "removed"};
+    std::string text;
+    for (size_t i = 0; i < kWords.size(); ++i)
+        text += ValueText(call.arguments.at(i).As<Object>().UpperBound() + 1) + " " + kWords[i] +
+                (i + 1 < kWords.size() ? ", " : "; ");
+    const auto results = static_cast<size_t>(query_.Get<int32_t>("ResultCount"));
+    return text + CountText(results, "result", "results") + (hasFinished_ ? "" : " so far");
+}
+
+std::string EventLog::Changes(const EventCall &call) {
+    struct Kind {
+        const char *sign;
+        Style style;
+        std::string (EventLog::*text)(const Object &item);
+    };
+    constexpr std::array kKinds = {Kind{"+", Style::kGreen, &EventLog::Added},
+                                   Kind{"~", Style::kYellow, &EventLog::Changed},
+                                   Kind{"-", Style::kRed, &EventLog::Removed}};
+    std::string text;
+    for (size_t i = 0; i < kKinds.size(); ++i) {
+        const std::vector<Object> items = ItemsIn(call, i);
+        for (size_t shown = 0; shown < items.size(); ++shown) {
+            const std::string name = Printable((this->*kKinds[i].text)(items[shown]));
+            if (shown < kShownNames)
+                text += std::string(kEventWidth, ' ') + screen_.Styled(kKinds[i].sign + (" " + name), kKinds[i].style) +
+                        "\n";
+        }
+        if (items.size() > kShownNames)
+            text +=
+                std::string(kEventWidth, ' ') +
+                screen_.Styled(kKinds[i].sign +
+                                   (" … and " + ValueText(static_cast<int64_t>(items.size() - kShownNames)) + " more"),
+                               kKinds[i].style) +
+                "\n";
+    }
+    return text;
+}
+
+std::string EventLog::NameNow(const Object &item) const {
+    std::string name = NameOf(item);
+    return name.empty() ? "(no name)" : name;
+}
+
+std::string EventLog::Added(const Object &item) {
+    const std::string name = NameNow(item);
+    known_.insert_or_assign(item.Get<int32_t>("Handle"), Known{item, name});
+    return name;
+}
+
+std::string EventLog::Changed(const Object &item) {
+    const std::string name = NameNow(item);
+    Known &known = known_[item.Get<int32_t>("Handle")];
+    const std::string before = std::exchange(known.name, name);
+    known.item = item;
+    return before.empty() || before == name ? name : before + " → " + name;
+}
+
+std::string EventLog::Removed(const Object &item) {
+    const auto known = known_.extract(item.Get<int32_t>("Handle"));
+    return known ? known.mapped().name : NameNow(item);
+}
+
+} // namespace sim::cli

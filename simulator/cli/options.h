@@ -1,0 +1,46 @@
+// What the command line asks for. Every mistake is one sentence, thrown as UsageError; the program prints it and ends
+// with exit code 2.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+
+namespace sim::cli {
+
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct Options {
+    enum class Task { kQuery, kShow, kAttributes, kHelp };
+
+    Task task = Task::kQuery;
+    std::filesystem::path plugin;
+    /// For kQuery: an existing folder, absolute.
+    std::filesystem::path folder;
+    std::string query;
+    /// For kShow: an existing file, absolute.
+    std::filesystem::path file;
+    /// The host's age; without a value it is a host that does not tell.
+    std::optional<double> hostVersion = 2016.1;
+    /// End after Finish, or stay although nobody watches. With neither, whether there is a terminal decides.
+    bool once = false;
+    bool live = false;
+    /// The longest table, in rows; 0 for no limit.
+    size_t limit = 50;
+};
+
+/// The program's name in messages and in the help.
+constexpr const char *kProgram = "spotlight-run";
+
+/// Reads the words after the program's name. Throws UsageError.
+Options ReadOptions(std::span<const char *const> words);
+
+/// What --help prints.
+std::string HelpText();
+
+} // namespace sim::cli

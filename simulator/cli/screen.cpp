@@ -1,0 +1,68 @@
+#include "simulator/cli/screen.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace sim::cli {
+namespace {
+
+constexpr size_t kUsualWidth = 80;
+
+size_t TerminalWidth() {
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    return kUsualWidth;
+}
+
+bool WantsColours() {
+    const char *refusal = std::getenv("NO_COLOR");
+    const char *terminal = std::getenv("TERM");
+    return !(refusal && *refusal) && !(terminal && std::strcmp(terminal, "dumb") == 0);
+}
+
+const char *CodeOf(Style style) {
+    switch (style) {
+    case Style::kBold:
+        return "\x1b[1m";
+    case Style::kDim:
+        return "\x1b[2m";
+    case Style::kRed:
+        return "\x1b[31m";
+    case Style::kGreen:
+        return "\x1b[32m";
+    case Style::kYellow:
+        return "\x1b[33m";
+    case Style::kCyan:
+        return "\x1b[36m";
+    case Style::kPlain:
+        break;
+    }
+    return "";
+}
+
+} // namespace
+
+Screen Screen::OfStandardOutput() {
+    const bool isTerminal = isatty(STDOUT_FILENO);
+    return {stdout, isTerminal, isTerminal && WantsColours(), isTerminal ? TerminalWidth() : kUsualWidth};
+}
+
+std::string Screen::Styled(const std::string &text, Style style) const {
+    if (!hasColours_ || style == Style::kPlain || text.empty())
+        return text;
+    return CodeOf(style) + text + "\x1b[0m";
+}
+
+void Screen::Line(const std::string &text) const { Write(text + "\n"); }
+
+void Screen::Write(const std::string &text) const {
+    std::fwrite(text.data(), 1, text.size(), file_);
+    std::fflush(file_);
+}
+
+bool Screen::IsWell() const { return !std::ferror(file_); }
+
+} // namespace sim::cli

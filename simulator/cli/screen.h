@@ -1,0 +1,43 @@
+// Where the output goes: to somebody's terminal, with columns and colours, or to a file or another program, plain. All
+// output of the program goes through here, line by line, so that nothing that happened is still in a buffer when the
+// next thing does.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+namespace sim::cli {
+
+enum class Style { kPlain, kBold, kDim, kRed, kGreen, kYellow, kCyan };
+
+class Screen {
+public:
+    /// What stdout is, looking at NO_COLOR and TERM too.
+    static Screen OfStandardOutput();
+
+    Screen(std::FILE *file, bool isTerminal, bool hasColours, size_t width)
+        : file_(file), isTerminal_(isTerminal), hasColours_(hasColours), width_(width) {}
+
+    bool IsTerminal() const { return isTerminal_; }
+    /// Columns of the terminal.
+    size_t Width() const { return width_; }
+
+    /// The text in that style, or just the text where there are no colours.
+    std::string Styled(const std::string &text, Style style) const;
+
+    /// Writes the text and ends the line.
+    void Line(const std::string &text = "") const;
+    /// Writes all lines at once.
+    void Write(const std::string &text) const;
+
+    /// False when something could not be written, on a full disk for example.
+    bool IsWell() const;
+
+private:
+    std::FILE *file_;
+    bool isTerminal_;
+    bool hasColours_;
+    size_t width_;
+};
+
+} // namespace sim::cli

@@ -1,0 +1,19 @@
+// What the program can be asked to do with a plugin that has been started.
+#pragma once
+
+#include "simulator/cli/options.h"
+#include "simulator/cli/screen.h"
+#include "simulator/session/session.h"
+
+namespace sim::cli {
+
+/// Runs the query, prints its events and results and, when it is to be live, every change until an interrupt.
+void RunQuery(Session &session, const Options &options, const Screen &screen);
+
+/// Prints every attribute of a file, with its type.
+void ShowFile(Session &session, const Options &options, const Screen &screen);
+
+/// Prints every attribute that the schema knows.
+void ShowAttributes(Session &session, const Screen &screen);
+
+} // namespace sim::cli

@@ -1,0 +1,149 @@
+#include "simulator/cli/value_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+
+namespace sim::cli {
+namespace {
+
+using host::Object;
+using host::Value;
+
+constexpr size_t kShownBytes = 16;
+
+bool IsArray(const Object &object) { return object.ClassName().ends_with("()"); }
+
+template <class... Arguments> std::string Formatted(const char *format, Arguments... arguments) {
+    std::array<char, 64> text;
+    std::snprintf(text.data(), text.size(), format, arguments...);
+    return text.data();
+}
+
+// The shortest text that reads back as the same number.
+template <class Number> std::string NumberText(Number number) {
+    std::array<char, 64> text;
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() ? std::string(text.data(), end) : std::string();
+}
+
+std::string Joined(const std::vector<std::string> &parts) {
+    std::string text;
+    for (const std::string &part : parts)
+        text += (&part == &parts.front() ? "" : ", ") + part;
+    return text;
+}
+
+std::string ArrayType(const std::vector<Value> &elements) {
+    std::string common;
+    for (const Value &element : elements) {
+        const std::string type = TypeText(element);
+        if (!common.empty() && type != common)
+            return "Array";
+        common = type;
+    }
+    return common.empty() ? "Array" : "Array of " + common;
+}
+
+std::string BytesText(const std::string &bytes) {
+    std::string text = Formatted("%zu bytes", bytes.size());
+    for (size_t i = 0; i < std::min(bytes.size(), kShownBytes); ++i)
+        text += (i == 0 ? ": " : " ") + Formatted("%02x", static_cast<unsigned char>(bytes[i]));
+    return text + (bytes.size() > kShownBytes ? " …" : "");
+}
+
+std::string DictionaryText(const Object &dictionary) {
+    std::vector<std::string> entries;
+    for (const auto &[key, value] : dictionary.Entries())
+        entries.push_back(ValueText(key) + ": " + ValueText(value));
+    return "{" + Joined(entries) + "}";
+}
+
+std::string ObjectText(const Object &object) {
+    if (IsArray(object)) {
+        std::vector<std::string> elements;
+        for (const Value &element : object.Elements())
+            elements.push_back(ValueText(element));
+        return Joined(elements);
+    }
+    const std::string name = object.ClassName();
+    if (name == "Date")
+        return DateText(object.Date());
+    if (name == "FolderItem")
+        return object.Path();
+    if (name == "MemoryBlock")
+        return BytesText(object.Bytes());
+    if (name == "Dictionary")
+        return DictionaryText(object);
+    return name;
+}
+
+} // namespace
+
+std::string TypeText(const Value &value) {
+    if (value.Is<bool>())
+        return "Boolean";
+    if (value.Is<int32_t>())
+        return "Integer";
+    if (value.Is<uint32_t>())
+        return "UInt32";
+    if (value.Is<int64_t>())
+        return "Int64";
+    if (value.Is<float>())
+        return "Single";
+    if (value.Is<double>())
+        return "Double";
+    if (value.Is<host::Color>())
+        return "Color";
+    if (value.Is<std::string>())
+        return "String";
+    if (!value.Is<Object>())
+        return "";
+    const Object object = value.As<Object>();
+    return IsArray(object) ? ArrayType(object.Elements()) : object.ClassName();
+}
+
+std::string ValueText(const Value &value) {
+    if (value.Is<bool>())
+        return value.As<bool>() ? "true" : "false";
+    if (value.Is<int32_t>())
+        return NumberText(value.As<int32_t>());
+    if (value.Is<uint32_t>())
+        return NumberText(value.As<uint32_t>());
+    if (value.Is<int64_t>())
+        return NumberText(value.As<int64_t>());
+    if (value.Is<float>())
+        return NumberText(value.As<float>());
+    if (value.Is<double>())
+        return NumberText(value.As<double>());
+    if (value.Is<host::Color>())
+        return Formatted("#%06X", static_cast<unsigned>(value.As<host::Color>().rgb));
+    if (value.Is<std::string>())
+        return value.As<std::string>();
+    return value.Is<Object>() ? ObjectText(value.As<Object>()) : "";
+}
+
+std::string DateText(const host::DateFields &date) {
+    return Formatted("%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour, date.minute,
+                     date.second);
+}
+
+std::string SizeText(int64_t bytes) {
+    constexpr int64_t kThousand = 1000;
+    if (bytes < kThousand)
+        return NumberText(bytes) + (bytes == 1 ? " byte" : " bytes");
+    double amount = static_cast<double>(bytes);
+    const char *unit = "";
+    for (const char *next : {"KB", "MB", "GB", "TB"}) {
+        if (amount < 999.5)
+            break;
+        amount /= kThousand;
+        unit = next;
+    }
+    return Formatted(amount < 9.95 ? "%.1f %s" : "%.0f %s", amount, unit);
+}
+
+} // namespace sim::cli

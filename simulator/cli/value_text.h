@@ -1,0 +1,23 @@
+// Values of the host in words: what type a value has, and what it says.
+#pragma once
+
+#include "simulator/host/value.h"
+
+#include <string>
+
+namespace sim::cli {
+
+/// "String", "Integer", "Boolean", "Date", "Array of String", "FolderItem"; "" for nil.
+std::string TypeText(const host::Value &value);
+
+/// The value itself: a text as it is, dates in GMT as the plugin gives them, the elements of an array separated by
+/// commas. Not printable yet.
+std::string ValueText(const host::Value &value);
+
+/// "2009-02-15 12:30:00"
+std::string DateText(const host::DateFields &date);
+
+/// 1234567 as "1.2 MB", for people; 0 and 1 as "0 bytes" and "1 byte".
+std::string SizeText(int64_t bytes);
+
+} // namespace sim::cli
