@@ -165,11 +165,15 @@ void RunLoop::FireTimers() {
     for (const ItemPointer &timer : timers) {
         if (timer->removed || timer->busy || timer->next > now)
             continue;
-        if (timer->interval > 0)
-            timer->next += timer->interval * (std::floor((now - timer->next) / timer->interval) + 1);
-        else
+        if (timer->interval <= 0) {
             Remove(timer->id);
+            Call(*timer);
+            continue;
+        }
+        const CFAbsoluteTime due = timer->next;
         Call(*timer);
+        if (timer->next == due) // not moved by its own callback
+            timer->next += timer->interval * (std::floor((CurrentClock().Now() - due) / timer->interval) + 1);
     }
 }
 
