@@ -7,7 +7,6 @@
 #include <cstring>
 #include <elf.h>
 #include <fstream>
-#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -20,8 +19,9 @@ std::vector<uint8_t> ReadFile(const std::filesystem::path &path) {
         throw LoadError(path.string(), std::strerror(errno));
     if (!std::filesystem::is_regular_file(path))
         throw LoadError(path.string(), "is not a regular file");
-    std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (stream.bad())
+    std::vector<uint8_t> bytes(std::filesystem::file_size(path));
+    stream.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (!stream)
         throw LoadError(path.string(), "cannot be read");
     return bytes;
 }
