@@ -19,7 +19,7 @@ std::vector<uint8_t> ReadFile(const std::filesystem::path &path) {
         throw LoadError(path.string(), std::strerror(errno));
     if (!std::filesystem::is_regular_file(path))
         throw LoadError(path.string(), "is not a regular file");
-    std::vector<uint8_t> bytes(std::filesystem::file_size(path));
+    std::vector<uint8_t> bytes(static_cast<size_t>(std::filesystem::file_size(path)));
     stream.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (!stream)
         throw LoadError(path.string(), "cannot be read");
