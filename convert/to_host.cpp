@@ -50,7 +50,7 @@ constexpr Conversion kNaturalValues[] = {
     Converted<CFBooleanGetTypeID, BooleanVariant>(),
     Converted<CFNumberGetTypeID, NumberVariant>(),
     Converted<CFArrayGetTypeID, HostArray>(),
-    Converted<CFNullGetTypeID, Nil>(),
+    Converted<CFNullGetTypeID, NilValue>(),
     Converted<CFDictionaryGetTypeID, HostDictionary>(),
     Converted<CFStringGetTypeID, StringVariant>(),
     Converted<CFDataGetTypeID, MemoryBlock>(),

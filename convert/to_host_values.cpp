@@ -9,7 +9,7 @@
 #include "host/exceptions.h"
 #include "host/strings.h"
 
-REALobjectStruct *Nil(CFTypeRef) { return nullptr; }
+REALobjectStruct *NilValue(CFTypeRef) { return nullptr; }
 
 REALobjectStruct *BooleanVariant(CFTypeRef value) {
     return BooleanToVariant(CFBooleanGetValue(static_cast<CFBooleanRef>(value)));

@@ -6,14 +6,14 @@
 
 #include "host/handles.h"
 
-REALobjectStruct *Nil(CFTypeRef value);
+REALobjectStruct *NilValue(CFTypeRef value);
 REALobjectStruct *BooleanVariant(CFTypeRef value);
 /// 64-bit floats, 32-bit integers or 64-bit integers, as the number is stored.
 REALobjectStruct *NumberVariant(CFTypeRef value);
 REALobjectStruct *StringVariant(CFTypeRef value);
 /// Calendar fields of GMT, fractions of a second cut off.
 REALobjectStruct *HostDate(CFTypeRef value);
-/// Nil for no bytes; raises "OutOfMemoryException" when the block cannot be had.
+/// NilValue for no bytes; raises "OutOfMemoryException" when the block cannot be had.
 REALobjectStruct *MemoryBlock(CFTypeRef value);
 REALobjectStruct *HostArray(CFTypeRef value);
 REALobjectStruct *HostDictionary(CFTypeRef value);
