@@ -122,6 +122,8 @@ Folders FoldersOf(CFTypeRef entry) {
     if (type != CFURLGetTypeID())
         return {};
     const auto url = CFRef<CFURLRef>::Adopt(CFURLCopyAbsoluteURL(static_cast<CFURLRef>(entry)));
+    if (!url || !Utf8Of(CFURLGetString(url.Get())).starts_with("file:"))
+        return {};
     const auto path = CFRef<CFStringRef>::Adopt(CFURLCopyFileSystemPath(url.Get(), kCFURLPOSIXPathStyle));
     const std::string text = path ? Utf8Of(path.Get()) : std::string();
     return text.starts_with("/") ? Folders{text} : Folders{};
