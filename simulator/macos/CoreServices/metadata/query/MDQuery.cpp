@@ -3,6 +3,7 @@
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/CoreServices/metadata/items/item.h"
 #include "simulator/macos/CoreServices/metadata/query/query.h"
+#include "simulator/macos/control/asked_values.h"
 #include "simulator/macos/control/faults.h"
 
 #include <CoreServices/MDQuery.h>
@@ -120,6 +121,7 @@ CFArrayRef MDQueryCopyValuesOfAttribute(MDQueryRef query, CFStringRef name) {
 
 CFIndex MDQueryGetCountOfResultsWithAttributeValue(MDQueryRef query, CFStringRef name, CFTypeRef value) {
     const OwnCalls own;
+    AskedValues::Note(value);
     const query::ValueList *values = Query::From(query).Values(name);
     return values ? values->CountOf(value) : 0;
 }
