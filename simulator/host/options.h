@@ -80,7 +80,7 @@ struct HostOptions {
     /// Whether arrays of a host below 2016.0 (or without a version) let their element storage be seen. Newer hosts
     /// never do.
     bool directArrayStorage = true;
-    SetterOrder setterOrder = SetterOrder::kValueThenIndex;
+    SetterOrder setterOrder = SetterOrder::kIndexThenValue;
     /// Names that the resolver answers with null, or loadable declarations (see Services in host.h) that are not found.
     std::set<std::string, std::less<>> withheld = {};
     /// Leaves out every first name of a service that has an older second name.
