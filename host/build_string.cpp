@@ -94,27 +94,37 @@ REALstringStruct *Build(const UInt8 *bytes, int32_t length, CFStringEncoding enc
     }
 }
 
+/// Raising builds the exception's message by REALBuildUnicodeString, from whose catch block it is called. A host that
+/// cannot build any string then gets an exception without a message, not an endless chain of them.
+void RaiseCaughtExceptionOnce() {
+    static constinit bool isRaising = false;
+    struct Raising {
+        Raising() { isRaising = true; }
+        ~Raising() { isRaising = false; }
+    };
+    if (isRaising)
+        return;
+    const Raising raising;
+    RaiseCaughtException();
+}
+
 } // namespace
 
 REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFStringEncoding encoding) {
     if (!bytes || length < 1 || length > INT32_MAX)
         return nullptr;
-    // Raising builds the exception's message by this very function. A host that cannot build any string then gets an
-    // exception without a message, not an endless chain of them.
-    static constinit bool isRaising = false;
     try {
         return Build(static_cast<const UInt8 *>(bytes), static_cast<int32_t>(length), encoding);
     } catch (...) {
-        if (!isRaising) {
-            isRaising = true;
-            RaiseCaughtException();
-            isRaising = false;
-        }
+        RaiseCaughtExceptionOnce();
         return nullptr;
     }
 }
 
 REALstringStruct *REALBuildUnicodeStringUTF16(const void *bytes, int64_t length) {
+    // Nothing left of a text is still a text: unlike above, the host is asked to build it.
+    if (!bytes || length < 0 || length > INT32_MAX)
+        return nullptr;
     const auto byteCount = static_cast<int32_t>(length);
     if (HostBuildsStringsWithEncoding())
         return ConvertToUTF8(

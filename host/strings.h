@@ -19,5 +19,6 @@ constexpr CFStringEncoding kHostUnknownEncoding = 0xFFFF;
 /// come out as host exceptions.
 [[nodiscard]] REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFStringEncoding encoding);
 
-/// A host string with the UTF-8 form of UTF-16 text in host byte order, +1, or null. The length is in bytes.
+/// A host string with the UTF-8 form of UTF-16 text in host byte order, +1, or null. The length is in bytes, 0 to
+/// 0x7FFFFFFF.
 [[nodiscard]] REALstringStruct *REALBuildUnicodeStringUTF16(const void *bytes, int64_t length);

@@ -5,27 +5,14 @@
 #include "host/host_function.h"
 #include "host/services.h"
 #include "tests/whitebox/fake_resolver.h"
+#include "tests/whitebox/restored.h"
 
-#include <array>
-#include <cstring>
 #include <vector>
 
 using whitebox::FakeResolver;
+using whitebox::Restored;
 
 namespace {
-
-/// Leaves a service as it found it: its cell must be empty at the beginning of each test, whatever ran before.
-template <class Service> class Restored {
-public:
-    explicit Restored(Service &service) : service_(service) { std::memcpy(bytes_.data(), &service, sizeof(Service)); }
-    ~Restored() { std::memcpy(static_cast<void *>(&service_), bytes_.data(), sizeof(Service)); }
-    Restored(const Restored &) = delete;
-    Restored &operator=(const Restored &) = delete;
-
-private:
-    Service &service_;
-    std::array<unsigned char, sizeof(Service)> bytes_;
-};
 
 int calls = 0;
 
