@@ -18,7 +18,8 @@ CFURLRef URLOfNewItem(REALfolderItemStruct *item) {
     if (!REALFSRefFromFolderItem(item, &parent, &name))
         return nullptr;
     const auto folder = OwnedCF<CFURLRef>::Adopt(CFURLCreateFromFSRef(kCFAllocatorDefault, &parent));
-    if (!folder || name.length == 0)
+    constexpr UInt16 kLongestName = 255;
+    if (!folder || name.length == 0 || name.length > kLongestName)
         return nullptr;
     const auto length = static_cast<CFIndex>(name.length);
     const auto written =
