@@ -49,8 +49,9 @@ public:
 
     constexpr explicit ArrayEntryPoint(const char *name, const char *olderName) : factory_(name, olderName) {}
 
-    /// The element function of an array, or null.
-    ElementFunction For(_REALarray *array) { return factory_(array); }
+    /// The element function of an array, or null. A host that cannot make arrays gives null ones, which it must not be
+    /// asked about.
+    ElementFunction For(_REALarray *array) { return array ? factory_(array) : nullptr; }
 
     Result operator()(_REALarray *array, Arguments... arguments) {
         const ElementFunction function = For(array);
