@@ -183,9 +183,9 @@ TEST_CASE("a megabyte of opening parentheses is malformed and nothing worse") {
     CHECK_FALSE(IsQuery(std::string(1 << 20, '(')));
 }
 
-TEST_CASE("a query may be long: a hundred thousand comparisons in a row") {
+TEST_CASE("a query may be long: twenty thousand comparisons in a row") {
     std::string query = "a==0";
-    for (int number = 1; number < 100000; ++number)
+    for (int number = 1; number < 20000; ++number)
         query += (number % 2 ? " && a==" : " || a==") + std::to_string(number);
     CHECK(IsQuery(query));
 }
