@@ -41,6 +41,8 @@ public:
     CFStringRef Text() const { return text_.Get(); }
     CFArrayRef ValueNames() const { return valueNames_.Get(); }
     CFArrayRef SortNames() const { return sortNames_.Get(); }
+    /// Null when none was set.
+    CFArrayRef Scope() const { return scope_.Get(); }
 
     MDQueryBatchingParams BatchingParameters() const { return pace_.Parameters(); }
     void SetBatchingParameters(const MDQueryBatchingParams &parameters);

@@ -67,9 +67,18 @@ void ResultList::SetOrder(SortOrder order) {
 void ResultList::Merge(std::vector<Result *> touched) {
     const auto before = [this](const Result *one, const Result *other) { return StandsBefore(*one, *other, order_); };
     std::sort(touched.begin(), touched.end(), before);
-    const auto middle = static_cast<std::ptrdiff_t>(inOrder_.size());
-    inOrder_.insert(inOrder_.end(), touched.begin(), touched.end());
-    std::inplace_merge(inOrder_.begin(), inOrder_.begin() + middle, inOrder_.end(), before);
+    // Comparing is what costs: a search for each place, not a look at every result that stays where it is.
+    std::vector<Result *> merged;
+    merged.reserve(inOrder_.size() + touched.size());
+    auto from = inOrder_.begin();
+    for (Result *result : touched) {
+        const auto place = std::upper_bound(from, inOrder_.end(), result, before);
+        merged.insert(merged.end(), from, place);
+        merged.push_back(result);
+        from = place;
+    }
+    merged.insert(merged.end(), from, inOrder_.end());
+    inOrder_ = std::move(merged);
     numbered_ = false;
     ++generation_;
 }
