@@ -29,13 +29,6 @@ const Layout &LayoutFor(int32_t version) {
 
 template <class T> T *At(Word word) { return reinterpret_cast<T *>(static_cast<uintptr_t>(word)); }
 
-/// A host keeps what it is handed for good, and so plugins allocate it without a thought of freeing it. These pointers
-/// outlive the host to say that such memory is not lost.
-void KeepForGood(Word word) {
-    static auto *kept = new std::vector<const void *>;
-    kept->push_back(At<const void>(word));
-}
-
 std::string TextAt(Word word) { return word ? At<const char>(word) : ""; }
 
 void ReadWords(RawRecord &record, Word *address, size_t count) {
@@ -77,7 +70,6 @@ template <class Record>
 std::vector<Record> ReadTable(Word table, Word count, size_t recordWords, const Layout &layout, const char *what) {
     if (count && !table)
         Stop("a record declares " + std::to_string(count) + " " + what + " without a table");
-    KeepForGood(table);
     std::vector<Record> records(count);
     for (size_t index = 0; index < count; ++index)
         Read(records[index], At<Word>(table) + index * recordWords, layout);
@@ -114,8 +106,6 @@ ModuleRecord ReadModule(Word *address) {
     record.version = static_cast<int32_t>(address[0]);
     const Layout &layout = LayoutFor(record.version);
     ReadWords(record, address, kModuleWords);
-    KeepForGood(static_cast<Word>(reinterpret_cast<uintptr_t>(address)));
-    KeepForGood(record.words[1]);
     record.name = TextAt(record.words[1]);
     record.methods = ReadTable<MethodRecord>(record.words[2], record.words[3], layout.methodWords, layout, "methods");
     return record;

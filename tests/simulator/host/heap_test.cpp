@@ -96,6 +96,17 @@ TEST_CASE("A dead address does not come back, unless the host reuses addresses")
     CHECK(host.NewDictionary().Address() == first);
 }
 
+TEST_CASE("Arrays nested ten thousand deep are kept in balance and die without a fault") {
+    HostUnderTest host;
+    Object nested = host.NewArray("variant");
+    for (int depth = 1; depth < 10'000; ++depth)
+        nested = host.NewArray("variant", {nested});
+    CHECK(host.Alive("variant()") == 10'000);
+    CHECK(host.Balance().empty());
+    nested.Release();
+    CHECK(host.Alive("variant()") == 0);
+}
+
 TEST_CASE("Objects of the program count like everybody's references") {
     HostUnderTest host;
     Object date = host.NewDate({});
