@@ -2,7 +2,6 @@
 #include "simulator/macos/CoreFoundation/notification_center.h"
 
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/control/notifications.h"
 
 #include <algorithm>
 #include <vector>
@@ -15,13 +14,11 @@ NotificationCenter &NotificationCenter::Local() {
 }
 
 void NotificationCenter::Add(const void *observer, CFNotificationCallback callback, CFStringRef name,
-                             const void *object) {
+                             const void *object, CFNotificationSuspensionBehavior suspensionBehavior) {
     auto registration = std::make_shared<Registration>();
     registration->observer = observer;
     registration->callback = callback;
-    if (name)
-        registration->name = CharactersOf(name);
-    registration->object = object;
+    registration->entry = {name ? std::optional(CharactersOf(name)) : std::nullopt, object, suspensionBehavior};
     registrations_.push_back(std::move(registration));
 }
 
@@ -36,10 +33,11 @@ void NotificationCenter::RemoveEvery(const void *observer) {
 void NotificationCenter::Post(CFStringRef name, const void *object, CFDictionaryRef userInfo) {
     const std::u16string text = CharactersOf(name);
     std::vector<std::shared_ptr<Registration>> reached;
-    for (const std::shared_ptr<Registration> &registration : registrations_)
-        if ((!registration->name || *registration->name == text) &&
-            (!registration->object || registration->object == object))
+    for (const std::shared_ptr<Registration> &registration : registrations_) {
+        const notifications::Entry &wanted = registration->entry;
+        if ((!wanted.name || *wanted.name == text) && (!wanted.object || wanted.object == object))
             reached.push_back(registration);
+    }
     const auto keptName = CFRef<CFStringRef>::Retain(name);
     const auto keptInfo = CFRef<CFDictionaryRef>::Retain(userInfo);
     for (const std::shared_ptr<Registration> &registration : reached)
@@ -54,11 +52,21 @@ std::size_t NotificationCenter::RegistrationCount(const void *observer) const {
                       [&](const auto &registration) { return registration->observer == observer; }));
 }
 
+std::vector<notifications::Entry> NotificationCenter::EntriesOf(const void *observer) const {
+    std::vector<notifications::Entry> entries;
+    for (const auto &registration : registrations_)
+        if (registration->observer == observer)
+            entries.push_back(registration->entry);
+    return entries;
+}
+
 namespace notifications {
 
 std::size_t RegistrationCount() { return NotificationCenter::Local().RegistrationCount(); }
 
 std::size_t RegistrationCount(const void *observer) { return NotificationCenter::Local().RegistrationCount(observer); }
+
+std::vector<Entry> EntriesOf(const void *observer) { return NotificationCenter::Local().EntriesOf(observer); }
 
 } // namespace notifications
 
@@ -85,7 +93,7 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void 
              std::to_string(static_cast<int>(suspensionBehavior)));
     if (!callBack)
         Stop("CFNotificationCenterAddObserver was given no callback");
-    Expect<NotificationCenter>(center).Add(observer, callBack, name, object);
+    Expect<NotificationCenter>(center).Add(observer, callBack, name, object, suspensionBehavior);
 }
 
 void CFNotificationCenterRemoveEveryObserver(CFNotificationCenterRef center, const void *observer) {

@@ -7,13 +7,13 @@
 
 #include "simulator/macos/CoreFoundation/object.h"
 #include "simulator/macos/CoreFoundation/ref.h"
+#include "simulator/macos/control/notifications.h"
 
 #include <CoreFoundation/CFNotificationCenter.h>
 
 #include <list>
 #include <memory>
-#include <optional>
-#include <string>
+#include <vector>
 
 namespace sim::macos {
 
@@ -24,19 +24,20 @@ public:
     CFTypeID TypeID() const override { return CFNotificationCenterGetTypeID(); }
 
     /// Without a name the observer gets all names; without an object what any object posts, and what none posts.
-    void Add(const void *observer, CFNotificationCallback callback, CFStringRef name, const void *object);
+    void Add(const void *observer, CFNotificationCallback callback, CFStringRef name, const void *object,
+             CFNotificationSuspensionBehavior suspensionBehavior);
     void RemoveEvery(const void *observer);
     void Post(CFStringRef name, const void *object, CFDictionaryRef userInfo);
 
     std::size_t RegistrationCount() const { return registrations_.size(); }
     std::size_t RegistrationCount(const void *observer) const;
+    std::vector<notifications::Entry> EntriesOf(const void *observer) const;
 
 private:
     struct Registration {
         const void *observer;
         CFNotificationCallback callback;
-        std::optional<std::u16string> name;
-        const void *object;
+        notifications::Entry entry;
         bool removed = false;
     };
 
