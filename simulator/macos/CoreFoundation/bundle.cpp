@@ -35,11 +35,11 @@ public:
     void *Find(const std::string &function) const {
         if (!loaded_ || !environment::Exports(function))
             return nullptr;
-        void *library = dlopen("libCoreServices.so", RTLD_NOW | RTLD_LOCAL);
+        // Never closed: a bundle's executable stays as long as the process does.
+        static void *library = dlopen("libCoreServices.so", RTLD_NOW | RTLD_LOCAL);
         if (!library)
             Stop(std::string("the stand-in CoreServices cannot be loaded: ") + dlerror());
         void *address = dlsym(library, function.c_str());
-        dlclose(library);
         if (!address)
             Stop("the stand-in CoreServices has no function " + function);
         return address;

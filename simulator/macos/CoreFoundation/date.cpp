@@ -104,12 +104,13 @@ CFGregorianDate CFAbsoluteTimeGetGregorianDate(CFAbsoluteTime at, CFTimeZoneRef 
     const double days = std::clamp(std::floor(at / kSecondsPerDay), -kMostDays, kMostDays);
     const Day day = DayFrom(static_cast<std::int64_t>(days));
     const double inDay = std::clamp(at - days * kSecondsPerDay, 0.0, std::nextafter(kSecondsPerDay, 0.0));
-    const auto minutes = static_cast<int>(inDay / 60);
+    const double second = std::fmod(inDay, 60);
+    const auto minutes = static_cast<int>(std::lround((inDay - second) / 60));
     using Year = std::numeric_limits<std::int32_t>;
     return {static_cast<SInt32>(std::clamp<std::int64_t>(day.year, Year::min(), Year::max())),
             static_cast<SInt8>(day.month + 1),
             static_cast<SInt8>(day.day + 1),
             static_cast<SInt8>(minutes / 60),
             static_cast<SInt8>(minutes % 60),
-            inDay - 60.0 * minutes};
+            second};
 }

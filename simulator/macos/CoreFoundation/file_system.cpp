@@ -6,27 +6,23 @@
 #include "simulator/macos/control/environment.h"
 
 #include <dirent.h>
-#include <limits.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace sim::macos {
 
 namespace {
 
-struct Identity {
-    dev_t device = 0;
-    ino_t inode = 0;
-    auto operator<=>(const Identity &) const = default;
-};
+using Identity = std::pair<dev_t, ino_t>;
 
 struct Entry {
     std::string path;

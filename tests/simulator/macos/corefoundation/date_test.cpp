@@ -73,6 +73,14 @@ TEST_CASE_FIXTURE(Balanced, "The calendar is Gregorian in every year, long befor
     }
 }
 
+TEST_CASE_FIXTURE(Balanced, "The last moment of a minute belongs to it") {
+    const double last = std::nextafter(60.0, 0.0);
+    CheckFields(last, 2001, 1, 1, 0, 0);
+    CHECK_EQ(FieldsOf(last).second, last);
+    CheckFields(-1e-9, 2000, 12, 31, 23, 59);
+    CHECK_LT(FieldsOf(-1e-9).second, 60);
+}
+
 TEST_CASE_FIXTURE(Balanced, "Times without a calendar date give the nearest one there is") {
     CHECK_EQ(FieldsOf(std::numeric_limits<double>::infinity()).year, std::numeric_limits<SInt32>::max());
     CHECK_EQ(FieldsOf(-1e300).year, std::numeric_limits<SInt32>::min());

@@ -14,6 +14,8 @@ using namespace sim::macos::tests;
 
 namespace {
 
+CFTypeRef nothing = nullptr;
+
 // What a child process prints when the call aborts it.
 std::string LastWordsOf(const std::function<void()> &call) {
     std::array<int, 2> ends{};
@@ -104,8 +106,8 @@ TEST_CASE_FIXTURE(Balanced, "Objects of different types are never equal") {
 }
 
 TEST_CASE_FIXTURE(Balanced, "Retain, release and every look at null are refused by name") {
-    CHECK_EQ(RefusalOf([] { CFRelease(nullptr); }), "CFRelease was given null");
-    CHECK_EQ(RefusalOf([] { CFRetain(nullptr); }), "CFRetain was given null");
+    CHECK_EQ(RefusalOf([] { CFRelease(nothing); }), "CFRelease was given null");
+    CHECK_EQ(RefusalOf([] { CFRetain(nothing); }), "CFRetain was given null");
     CHECK_EQ(RefusalOf([] { CFGetTypeID(nullptr); }), "CFGetTypeID was given null");
     CHECK_EQ(RefusalOf([] { CFStringGetLength(nullptr); }), "CFStringGetLength was given null");
     CHECK_EQ(RefusalOf([] { CFEqual(nullptr, CFSTR("a")); }), "CFGetTypeID was given null");
@@ -148,7 +150,7 @@ TEST_CASE_FIXTURE(Balanced, "An object of another type than a function's own is 
 }
 
 TEST_CASE("Without a handler a refused call prints its sentence and aborts") {
-    CHECK(Contains(LastWordsOf([] { CFRelease(nullptr); }), "stand-in macOS: CFRelease was given null"));
+    CHECK(Contains(LastWordsOf([] { CFRelease(nothing); }), "stand-in macOS: CFRelease was given null"));
     CHECK(Contains(LastWordsOf([] {
                        CFStringRef string = CFStringCreateWithCString(nullptr, "gone", kCFStringEncodingUTF8);
                        CFRelease(string);

@@ -38,7 +38,7 @@ std::optional<std::string> CString(const std::u16string &text, CFStringEncoding 
     if (!CFStringGetCString(string.Get(), buffer.data(), size, encoding))
         return std::nullopt;
     CHECK_EQ(buffer.back(), '#');
-    return std::string(buffer.c_str());
+    return buffer.substr(0, buffer.find('\0'));
 }
 
 } // namespace
