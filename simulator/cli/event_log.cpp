@@ -5,6 +5,8 @@
 #include "simulator/cli/value_text.h"
 
 #include <array>
+#include <cstdio>
+#include <utility>
 
 namespace sim::cli {
 namespace {
@@ -18,6 +20,12 @@ constexpr size_t kShownNames = 20;
 
 std::string CountText(size_t count, const char *one, const char *many) {
     return ValueText(static_cast<int64_t>(count)) + " " + (count == 1 ? one : many);
+}
+
+std::string SecondsText(double seconds) {
+    std::array<char, 32> text;
+    std::snprintf(text.data(), text.size(), seconds < 1 ? "%.1f ms" : "%.1f s", seconds < 1 ? seconds * 1000 : seconds);
+    return text.data();
 }
 
 std::vector<Object> ItemsIn(const EventCall &call, size_t index) {
@@ -56,10 +64,8 @@ void EventLog::OnFinish() {
     const auto results = static_cast<size_t>(query_.Get<int32_t>("ResultCount"));
     std::string text = CountText(results, "result", "results");
     if (screen_.IsTerminal()) {
-        const auto taken = std::chrono::steady_clock::now() - begin_;
-        text += " in " +
-                ValueText(static_cast<int64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(taken).count())) +
-                " ms";
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin_;
+        text += " in " + SecondsText(taken.count());
     }
     screen_.Line(Head("Finish", Style::kGreen) + text);
 }
@@ -71,9 +77,11 @@ std::string EventLog::Head(const std::string &event, Style style) const {
 std::string EventLog::Counts(const EventCall &call) const {
     constexpr std::array kWords = {"added", "changed", "removed"};
     std::string text;
-    for (size_t i = 0; i < kWords.size(); ++i)
-        text += ValueText(call.arguments.at(i).As<Object>().UpperBound() + 1) + " " + kWords[i] +
+    for (size_t i = 0; i < kWords.size(); ++i) {
+        const int32_t count = call.arguments.at(i).As<Object>().UpperBound() + 1;
+        text += screen_.Styled(ValueText(count) + " " + kWords[i], count == 0 ? Style::kDim : Style::kBold) +
                 (i + 1 < kWords.size() ? ", " : "; ");
+    }
     const auto results = static_cast<size_t>(query_.Get<int32_t>("ResultCount"));
     return text + CountText(results, "result", "results") + (hasFinished_ ? "" : " so far");
 }

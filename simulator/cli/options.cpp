@@ -10,7 +10,7 @@ namespace {
 
 // A folder that every machine has, and what is always found in it.
 constexpr const char *kUsualFolder = "/etc";
-constexpr const char *kUsualQuery = "kMDItemFSName == \"*.conf\"";
+constexpr const char *kUsualQuery = "kMDItemFSName == \"*.conf\" && kMDItemContentTypeTree == \"public.text\"";
 constexpr const char *kEveryFile = "kMDItemFSName == \"*\"";
 
 std::string Quoted(const std::string &text) { return "\"" + text + "\""; }

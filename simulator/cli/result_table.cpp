@@ -10,17 +10,32 @@ using host::Host;
 using host::Object;
 using host::Value;
 
-Value Attribute(Host &host, const Object &item, const char *key) {
-    Object reader = item;
-    return reader.Call("GetAttribute", host.Shared<std::string>("MDItemQTX", key));
-}
+// Reads the fields of one item after another. The keys' names are asked for once.
+class ItemReader {
+public:
+    ItemReader(Host &host, const Screen &screen)
+        : screen_(screen), kind_(host.Shared<std::string>("MDItemQTX", "kMDItemKind")),
+          size_(host.Shared<std::string>("MDItemQTX", "kMDItemFSSize")),
+          modified_(host.Shared<std::string>("MDItemQTX", "kMDItemFSContentChangeDate")) {}
 
-std::string Size(const Value &attribute, const Object &item, const Screen &screen) {
-    if (attribute.IsNil()) // a folder has no size of its own
-        return screen.IsTerminal() ? "–" : "";
-    const auto size = item.Get<int64_t>("FSSize");
-    return screen.IsTerminal() ? SizeText(size) : ValueText(size);
-}
+    std::vector<std::string> Fields(Object &item) const {
+        return {NameOf(item), ValueText(item.Call("GetAttribute", kind_)), Size(item),
+                ValueText(item.Call("GetAttribute", modified_)), item.Get<std::string>("Path")};
+    }
+
+private:
+    std::string Size(Object &item) const {
+        if (item.Call("GetAttribute", size_).IsNil()) // a folder has no size of its own
+            return screen_.IsTerminal() ? "–" : "";
+        const auto size = item.Get<int64_t>("FSSize");
+        return screen_.IsTerminal() ? SizeText(size) : ValueText(size);
+    }
+
+    const Screen &screen_;
+    std::string kind_;
+    std::string size_;
+    std::string modified_;
+};
 
 } // namespace
 
@@ -37,12 +52,9 @@ void PrintResults(Host &host, const Object &query, size_t limit, const Screen &s
                  {.heading = "Path", .narrowest = 12, .cut = Cut::kMiddle, .style = Style::kDim}});
     Object asked = query;
     const auto most = limit == 0 ? -1 : static_cast<int32_t>(limit);
-    for (const Object &item : asked.Call<Object>("Results", most).As<Object>()) {
-        const std::string kind = ValueText(Attribute(host, item, "kMDItemKind"));
-        const std::string size = Size(Attribute(host, item, "kMDItemFSSize"), item, screen);
-        const std::string modified = ValueText(Attribute(host, item, "kMDItemFSContentChangeDate"));
-        table.Add({NameOf(item), kind, size, modified, item.Get<std::string>("Path")});
-    }
+    const ItemReader reader(host, screen);
+    for (Object &item : asked.Call<Object>("Results", most).As<Object>())
+        table.Add(reader.Fields(item));
     screen.Line();
     table.Print(screen);
     if (const size_t shown = table.RowCount(); shown < count)

@@ -24,6 +24,20 @@ Object MakeQuery(Host &host, const std::string &text) {
     return query;
 }
 
+// Batches that suit somebody who is watching: the first results soon, then in large portions, changes at once.
+void SetBatches(Object &query) {
+    Object batches = query.Get<Object>("BatchingParameters");
+    for (const auto &[property, value] :
+         std::initializer_list<std::pair<const char *, int32_t>>{{"firstMaxNum", 100},
+                                                                 {"firstMaxMS", 250},
+                                                                 {"progressMaxNum", 10000},
+                                                                 {"progressMaxMS", 500},
+                                                                 {"updateMaxNum", 10000},
+                                                                 {"updateMaxMS", 250}})
+        batches.Set(property, value);
+    query.Set("BatchingParameters", batches);
+}
+
 void Execute(Host &host, Object &query, const std::filesystem::path &folder) {
     const Object folders = host.NewArray("folderitem", {host.NewFolderItem(folder.string())});
     query.Call<void>("SetSearchScope", folders, host.NewArray("string"));
@@ -52,6 +66,7 @@ void RunQuery(Session &session, const Options &options, const Screen &screen) {
 
     Object query = MakeQuery(host, options.query);
     PrintHeading(options, screen);
+    SetBatches(query);
     EventLog log(query, screen);
     Execute(host, query, options.folder);
     workUntil([&] { return log.HasFinished(); });
@@ -67,7 +82,9 @@ void RunQuery(Session &session, const Options &options, const Screen &screen) {
     query.Call<void>("Stop");
     if (watch.IsInterrupted()) {
         const auto updates = static_cast<int64_t>(log.UpdateCount());
-        screen.Line("Stopped after " + ValueText(updates) + (updates == 1 ? " update." : " updates."));
+        // A terminal shows the ^C that was typed; the carriage return writes over it.
+        screen.Line((screen.IsTerminal() ? "\r" : "") +
+                    ("Stopped after " + ValueText(updates) + (updates == 1 ? " update." : " updates.")));
     }
 }
 
