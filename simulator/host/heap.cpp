@@ -15,6 +15,18 @@ namespace {
 /// So many dead blocks are kept before the oldest is given back to the allocator.
 constexpr size_t kQuarantineLength = 200'000;
 constexpr int kDeadByte = 0xDD;
+constexpr int kDeepestDeath = 64;
+
+class Deeper {
+public:
+    explicit Deeper(int &depth) : depth_(depth) { ++depth_; }
+    Deeper(const Deeper &) = delete;
+    Deeper &operator=(const Deeper &) = delete;
+    ~Deeper() { --depth_; }
+
+private:
+    int &depth_;
+};
 
 std::string HandleText(const void *handle) {
     char text[16];
@@ -113,11 +125,25 @@ void Heap::Unlock(Entity &entity) {
         Stop(entity.Describe() + " was unlocked while it dies, by " + place_().Describe());
     if (--entity.references > 0)
         return;
+    deaths_.push_back({&entity, place_()});
+    // What dies inside a death dies at once, as in a real host, but for the depth of the stack: beyond the limit it
+    // waits until there is room again.
+    if (dyingDepth_ == kDeepestDeath)
+        return;
+    Deeper deeper(dyingDepth_);
+    while (!deaths_.empty()) {
+        Death death = deaths_.back();
+        deaths_.pop_back();
+        Bury(*death.entity, death.place);
+    }
+}
+
+void Heap::Bury(Entity &entity, const Place &diedAt) {
     entity.Die();
     auto found = live_.find(entity.address);
     std::unique_ptr<Entity> last = std::move(found->second);
     live_.erase(found);
-    graves_[last->address] = {last->Describe(), last->madeAt, place_()};
+    graves_[last->address] = {last->Describe(), last->madeAt, diedAt};
     Retire(last->address, last->size);
 }
 

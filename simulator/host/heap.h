@@ -102,7 +102,13 @@ private:
         size_t size;
     };
 
+    struct Death {
+        Entity *entity;
+        Place place;
+    };
+
     void Add(std::unique_ptr<Entity> entity, size_t size);
+    void Bury(Entity &entity, const Place &diedAt);
     std::byte *Allocate(size_t size);
     void Retire(std::byte *address, size_t size);
     [[noreturn]] void StopForKind(const void *handle, const char *what);
@@ -110,6 +116,8 @@ private:
     std::function<Place()> place_;
     bool reuseAddresses_;
     uint32_t lastNumber_ = 0;
+    std::vector<Death> deaths_;
+    int dyingDepth_ = 0;
     std::unordered_map<const void *, std::unique_ptr<Entity>> live_;
     std::unordered_map<const void *, Grave> graves_;
     std::deque<DeadBlock> quarantine_;
