@@ -23,8 +23,7 @@ bool IsFolderItem(REALobjectStruct *object) {
 }
 
 CFTypeRef CopyMemoryBlock(REALobjectStruct *block) {
-    REALLockObject(block);
-    const auto hold = OwnedObject::Adopt(block);
+    const auto hold = Hold(block);
     const int32_t size = std::max<int32_t>(memoryBlockGetSize(block), 0);
     const auto *bytes = static_cast<const UInt8 *>(memoryBlockGetPtr(block));
     return CFDataCreate(kCFAllocatorDefault, bytes, bytes ? size : 0);

@@ -95,8 +95,8 @@ REALobjectStruct *MemoryBlock(CFTypeRef value) {
         return nullptr;
     }
     std::memcpy(memory, bytes, static_cast<size_t>(length));
-    REALLockObject(block.Get());
-    REALUnlockObject(block.Get());
+    // Hosts have always been asked for one more reference, to be given up at once.
+    { const auto hold = Hold(block.Get()); }
     return block.Give();
 }
 

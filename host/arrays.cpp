@@ -44,31 +44,20 @@ bool CheckArrayIndex(_REALarray *array, int32_t index) {
 REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index) {
     if (!array || !CheckArrayIndex(array, index))
         return nullptr;
-    if (auto *elements = DirectElements<REALstringStruct *>(array)) {
-        if (REALstringStruct *string = elements[index]) {
-            REALLockString(string);
-            return string;
-        }
-        return nullptr;
-    }
+    if (auto *elements = DirectElements<REALstringStruct *>(array))
+        return Hold(elements[index]).Give();
     return REALReadStringArray(array, index);
 }
 
 REALobjectStruct *ReadArrayObject(_REALarray *array, int32_t index) {
-    if (auto *elements = DirectElements<REALobjectStruct *>(array)) {
-        if (elements[index])
-            REALLockObject(elements[index]);
-        return elements[index];
-    }
+    if (auto *elements = DirectElements<REALobjectStruct *>(array))
+        return Hold(elements[index]).Give();
     return REALGetArrayValueObject(array, index);
 }
 
 REALstringStruct *ReadArrayString(_REALarray *array, int32_t index) {
-    if (auto *elements = DirectElements<REALstringStruct *>(array)) {
-        if (elements[index])
-            REALLockString(elements[index]);
-        return elements[index];
-    }
+    if (auto *elements = DirectElements<REALstringStruct *>(array))
+        return Hold(elements[index]).Give();
     return REALGetArrayValueString(array, index);
 }
 
@@ -86,9 +75,8 @@ void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object
         REALSetArrayValueObject(array, index, object);
         return;
     }
-    if (object)
-        REALLockObject(object);
+    auto kept = Hold(object);
     if (REALobjectStruct *previous = std::exchange(elements[index], nullptr))
         REALUnlockObject(previous);
-    elements[index] = object;
+    elements[index] = kept.Give();
 }

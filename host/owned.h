@@ -42,3 +42,17 @@ template <class Reference> using OwnedCF = Owned<Reference, CFRelease>;
 using OwnedString = Owned<REALstringStruct *, REALUnlockString>;
 template <class Handle> using OwnedHost = Owned<Handle *, REALUnlockObject>;
 using OwnedObject = OwnedHost<REALobjectStruct>;
+
+// A reference of our own on something borrowed. A host that cannot add one gives none, so that none is given up.
+inline OwnedString Hold(REALstringStruct *string) {
+    if (!string || !REALLockString)
+        return {};
+    REALLockString(string);
+    return OwnedString::Adopt(string);
+}
+inline OwnedObject Hold(REALobjectStruct *object) {
+    if (!object || !REALLockObject)
+        return {};
+    REALLockObject(object);
+    return OwnedObject::Adopt(object);
+}

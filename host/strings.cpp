@@ -32,11 +32,6 @@ struct HostText {
     bool IsReadable() const { return length == 0 || (length > 0 && bytes); }
 };
 
-OwnedString Hold(REALstringStruct *string) {
-    REALLockString(string);
-    return OwnedString::Adopt(string);
-}
-
 HostText ReadInPlace(REALstringStruct *string) {
     if (HostHidesLayouts()) {
         const CFIndex length = LenB(string);
