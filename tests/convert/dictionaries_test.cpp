@@ -1,0 +1,182 @@
+// Dictionaries in both directions: every pair, nested ones, and the methods that are looked up once per dictionary.
+#include "tests/convert/value_session.h"
+
+#include <doctest/doctest.h>
+
+using sim::host::HostOptions;
+using sim::host::Object;
+using sim::host::Value;
+using tests::CoreArray;
+using tests::CoreDictionary;
+using tests::CoreInteger;
+using tests::CoreNull;
+using tests::CoreText;
+using tests::CoreValue;
+using tests::ValueSession;
+
+namespace {
+
+constexpr const char *kSetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
+constexpr const char *kGetter = "Dictionary.Value(key As Variant) As Variant";
+constexpr const char *kKeyGetter = "Dictionary.Key(index As Integer) As Variant";
+
+/// The methods that were loaded, in order.
+std::vector<std::string> Loaded(ValueSession &session) {
+    std::vector<std::string> names;
+    for (const auto &request : session.Host().Requests())
+        if (request.name == kSetter || request.name == kGetter || request.name == kKeyGetter)
+            names.push_back(request.name);
+    return names;
+}
+
+std::vector<std::string> Groups(int count) {
+    std::vector<std::string> names;
+    for (int i = 0; i < count; i++)
+        names.insert(names.end(), {kSetter, kGetter, kKeyGetter});
+    return names;
+}
+
+CoreValue Inner() { return CoreDictionary({{CoreText("x"), CoreInteger(1)}, {CoreText("y"), CoreInteger(2)}}); }
+
+} // namespace
+
+TEST_CASE("A CFDictionary becomes a host Dictionary with every pair, keys and values converted") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDictionary({{CoreText("a"), CoreInteger(1)},
+                                             {CoreInteger(2), CoreArray({CoreText("b")})},
+                                             {tests::CoreTruth(true), tests::CoreDate(0)}})) ==
+          "{\"a\": Integer 1, Integer 2: [\"b\"], true: Date 2001-01-01 00:00:00}");
+}
+
+TEST_CASE("An empty CFDictionary becomes an empty Dictionary, never nil") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDictionary({})) == "{}");
+    CHECK(Loaded(session).empty());
+}
+
+TEST_CASE("In an application without the class Dictionary a CFDictionary gives nil") {
+    ValueSession session(HostOptions{.missingClasses = {"Dictionary"}});
+    CHECK(session.ToHost(Inner()).IsNil());
+}
+
+TEST_CASE("A pair whose value is CFNull is stored with nil") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDictionary({{CoreText("a"), CoreNull()}, {CoreText("b"), CoreInteger(1)}})) ==
+          "{\"a\": nil, \"b\": Integer 1}");
+}
+
+TEST_CASE("A pair whose value has no host form is stored with nil") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDictionary({{CoreText("a"), tests::CoreInstance("CGImage")}})) == "{\"a\": nil}");
+}
+
+TEST_CASE("A pair whose key is null is not stored, and nothing of it is converted") {
+    ValueSession session;
+    // Without callbacks a dictionary may hold null.
+    const auto dictionary =
+        sim::macos::CFRef<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr));
+    const CoreValue text = CoreText("value"), key = CoreText("key");
+    CFDictionarySetValue(dictionary.Get(), nullptr, text.Get());
+    CFDictionarySetValue(dictionary.Get(), key.Get(), nullptr);
+    CHECK(session.TextInHost(CoreValue::Retain(dictionary.Get())) == "{\"key\": nil}");
+    CHECK(session.Host().CallCount("StringToVariant") == 1);
+}
+
+TEST_CASE("Of two keys that are equal in the host the later pair wins") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDictionary({{CoreInteger(100), CoreText("first")},
+                                             {tests::CoreDouble(100.5), CoreText("other")},
+                                             {tests::CoreNumber<int64_t>(kCFNumberSInt64Type, 101), CoreText("x")},
+                                             {tests::CoreDate(0.25), CoreText("early")},
+                                             {tests::CoreDate(0.75), CoreText("late")}})) ==
+          "{Integer 100: \"first\", Double 100.5: \"other\", Int64 101: \"x\", Date 2001-01-01 00:00:00: \"late\"}");
+}
+
+TEST_CASE("The value is converted before the key") {
+    ValueSession session;
+    session.Host().ClearLog();
+    session.ToHost(CoreDictionary({{tests::CoreTruth(true), CoreInteger(700)}}));
+    const std::vector<std::string> names = session.Host().CallNames();
+    const auto at = [&](const char *name) { return std::find(names.begin(), names.end(), name) - names.begin(); };
+    CHECK(at("IntegerToVariant") < at("BooleanToVariant"));
+    CHECK(at("BooleanToVariant") < at(kSetter));
+}
+
+TEST_CASE("The key is unlocked before the value") {
+    // Not stored, both die when they are unlocked.
+    ValueSession session(HostOptions{.withheld = {kSetter}});
+    bool keyIsGone = false, valueIsThere = false;
+    session.Host().Before("REALUnlockObject", 2, [&] {
+        keyIsGone = session.Host().Alive("variant") == 0;
+        valueIsThere = session.Host().Alive("Date") == 1;
+    });
+    session.ToHost(CoreDictionary({{tests::CoreTruth(true), tests::CoreDate(0)}}));
+    CHECK(keyIsGone);
+    CHECK(valueIsThere);
+}
+
+TEST_CASE("The three methods are loaded together, once for each dictionary that has a pair") {
+    ValueSession session;
+    session.ToHost(Inner());
+    CHECK(Loaded(session) == Groups(1));
+    session.ToHost(Inner());
+    CHECK(Loaded(session) == Groups(2));
+}
+
+TEST_CASE("A dictionary within a dictionary: every outer pair that follows is stored in the outer one") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDictionary({{CoreText("a"), CoreInteger(1)},
+                                             {CoreText("inner"), Inner()},
+                                             {CoreText("b"), CoreInteger(2)},
+                                             {Inner(), CoreInteger(3)},
+                                             {CoreText("c"), CoreArray({Inner()})}})) ==
+          "{\"a\": Integer 1, \"inner\": {\"x\": Integer 1, \"y\": Integer 2}, \"b\": Integer 2, "
+          "{\"x\": Integer 1, \"y\": Integer 2}: Integer 3, \"c\": [{\"x\": Integer 1, \"y\": Integer 2}]}");
+    // The outer methods are loaded once at first, and again after each of the three inner dictionaries.
+    CHECK(Loaded(session) == Groups(1 + 2 * 3));
+}
+
+TEST_CASE("Two dictionaries at the same address, one after the other, each get their own methods") {
+    HostOptions options;
+    options.reuseAddresses = true;
+    ValueSession session(options);
+    const void *first = session.ToHost(Inner()).As<Object>().Address();
+    const Object second = session.ToHost(CoreDictionary({{CoreText("z"), CoreInteger(3)}})).As<Object>();
+    CHECK(second.Address() == first);
+    CHECK(tests::TextOf(second) == "{\"z\": Integer 3}");
+    CHECK(Loaded(session) == Groups(2));
+}
+
+TEST_CASE("The same dictionary read and written again is looked up again") {
+    ValueSession session;
+    const Object dictionary = session.ToHost(Inner()).As<Object>();
+    session.FromHost(dictionary);
+    session.FromHost(dictionary);
+    CHECK(Loaded(session) == Groups(3));
+}
+
+TEST_CASE("A dictionary whose setter cannot be found is returned empty, and is not asked for again at each pair") {
+    SUBCASE("the method") {
+        ValueSession session(HostOptions{.withheld = {kSetter}});
+        CHECK(session.TextInHost(Inner()) == "{}");
+        CHECK(Loaded(session) == Groups(1));
+    }
+    SUBCASE("the service that loads methods") {
+        ValueSession session(HostOptions{.withheld = {"REALLoadObjectMethod"}});
+        CHECK(session.TextInHost(Inner()) == "{}");
+    }
+}
+
+TEST_CASE("Methods that are loaded and never called may be missing") {
+    ValueSession session(HostOptions{.withheld = {kGetter, kKeyGetter}});
+    CHECK(session.TextInHost(Inner()) == "{\"x\": Integer 1, \"y\": Integer 2}");
+}
+
+TEST_CASE("GetAttributes fills a dictionary in the same way, nested values included") {
+    ValueSession session;
+    Object item = session.ItemWith(Inner().Get());
+    const auto names = session.Host().NewArray("string", {"one", "nothing", "two"});
+    CHECK(tests::TextOf(item.Call("GetAttributes", names)) ==
+          "{\"one\": {\"x\": Integer 1, \"y\": Integer 2}, \"two\": {\"x\": Integer 1, \"y\": Integer 2}}");
+    CHECK(Loaded(session) == Groups(4));
+}

@@ -1,0 +1,158 @@
+// Core Foundation arrays on their way to the host, and how elements are stored on hosts of every age.
+#include "tests/convert/value_session.h"
+
+#include <doctest/doctest.h>
+
+#include <algorithm>
+
+using sim::host::HostOptions;
+using sim::host::Object;
+using tests::CoreArray;
+using tests::CoreInteger;
+using tests::CoreText;
+using tests::CoreValue;
+using tests::ValueSession;
+
+namespace {
+
+/// Hosts that show their element table, hide it, or are too new to have one.
+HostOptions Hosts(int which) {
+    HostOptions options;
+    options.version = which < 2 ? 2013.04 : 2016.0;
+    options.directArrayStorage = which == 0;
+    return options;
+}
+
+const char *const kHostNames[] = {"a host that shows its elements", "a host without direct elements", "a host of 2016"};
+
+CoreValue Mixed() {
+    return CoreArray({CoreText("a"), tests::CoreNull(), CoreInteger(7), CoreArray({tests::CoreTruth(true)})});
+}
+
+} // namespace
+
+TEST_CASE("A CFArray becomes an array of its converted elements, nil ones keeping their places") {
+    for (int which = 0; which < 3; which++) {
+        SUBCASE(kHostNames[which]) {
+            ValueSession session(Hosts(which));
+            CHECK(session.TextInHost(Mixed()) == "[\"a\", nil, Integer 7, [true]]");
+            CHECK(session.TakeException() == "");
+        }
+    }
+}
+
+TEST_CASE("An empty CFArray becomes an array with the upper bound -1") {
+    ValueSession session;
+    const Object array = session.ToHost(CoreArray({})).As<Object>();
+    CHECK(array.UpperBound() == -1);
+    CHECK(array.TypeCode() == 4105);
+}
+
+TEST_CASE("The host array is made in one piece for objects, with the upper bound of the last element") {
+    ValueSession session;
+    session.Host().ClearLog();
+    session.ToHost(CoreArray({CoreInteger(1), CoreInteger(2), CoreInteger(3)}));
+    const auto calls = session.Host().CallNames(true);
+    CHECK(std::count(calls.begin(), calls.end(), "RuntimeArrayCreateSingleDimBoundedArray(4, 2)") == 1);
+}
+
+TEST_CASE("Each element has exactly one reference, the array's") {
+    for (int which = 0; which < 3; which++) {
+        SUBCASE(kHostNames[which]) {
+            ValueSession session(Hosts(which));
+            const Object array = session.ToHost(CoreArray({tests::CoreDate(0), tests::CoreDate(1)})).As<Object>();
+            for (int32_t i = 0; i < 2; i++) {
+                const Object element = array.At(i).As<Object>();
+                CHECK(element.References() == 2); // the array's and this test's
+            }
+            CHECK(session.Host().Alive("Date") == 2);
+        }
+    }
+}
+
+TEST_CASE("A set function is asked for at each element, by its own name or the older one") {
+    SUBCASE("PluginObjectArraySetProc") {
+        ValueSession session(2016.0);
+        session.ToHost(CoreArray({CoreInteger(1), CoreInteger(2)}));
+        CHECK(session.Host().CallCount("PluginObjectArraySetProc") == 2);
+        CHECK(session.Host().CallCount("object array set") == 2);
+    }
+    SUBCASE("RuntimeArrayDirectGetSetProc") {
+        ValueSession session(HostOptions{.version = 2016.0, .withheld = {"PluginObjectArraySetProc"}});
+        CHECK(session.TextInHost(CoreArray({CoreInteger(1), CoreInteger(2)})) == "[Integer 1, Integer 2]");
+        CHECK(session.Host().CallCount("RuntimeArrayDirectGetSetProc") == 2);
+    }
+    SUBCASE("neither: the elements stay nil") {
+        ValueSession session(
+            HostOptions{.version = 2016.0, .withheld = {"PluginObjectArraySetProc", "RuntimeArrayDirectGetSetProc"}});
+        CHECK(session.TextInHost(CoreArray({CoreInteger(1), CoreInteger(2)})) == "[nil, nil]");
+    }
+    SUBCASE("the host gives no function for the array") {
+        ValueSession session(2016.0);
+        session.Host().ReturnNothing("PluginObjectArraySetProc");
+        CHECK(session.TextInHost(CoreArray({CoreInteger(1)})) == "[nil]");
+    }
+}
+
+TEST_CASE("A host that reports no version counts as old: elements are stored in its table") {
+    HostOptions options;
+    options.version = std::nullopt;
+    ValueSession session(options);
+    CHECK(session.TextInHost(CoreArray({CoreInteger(1)})) == "[Integer 1]");
+    CHECK(session.Host().CallCount("object array set") == 0);
+}
+
+TEST_CASE("Where no array can be made a CFArray gives nil") {
+    ValueSession session(HostOptions{.withheld = {"RuntimeArrayCreateSingleDimBoundedArray"}});
+    CHECK(session.ToHost(CoreArray({CoreInteger(1)})).IsNil());
+    CHECK(session.ToHost(CoreArray({})).IsNil());
+}
+
+TEST_CASE("An element beyond the array's present upper bound raises and is not stored; the rest goes on") {
+    for (int which = 0; which < 3; which++) {
+        SUBCASE(kHostNames[which]) {
+            ValueSession session(Hosts(which));
+            const CoreValue three = CoreArray({CoreInteger(1), CoreInteger(2), CoreInteger(3)});
+            // Without an answer the upper bound is 0.
+            session.Host().ReturnNothing("RuntimeUBound");
+            const Object array = session.ToHost(three).As<Object>();
+            session.Host().Mend("RuntimeUBound");
+            CHECK(tests::TextOf(array) == "[Integer 1, nil, nil]");
+            const auto raised = session.Host().TakeRaised();
+            REQUIRE(raised.size() == 2);
+            CHECK(
+                raised[0].Is("OutOfBoundsException", "Parameter index  is too big. Range is 0 to 0, but value is 1."));
+            CHECK(
+                raised[1].Is("OutOfBoundsException", "Parameter index  is too big. Range is 0 to 0, but value is 2."));
+        }
+    }
+}
+
+TEST_CASE("A host that cannot add references is given no element that its array would have to keep") {
+    ValueSession session(HostOptions{.withheld = {"REALLockObject"}});
+    CHECK(session.TextInHost(CoreArray({CoreInteger(1)})) == "[nil]");
+}
+
+TEST_CASE("An element without a host form leaves its slot nil, on hosts of every age") {
+    for (int which = 0; which < 3; which++) {
+        SUBCASE(kHostNames[which]) {
+            ValueSession session(Hosts(which));
+            CHECK(session.TextInHost(CoreArray({tests::CoreInstance("CGImage"), tests::CoreNull(), CoreText("")})) ==
+                  "[nil, nil, nil]");
+        }
+    }
+}
+
+TEST_CASE("Ten thousand elements keep their order") {
+    ValueSession session;
+    std::vector<CoreValue> kept;
+    std::vector<CFTypeRef> borrowed;
+    for (int32_t i = 0; i < 10000; i++) {
+        kept.push_back(CoreInteger(i));
+        borrowed.push_back(kept.back().Get());
+    }
+    const auto numbers = session.ToHost(CoreArray(borrowed)).As<Object>().As<int32_t>();
+    REQUIRE(numbers.size() == 10000);
+    for (int32_t i = 0; i < 10000; i++)
+        CHECK(numbers[static_cast<size_t>(i)] == i);
+}
