@@ -45,6 +45,86 @@ TEST_CASE("Calls are counted and kept in their order with their texts and intege
     CHECK(host.CallCount("PluginNewInstance") == 0);
 }
 
+TEST_CASE("Every service that a plugin may ask for is offered by a modern host") {
+    HostOptions options;
+    options.version = 2016.1;
+    options.makeCFString = [](const Text &) { return nullptr; };
+    HostUnderTest host(options);
+    for (const char *name : {"REALGetRBVersion",
+                             "RegisterPluginVersion",
+                             "REALinRuntime",
+                             "PluginRegisterClass",
+                             "PluginRegisterModule",
+                             "PluginRegisterMethod",
+                             "PluginNewInstance",
+                             "pluginObjectType",
+                             "RuntimeObjectIsa",
+                             "REALLockObject",
+                             "REALUnlockObject",
+                             "REALLockString",
+                             "REALUnlockString",
+                             "GetEventInstance",
+                             "RuntimeRaiseException",
+                             "REALGetPropValueInteger",
+                             "REALGetPropValueInt",
+                             "REALGetPropValueInt64",
+                             "REALGetPropValueSingle",
+                             "REALGetPropValueDouble",
+                             "REALGetPropValueString",
+                             "REALSetPropValueInteger",
+                             "REALSetPropValueInt",
+                             "REALSetPropValueString",
+                             "RuntimeArrayCreateSingleDimBoundedArray",
+                             "RuntimeUBound",
+                             "RuntimeDirectReadStringArray",
+                             "PluginStringArrayInsertProc",
+                             "RuntimeArrayDirectGetInsertProc",
+                             "PluginObjectArrayInsertProc",
+                             "PluginObjectArrayGetProc",
+                             "RuntimeArrayDirectGetGetProc",
+                             "PluginIntegerArrayGetProc",
+                             "PluginBooleanArrayGetProc",
+                             "PluginInt64ArrayGetProc",
+                             "PluginSingleArrayGetProc",
+                             "PluginDoubleArrayGetProc",
+                             "PluginStringArrayGetProc",
+                             "PluginObjectArraySetProc",
+                             "RuntimeArrayDirectGetSetProc",
+                             "REALFSRefFromFolderItem",
+                             "REALFolderItemFromParentFSRef",
+                             "FolderItemFromFSSpec",
+                             "PluginGetStringData",
+                             "PluginDisposeStringData",
+                             "REALGetStringCFString",
+                             "REALGetStringEncoding",
+                             "REALSetStringEncoding",
+                             "REALConvertString",
+                             "REALBuildString",
+                             "REALBuildStringWithEncoding",
+                             "StringGetCString",
+                             "REALLoadGlobalMethod",
+                             "REALLoadObjectMethod",
+                             "StringToVariant",
+                             "BooleanToVariant",
+                             "DoubleToVariant",
+                             "IntegerToVariant",
+                             "Int32ToVariant",
+                             "Int64ToVariant",
+                             "VariantToString",
+                             "VariantToInt32",
+                             "VariantToInt64",
+                             "VariantToSingle",
+                             "VariantToDouble",
+                             "newMemoryBlock",
+                             "memoryBlockGetSize",
+                             "memoryBlockGetPtr"}) {
+        CAPTURE(name);
+        CHECK(IsOffered(name));
+    }
+    CHECK(CanLoadGlobal("LenB( s as string ) as integer"));
+    CHECK(CanLoadGlobal("VarType(value As Variant) As Int32"));
+}
+
 TEST_CASE("A host that keeps no log still counts") {
     HostOptions options;
     options.recordCalls = false;
