@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <sanitizer/asan_interface.h>
 #include <sys/mman.h>
+
+// Defined by AddressSanitizer when the program is built with it.
+extern "C" [[gnu::weak]] void __asan_poison_memory_region(const volatile void *address, size_t size);
+extern "C" [[gnu::weak]] void __asan_unpoison_memory_region(const volatile void *address, size_t size);
 
 namespace sim::host {
 
@@ -36,12 +39,14 @@ std::string HandleText(const void *handle) {
 
 } // namespace
 
-void ForbidAccess([[maybe_unused]] const void *address, [[maybe_unused]] size_t size) {
-    ASAN_POISON_MEMORY_REGION(address, size);
+void ForbidAccess(const void *address, size_t size) {
+    if (__asan_poison_memory_region)
+        __asan_poison_memory_region(address, size);
 }
 
-void AllowAccess([[maybe_unused]] const void *address, [[maybe_unused]] size_t size) {
-    ASAN_UNPOISON_MEMORY_REGION(address, size);
+void AllowAccess(const void *address, size_t size) {
+    if (__asan_unpoison_memory_region)
+        __asan_unpoison_memory_region(address, size);
 }
 
 void *TrapAddress() {
