@@ -36,7 +36,7 @@ size_t Limit(const std::string &text) {
 std::filesystem::path Existing(const std::string &path) {
     std::error_code error;
     const std::filesystem::path resolved = std::filesystem::canonical(path, error);
-    if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
+    if (path.empty() || error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
         throw UsageError("there is nothing at " + Quoted(path));
     if (error)
         throw UsageError(Quoted(path) + " cannot be reached: " + error.message());
@@ -161,9 +161,10 @@ found, and then every change until Ctrl-C.
   --once              end after the query has finished gathering
   --live              stay live even when no terminal watches
   --limit N           show at most N results, 0 for all (50)
-  --host-version V    be a host of that age, as 2011.4, 2013.04 or 3000; none: does not tell (2016.1)
+  --host-version V    be a host of that age: 2011.4, 2013.04, 3000 (2016.1), or none,
+                      a host that does not tell
   --show FILE         print every attribute of one file
-  --attributes        print the schema: every attribute, its type and what it is called
+  --attributes        print the schema: every attribute, its type and its name
   --plugin LIBRARY    load another build of the plugin
   --help              this text
 

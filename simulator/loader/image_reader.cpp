@@ -51,13 +51,16 @@ private:
 };
 
 void Reader::ReadHeader() {
-    header_ = ByteCursor(bytes_, file_, "the header").Read<macho::Header>();
-    if (header_.magic == macho::kMagic64)
+    uint32_t magic = 0;
+    if (bytes_.size() >= sizeof magic)
+        std::memcpy(&magic, bytes_.data(), sizeof magic);
+    if (magic == macho::kMagic64)
         Fail("is a 64-bit Mach-O file; only 32-bit Intel libraries can be loaded");
-    if (header_.magic == macho::kMagicFat)
+    if (magic == macho::kMagicFat)
         Fail("holds several architectures; extract the i386 one first");
-    if (header_.magic != macho::kMagic32)
+    if (magic != macho::kMagic32)
         Fail("is not a Mach-O file");
+    header_ = ByteCursor(bytes_, file_, "the header").Read<macho::Header>();
     if (header_.cpuType != macho::kCpuTypeI386)
         Fail("is for processor type " + std::to_string(header_.cpuType) + ", not for i386");
     if (header_.fileType != macho::kFileTypeDylib)

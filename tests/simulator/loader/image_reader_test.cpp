@@ -88,7 +88,11 @@ TEST_CASE("A file of another kind is refused for what it is") {
         builder.header.fileType = 2;
         CHECK(FaultIn(builder.Build()) == "file: is of file type 2, not a dynamic library");
     }
-    SUBCASE("nothing") { CHECK(FaultIn({}) == "file: the header ends too early"); }
+    SUBCASE("nothing") { CHECK(FaultIn({}) == "file: is not a Mach-O file"); }
+    SUBCASE("a beginning") {
+        const Bytes whole = builder.Build();
+        CHECK(FaultIn({whole.begin(), whole.begin() + 20}) == "file: the header ends too early");
+    }
 }
 
 TEST_CASE("Load commands that lie about sizes, places or each other are refused") {

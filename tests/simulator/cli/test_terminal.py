@@ -1,0 +1,97 @@
+"""On a terminal: columns, colours, no line that is too wide, and a live run that Ctrl-C ends."""
+
+from __future__ import annotations
+
+import unicodedata
+import unittest
+
+from program import FolderTest, Running, unstyled
+
+
+def columns(text: str) -> int:
+    """How many columns these tests' characters take on a terminal."""
+    width = 0
+    for character in text:
+        if not unicodedata.combining(character):
+            width += 2 if unicodedata.east_asian_width(character) in "WF" else 1
+    return width
+
+
+class Terminal(FolderTest):
+    def _table(self, *arguments: str, width: int = 80, environment: dict[str, str] | None = None) -> list[str]:
+        with Running(
+            str(self.folder), "--once", *arguments, terminal_width=width, environment=environment
+        ) as running:
+            self.assertEqual(running.end(), 0, running.output)
+            return running.output.partition("\n\n")[2].splitlines()
+
+    def test_columns_begin_at_the_same_place_in_every_row(self) -> None:
+        for name in ("plain.txt", unicodedata.normalize("NFD", "décomposé.txt"), "日本語.txt"):
+            self.make(name, "x" * 1234)
+        lines = [unstyled(line) for line in self._table(width=200)]
+        places = []
+        for line in lines[1:]:
+            place = line.index("2009-02-15 12:30:00")
+            places.append((columns(line[:place]), columns(line[: line.index("/", place)])))
+        self.assertEqual(len(places), 3)
+        self.assertEqual(len(set(places)), 1, lines)
+        self.assertEqual(places[0][0], columns(lines[0][: lines[0].index("Modified (GMT)")]))
+        for line in lines[1:]:
+            self.assertIn("  1.2 KB  ", line)
+
+    def test_no_line_of_the_table_is_wider_than_the_terminal(self) -> None:
+        self.make("n" * 100 + ".txt")
+        self.make("日" * 60 + ".txt")
+        for width in (80, 100, 120):
+            with self.subTest(width=width):
+                lines = [unstyled(line) for line in self._table(width=width)]
+                self.assertEqual(len(lines), 3)
+                for line in lines:
+                    self.assertLessEqual(columns(line), width, line)
+
+    def test_a_long_path_keeps_its_end(self) -> None:
+        inner = self.folder / ("long" * 20)
+        inner.mkdir()
+        (inner / "here.txt").touch()
+        lines = [unstyled(line) for line in self._table("kMDItemFSName == \"here.txt\"", width=90)]
+        self.assertTrue(lines[1].startswith("here.txt "), lines)
+        self.assertTrue(lines[1].endswith("/here.txt"), lines)
+        self.assertIn("…", lines[1])
+
+    def test_colours_only_where_they_are_wanted(self) -> None:
+        self.make("a.txt")
+        self.assertIn("\x1b[", "\n".join(self._table()))
+        for environment in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
+            with self.subTest(environment=environment):
+                self.assertNotIn("\x1b", "\n".join(self._table(environment=environment)))
+
+    def test_escapes_in_names_do_not_reach_the_terminal(self) -> None:
+        self.make("\x1b[2Jcleared.txt")
+        self.assertNotIn("\x1b[2J", "\n".join(self._table()))
+        self.assertIn("\\x1b[2Jcleared.txt", "\n".join(self._table(width=200)))
+
+    def test_the_time_taken_is_told(self) -> None:
+        with Running(str(self.folder), "--once", terminal_width=80) as running:
+            self.assertEqual(running.end(), 0, running.output)
+            self.assertRegex(unstyled(running.output), r"\nFinish    0 results in [0-9.]+ (ms|s)\n")
+
+    def test_a_run_stays_live_until_control_c_is_typed(self) -> None:
+        with Running(str(self.folder), terminal_width=80) as running:
+            running.wait_for("Ctrl-C ends.")
+            self.make("new.txt")
+            running.wait_for("+ new.txt")
+            running.type("\x03")
+            self.assertEqual(running.end(), 0, running.output)
+            self.assertRegex(running.output, r"\rStopped after \d+ updates?\.\n$")
+
+    def test_other_tables_fit_too(self) -> None:
+        path = self.make("file.txt", "hello")
+        for arguments in (("--show", str(path)), ("--attributes",)):
+            with self.subTest(arguments=arguments), Running(*arguments, terminal_width=80) as running:
+                self.assertEqual(running.end(), 0, running.output)
+                for line in unstyled(running.output).splitlines():
+                    self.assertLessEqual(columns(line), 80, line)
+
+
+if __name__ == "__main__":
+    unittest.main()
