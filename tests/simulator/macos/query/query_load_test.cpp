@@ -1,4 +1,5 @@
 // Large scopes and large bursts.
+#include "simulator/macos/CoreFoundation/run_loop.h"
 #include "tests/simulator/macos/query/support/scripted_query.h"
 
 #include <doctest/doctest.h>
@@ -76,6 +77,25 @@ TEST_CASE("a hundred thousand files gather in batches, sorted, and a burst of te
     CHECK(totals.changed == kBurst / 2);
     CHECK(scripted.listener.heard.size() == 10);
     CHECK(scripted.query.Count() == kManyFiles);
+}
+
+TEST_CASE("other sources of the run loop have their turn while a query gathers") {
+    ScriptedQuery scripted({});
+    for (int number = 0; number < 20000; ++number)
+        scripted.Add(Name(number));
+    RunLoop &loop = RunLoop::Current();
+    int turns = 0;
+    RunLoop::Id source = 0;
+    source = loop.AddSource([&] {
+        ++turns;
+        loop.Signal(source);
+    });
+    loop.Signal(source);
+    REQUIRE(scripted.query.Execute(0));
+    REQUIRE(RunUntil([&] { return scripted.listener.HasFinished(); }));
+    loop.Remove(source);
+    CHECK(scripted.query.Count() == 20000);
+    CHECK(turns >= 20);
 }
 
 TEST_CASE("ten thousand changes of one file are one change") {

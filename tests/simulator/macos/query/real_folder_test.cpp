@@ -1,5 +1,6 @@
 // Queries over real files: what is found, and what is heard of changes through the messages of the file system. Time is
 // real here, but nothing waits for time to pass: the run loop runs until what must come has come.
+#include "simulator/macos/CoreFoundation/run_loop.h"
 #include "simulator/macos/CoreServices/metadata/items/item.h"
 #include "simulator/macos/CoreServices/metadata/store/file_state.h"
 #include "simulator/macos/control/scripted_watches.h"
@@ -372,6 +373,18 @@ TEST_CASE("folders that cannot be watched are looked at again and again instead"
         fs::remove(live.folder.PathOf("a/1"));
         live.RunUntilResultsAre({"a", "b", "2", "3", "4"});
     }
+}
+
+TEST_CASE("a file that is written to without a pause is reported all the same") {
+    EndsBalanced balance;
+    LiveFolder live;
+    const std::string path = live.folder.Write("log", "");
+    live.query.SetBatches({100, 0, 100, 0, 100, 0});
+    live.Gather();
+    RunLoop &loop = RunLoop::Current();
+    const auto writing = loop.AddTimer(CurrentClock().Now(), 0.004, [&] { std::ofstream(path, std::ios::app) << "x"; });
+    CHECK(RunUntil([&] { return live.listener.AllChanged().size() >= 3; }));
+    loop.Remove(writing);
 }
 
 TEST_CASE("two live queries watch the same folder") {

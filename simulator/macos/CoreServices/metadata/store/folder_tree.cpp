@@ -55,11 +55,8 @@ KnownFile &FolderTree::Link(KnownFolder &folder, const std::string &name, const 
     if (!place) {
         place = std::make_unique<KnownFile>();
         place->state = state;
-        if (state.isFolder) {
-            place->contents = std::make_shared<KnownFolder>();
-            place->contents->self = place.get();
-        }
     }
+    SetKind(*place, state.isFolder);
     if (state.isFolder) {
         // A folder has one name; an earlier one is out of date.
         for (const KnownLink &link : place->links)
@@ -69,6 +66,20 @@ KnownFile &FolderTree::Link(KnownFolder &folder, const std::string &name, const 
     folder.entries[name] = place.get();
     place->links.push_back({&folder, name});
     return *place;
+}
+
+/// Where a file system keeps no birth times a new folder can be taken for the file whose inode number it got.
+void FolderTree::SetKind(KnownFile &file, bool isFolder) {
+    if (isFolder == (file.contents != nullptr))
+        return;
+    if (isFolder) {
+        file.contents = std::make_shared<KnownFolder>();
+        file.contents->self = &file;
+    } else {
+        Clear(*file.contents);
+        file.contents->self = nullptr;
+        file.contents = nullptr;
+    }
 }
 
 void FolderTree::Unlink(KnownFolder &folder, const std::string &name) {
@@ -87,6 +98,7 @@ void FolderTree::Unlink(KnownFolder &folder, const std::string &name) {
 void FolderTree::Update(KnownFile &file, const FileState &state, FileTime readAt, bool somethingHappened) {
     const bool mayHaveChanged = somethingHappened && !file.settled;
     const bool changed = state != file.state || mayHaveChanged;
+    SetKind(file, state.isFolder);
     file.state = state;
     file.settled = IsSettled(state, readAt);
     Tell(file, changed);
@@ -94,6 +106,8 @@ void FolderTree::Update(KnownFile &file, const FileState &state, FileTime readAt
 
 void FolderTree::Tell(KnownFile &file, bool changed) {
     const std::string path = file.Path();
+    if (path.empty())
+        return; // a folder on the way to it is being moved
     const bool known = file.told != nullptr;
     const bool moved = known && file.told->Path() != path;
     if (known && !changed && !moved)

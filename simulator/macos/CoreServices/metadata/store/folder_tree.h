@@ -77,6 +77,7 @@ public:
     bool TakeEvent(FileEvent &event);
 
 private:
+    void SetKind(KnownFile &file, bool isFolder);
     void Tell(KnownFile &file, bool changed);
     void Remove(const FileIdentity &identity);
 
