@@ -17,8 +17,8 @@ void NotificationCenter::Add(const void *observer, CFNotificationCallback callba
                              const void *object, CFNotificationSuspensionBehavior suspensionBehavior) {
     auto registration = std::make_shared<Registration>();
     registration->observer = observer;
-    registration->callback = callback;
-    registration->entry = {name ? std::optional(CharactersOf(name)) : std::nullopt, object, suspensionBehavior};
+    registration->entry = {callback, name ? std::optional(CharactersOf(name)) : std::nullopt, object,
+                           suspensionBehavior};
     registrations_.push_back(std::move(registration));
 }
 
@@ -42,8 +42,8 @@ void NotificationCenter::Post(CFStringRef name, const void *object, CFDictionary
     const auto keptInfo = CFRef<CFDictionaryRef>::Retain(userInfo);
     for (const std::shared_ptr<Registration> &registration : reached)
         if (!registration->removed)
-            registration->callback(As<CFNotificationCenterRef>(), const_cast<void *>(registration->observer), name,
-                                   object, userInfo);
+            registration->entry.callback(As<CFNotificationCenterRef>(), const_cast<void *>(registration->observer),
+                                         name, object, userInfo);
 }
 
 std::size_t NotificationCenter::RegistrationCount(const void *observer) const {

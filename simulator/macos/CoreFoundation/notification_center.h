@@ -36,7 +36,6 @@ public:
 private:
     struct Registration {
         const void *observer;
-        CFNotificationCallback callback;
         notifications::Entry entry;
         bool removed = false;
     };

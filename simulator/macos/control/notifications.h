@@ -16,6 +16,7 @@ std::size_t RegistrationCount(const void *observer);
 
 /// One entry of an observer.
 struct Entry {
+    CFNotificationCallback callback;
     std::optional<std::u16string> name; ///< Nothing when all names are to be heard.
     const void *object;                 ///< Null when what any object posts is to be heard.
     CFNotificationSuspensionBehavior suspensionBehavior;
