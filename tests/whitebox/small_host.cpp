@@ -89,8 +89,7 @@ struct SmallHost::Array {
     uint32_t unknown[7] = {};
     void *shownElements = nullptr;
     int32_t upperBound = -1;
-    std::unique_ptr<REALstringStruct *[]> elements;
-    size_t count = 0;
+    std::vector<REALstringStruct *> elements;
 
     static Array *Of(_REALarray *handle) { return reinterpret_cast<Array *>(handle); }
 };
@@ -189,10 +188,23 @@ struct SmallHost::Services {
     }
     static REALstringStruct *ReadStringArray(_REALarray *array, int32_t index) {
         Host().Enter("RuntimeDirectReadStringArray", std::to_string(index));
-        REALstringStruct *string = Array::Of(array)->elements[static_cast<size_t>(index)];
+        REALstringStruct *string = Array::Of(array)->elements.at(static_cast<size_t>(index));
         if (string)
             String::Of(string)->references++;
         return string;
+    }
+
+    static void InsertString(_REALarray *array, int32_t index, REALstringStruct *string) {
+        Host().Enter("insert", std::to_string(index));
+        auto &elements = Array::Of(array)->elements;
+        elements.insert(elements.begin() + index, string);
+        if (string)
+            String::Of(string)->references++;
+        Array::Of(array)->upperBound = static_cast<int32_t>(elements.size()) - 1;
+    }
+    static ArrayStorer<REALstringStruct *>::ElementFunction StringArrayInsertProc(_REALarray *) {
+        Host().Enter("PluginStringArrayInsertProc");
+        return InsertString;
     }
 
     using Table = std::map<std::string, HostCode, std::less<>>;
@@ -225,6 +237,7 @@ struct SmallHost::Services {
             Add(rows, REALUnlockObject, "REALUnlockObject", UnlockObject);
             Add(rows, REALGetArrayUBound, "RuntimeUBound", GetArrayUBound);
             Add(rows, REALReadStringArray, "RuntimeDirectReadStringArray", ReadStringArray);
+            rows["PluginStringArrayInsertProc"] = reinterpret_cast<HostCode>(StringArrayInsertProc);
             return rows;
         }();
         return table;
@@ -235,7 +248,8 @@ SmallHost::SmallHost(double version)
     : restored_(REALLockString, REALUnlockString, REALGetStringEncoding, REALSetStringEncoding, REALConvertString,
                 REALBuildString, REALBuildStringWithEncoding, REALGetStringContents, REALGetStringCFString,
                 REALLoadGlobalMethod, REALnewInstance, REALSetPropValueString, REALSetPropValueInteger,
-                REALRaiseException, REALUnlockObject, REALGetArrayUBound, REALReadStringArray) {
+                REALRaiseException, REALUnlockObject, REALGetArrayUBound, REALReadStringArray,
+                REALInsertArrayValueString) {
     current_ = this;
     gResolver = Resolve;
     rbversion = version;
@@ -243,9 +257,9 @@ SmallHost::SmallHost(double version)
 
 SmallHost::~SmallHost() {
     for (const auto &array : arrays_)
-        for (size_t index = 0; index < array->count; index++)
-            if (array->elements[index])
-                Services::UnlockString(array->elements[index]);
+        for (REALstringStruct *string : array->elements)
+            if (string)
+                Services::UnlockString(string);
     current_ = nullptr;
     gResolver = nullptr;
     rbversion = 0.0;
@@ -291,15 +305,20 @@ std::optional<HostText> SmallHost::Take(REALstringStruct *string) {
 
 _REALarrayString *SmallHost::NewArray(std::vector<REALstringStruct *> strings, bool isDirect) {
     auto array = std::make_unique<Array>();
-    array->count = strings.size();
-    array->elements = std::make_unique<REALstringStruct *[]>(strings.size());
-    std::copy(strings.begin(), strings.end(), array->elements.get());
     array->upperBound = static_cast<int32_t>(strings.size()) - 1;
+    array->elements = std::move(strings);
     if (isDirect)
         array->shownElements =
-            HostHidesLayouts() ? const_cast<UInt8 *>(Fault()) : static_cast<void *>(array->elements.get());
+            HostHidesLayouts() ? const_cast<UInt8 *>(Fault()) : static_cast<void *>(array->elements.data());
     arrays_.push_back(std::move(array));
     return reinterpret_cast<_REALarrayString *>(arrays_.back().get());
+}
+
+std::vector<std::optional<HostText>> SmallHost::Elements(_REALarrayString *array) const {
+    std::vector<std::optional<HostText>> texts;
+    for (REALstringStruct *string : Array::Of(array)->elements)
+        texts.push_back(string ? std::optional(Read(string)) : std::nullopt);
+    return texts;
 }
 
 void SmallHost::SetUpperBound(_REALarrayString *array, int32_t upperBound) {

@@ -57,6 +57,8 @@ public:
     /// An array that holds the only references to these strings, null among them. Elements lie in a table of their own
     /// where `isDirect`. Lives as long as the host.
     _REALarrayString *NewArray(std::vector<REALstringStruct *> strings, bool isDirect);
+    /// The texts of an array's elements.
+    std::vector<std::optional<HostText>> Elements(_REALarrayString *array) const;
     /// What the array says of itself from now on, true or not.
     void SetUpperBound(_REALarrayString *array, int32_t upperBound);
 
@@ -100,7 +102,7 @@ private:
                 decltype(REALBuildStringWithEncoding), decltype(REALGetStringContents), decltype(REALGetStringCFString),
                 decltype(REALLoadGlobalMethod), decltype(REALnewInstance), decltype(REALSetPropValueString),
                 decltype(REALSetPropValueInteger), decltype(REALRaiseException), decltype(REALUnlockObject),
-                decltype(REALGetArrayUBound), decltype(REALReadStringArray)>
+                decltype(REALGetArrayUBound), decltype(REALReadStringArray), decltype(REALInsertArrayValueString)>
         restored_;
 };
 

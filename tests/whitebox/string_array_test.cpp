@@ -118,11 +118,60 @@ TEST_CASE("An array with an upper bound below -1 becomes an empty array") {
     }
 }
 
+namespace {
+
+OwnedCF<CFArrayRef> NewCFArray(std::vector<const void *> texts, const CFArrayCallBacks *callBacks) {
+    return OwnedCF<CFArrayRef>::Adopt(
+        CFArrayCreate(kCFAllocatorDefault, texts.data(), static_cast<CFIndex>(texts.size()), callBacks));
+}
+
+using Texts = std::vector<std::optional<HostText>>;
+
+constexpr CFStringEncoding kUTF8 = kCFStringEncodingUTF8;
+
+} // namespace
+
+TEST_CASE("Three strings added to a host array that already holds \"x\" give the three strings followed by \"x\"") {
+    for (const double version : kVersions) {
+        SmallHost host(version);
+        _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
+        AddStringArray(array, NewCFArray({CFSTR("one"), CFSTR("two"), CFSTR("three")}, &kCFTypeArrayCallBacks).Get());
+        CHECK(host.Elements(array) ==
+              Texts{HostText{"one", kUTF8}, HostText{"two", kUTF8}, HostText{"three", kUTF8}, HostText{"x", kUTF8}});
+        CHECK(host.Alive() == 4);
+    }
+}
+
+TEST_CASE("Adding an empty CFArray leaves the host array unchanged") {
+    SmallHost host(2013.04);
+    _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
+    AddStringArray(array, NewCFArray({}, &kCFTypeArrayCallBacks).Get());
+    CHECK(host.Elements(array) == Texts{HostText{"x", kUTF8}});
+    CHECK(host.Calls().empty());
+}
+
+TEST_CASE(
+    "A null element of a CFArray is skipped and takes no place, while a text that converts to nothing takes one") {
+    SmallHost host(2013.04);
+    _REALarrayString *array = host.NewArray({}, false);
+    AddStringArray(array,
+                   NewCFArray({nullptr, CFSTR("one"), nullptr, CFSTR(""), CFSTR("two"), nullptr}, nullptr).Get());
+    CHECK(host.Elements(array) == Texts{HostText{"one", kUTF8}, std::nullopt, HostText{"two", kUTF8}});
+    CHECK(host.Alive() == 2);
+}
+
+TEST_CASE("Strings for an array without an insert function are released") {
+    SmallHost host(2013.04);
+    host.Withhold("PluginStringArrayInsertProc");
+    _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
+    AddStringArray(array, NewCFArray({CFSTR("one"), CFSTR("two")}, &kCFTypeArrayCallBacks).Get());
+    CHECK(host.Elements(array) == Texts{HostText{"x", kUTF8}});
+    CHECK(host.Alive() == 1);
+}
+
 TEST_CASE("Strings for an array that the host could not make go nowhere") {
     SmallHost host(2013.04);
-    const void *const texts[] = {CFSTR("one"), CFSTR("two")};
-    const auto strings = OwnedCF<CFArrayRef>::Adopt(
-        CFArrayCreate(kCFAllocatorDefault, const_cast<const void **>(texts), 2, &kCFTypeArrayCallBacks));
-    AddStringArray(nullptr, strings.Get());
+    AddStringArray(nullptr, NewCFArray({CFSTR("one"), CFSTR("two")}, &kCFTypeArrayCallBacks).Get());
+    CHECK(host.CallCount("PluginStringArrayInsertProc") == 0);
     CHECK(host.Alive() == 0);
 }

@@ -1,0 +1,243 @@
+// Host folder items on their way to file URLs: items that exist, items that do not yet, and items that never could. The
+// URL is the one that arrives in the search scope of a query.
+#include "simulator/macos/control/query_scope.h"
+#include "tests/convert/scratch_folder.h"
+#include "tests/convert/value_session.h"
+
+#include <doctest/doctest.h>
+
+#include <bit>
+
+namespace faults = sim::macos::faults;
+using sim::host::HostOptions;
+using sim::host::Object;
+using tests::ScratchFolder;
+using tests::ValueSession;
+
+namespace {
+
+constexpr const char *kService = "REALFSRefFromFolderItem";
+
+/// The URLs of a query's scope after these folder items were set, as texts.
+std::vector<std::string> ScopeOf(ValueSession &session, const std::vector<std::string> &paths) {
+    sim::host::Host &host = session.Host();
+    const Object query = NewQuery(session);
+    const Object items = host.NewArray("folderitem");
+    for (const std::string &path : paths)
+        items.Append(host.NewFolderItem(path));
+    host.ClearLog();
+    query.CallWith("SetSearchScope", {items, nullptr});
+    CFArrayRef scope = sim::macos::SearchScopeOf(std::bit_cast<MDQueryRef>(query.Get<int32_t>("Handle")));
+    REQUIRE(scope);
+    const sim::macos::OwnCalls own;
+    std::vector<std::string> texts;
+    for (CFIndex i = 0; i < CFArrayGetCount(scope); i++)
+        texts.push_back(sim::macos::Utf8Of(CFURLGetString(static_cast<CFURLRef>(CFArrayGetValueAtIndex(scope, i)))));
+    return texts;
+}
+
+/// The URL of one folder item; "none" for none.
+std::string URLOf(ValueSession &session, const std::string &path) {
+    const std::vector<std::string> urls = ScopeOf(session, {path});
+    REQUIRE(urls.size() <= 1);
+    CHECK(session.TakeException() == "");
+    return urls.empty() ? "none" : urls.front();
+}
+
+std::string FileURL(const std::string &escapedPath) { return "file://" + escapedPath; }
+
+} // namespace
+
+TEST_CASE("A folder item of an existing file gives its URL, at the first question") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("file.txt");
+    ValueSession session;
+    CHECK(URLOf(session, path) == FileURL(path));
+    CHECK(session.Host().CallCount(kService) == 1);
+}
+
+TEST_CASE("A folder item of an existing folder gives a folder's URL") {
+    const ScratchFolder folder;
+    ValueSession session;
+    CHECK(URLOf(session, folder.Path()) == FileURL(folder.Path() + "/"));
+    CHECK(URLOf(session, "/") == "file:///");
+}
+
+TEST_CASE("A folder item of a file that does not exist yet gives the folder's URL with the name appended") {
+    const ScratchFolder folder;
+    ValueSession session;
+    CHECK(URLOf(session, folder.PathOf("new file.txt")) == FileURL(folder.PathOf("new%20file.txt")));
+    CHECK(session.Host().CallCount(kService) == 2);
+}
+
+TEST_CASE("The name of a file that does not exist yet, written in precomposed form, is appended in form D") {
+    const ScratchFolder folder;
+    ValueSession session;
+    CHECK(URLOf(session, folder.PathOf("n\u00E9w")) == FileURL(folder.PathOf("ne%CC%81w")));
+    CHECK(URLOf(session, folder.PathOf("ne\u0301w")) == FileURL(folder.PathOf("ne%CC%81w")));
+    // A letter with two marks, a syllable, and a character of the upper planes that has a decomposition.
+    CHECK(URLOf(session, folder.PathOf("\u1EC7")) == FileURL(folder.PathOf("e%CC%A3%CC%82")));
+    CHECK(URLOf(session, folder.PathOf("\uD55C")) == FileURL(folder.PathOf("%E1%84%92%E1%85%A1%E1%86%AB")));
+    CHECK(URLOf(session, folder.PathOf("\U0001D15E")) == FileURL(folder.PathOf("%F0%9D%85%97%F0%9D%85%A5")));
+}
+
+TEST_CASE("The name of an existing file stays as the file system has it") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("n\u00E9w");
+    ValueSession session;
+    CHECK(URLOf(session, path) == FileURL(folder.PathOf("n%C3%A9w")));
+}
+
+TEST_CASE("A folder item whose parent folder does not exist either gives no URL") {
+    const ScratchFolder folder;
+    ValueSession session;
+    CHECK(URLOf(session, folder.PathOf("missing/file.txt")) == "none");
+    CHECK(session.Host().CallCount(kService) == 2);
+}
+
+TEST_CASE("A folder item that names nothing gives no URL") {
+    ValueSession session;
+    CHECK(URLOf(session, "") == "none");
+}
+
+TEST_CASE("A folder item in a file that is no folder gives no URL") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("file.txt");
+    ValueSession session;
+    CHECK(URLOf(session, path + "/inside/deeper") == "none");
+}
+
+TEST_CASE("A name as long as the record holds is appended, and a longer one gives no URL") {
+    const ScratchFolder folder;
+    ValueSession session;
+    const std::string longest(255, 'n');
+    CHECK(URLOf(session, folder.PathOf(longest)) == FileURL(folder.PathOf(longest)));
+    CHECK(URLOf(session, folder.PathOf(longest + "n")) == "none");
+}
+
+TEST_CASE("A host without \"REALFSRefFromFolderItem\" gives no URLs, and is asked again for each try") {
+    const ScratchFolder folder;
+    ValueSession session(HostOptions{.withheld = {kService}});
+    CHECK(URLOf(session, folder.Path()) == "none");
+    CHECK(session.Host().RequestCount(kService) == 2);
+    session.Host().Offer(kService);
+    CHECK(URLOf(session, folder.Path()) == FileURL(folder.Path() + "/"));
+}
+
+TEST_CASE("A host that gives no reference at the first question is asked for folder and name") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("file.txt");
+    ValueSession session;
+    session.Host().ReturnNothing(kService, 1, 1);
+    CHECK(URLOf(session, path) == FileURL(path));
+    CHECK(session.Host().CallCount(kService) == 2);
+}
+
+TEST_CASE("A host that gives no reference at either question gives no URL") {
+    const ScratchFolder folder;
+    ValueSession session;
+    session.Host().ReturnNothing(kService);
+    CHECK(URLOf(session, folder.Path()) == "none");
+    CHECK(session.Host().CallCount(kService) == 2);
+}
+
+TEST_CASE("A reference that yields no URL is as good as none: folder and name are asked for") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("file.txt");
+    ValueSession session;
+    faults::Reset();
+    faults::FailCall("CFURLCreateFromFSRef", 1);
+    CHECK(URLOf(session, path) == FileURL(path));
+    CHECK(faults::Failed() == 1);
+    CHECK(session.Host().CallCount(kService) == 2);
+    faults::Reset();
+}
+
+TEST_CASE("A folder that yields no URL gives none") {
+    const ScratchFolder folder;
+    ValueSession session;
+    faults::Reset();
+    faults::FailEvery("CFURLCreateFromFSRef");
+    CHECK(URLOf(session, folder.PathOf("new")) == "none");
+    CHECK(faults::Failed() == 1);
+    faults::Reset();
+}
+
+TEST_CASE("A name of which no CFString can be made gives no URL") {
+    const ScratchFolder folder;
+    ValueSession session;
+    faults::Reset();
+    faults::FailEvery("CFStringCreateWithCharacters");
+    CHECK(URLOf(session, folder.PathOf("new")) == "none");
+    CHECK(faults::Failed() == 1);
+    faults::Reset();
+}
+
+TEST_CASE("A name of which no mutable copy can be made is appended as it is written") {
+    const ScratchFolder folder;
+    ValueSession session;
+    faults::Reset();
+    faults::FailEvery("CFStringCreateMutableCopy");
+    CHECK(URLOf(session, folder.PathOf("n\u00E9w")) == FileURL(folder.PathOf("n%C3%A9w")));
+    CHECK(faults::Failed() == 1);
+    faults::Reset();
+}
+
+TEST_CASE("A name that cannot be appended gives no URL") {
+    const ScratchFolder folder;
+    ValueSession session;
+    faults::Reset();
+    faults::FailEvery("CFURLCreateCopyAppendingPathComponent");
+    CHECK(URLOf(session, folder.PathOf("new")) == "none");
+    CHECK(faults::Failed() == 1);
+    faults::Reset();
+}
+
+TEST_CASE("Each creation that fails on the way of an existing and of a new item leaves nothing behind") {
+    const ScratchFolder folder;
+    folder.File("file.txt");
+    size_t failures = 0;
+    for (size_t n = 1; n == failures + 1; n++) {
+        CAPTURE(n);
+        ValueSession session;
+        const Object query = NewQuery(session);
+        const Object items = session.Host().NewArray("folderitem");
+        items.Append(session.Host().NewFolderItem(folder.PathOf("file.txt")));
+        items.Append(session.Host().NewFolderItem(folder.PathOf("n\u00E9w")));
+        faults::Reset();
+        faults::FailCall(n);
+        query.CallWith("SetSearchScope", {items, nullptr});
+        failures += faults::Failed();
+        faults::Reset();
+        CHECK(session.TakeException() == "");
+    }
+    CHECK(failures >= 6);
+}
+
+TEST_CASE("Folder items become URLs on hosts of every age, nil ones being left out") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("file.txt");
+    for (const std::optional<double> age :
+         {std::optional<double>(), std::optional(2011.4), std::optional(2012.5), std::optional(2016.1)}) {
+        ValueSession session(HostOptions{.version = age});
+        CHECK(ScopeOf(session, {path, "", folder.Path()}) ==
+              std::vector<std::string>{FileURL(path), FileURL(folder.Path() + "/")});
+    }
+}
+
+TEST_CASE("An item is constructed through a folder item of an existing file, and of none else") {
+    const ScratchFolder folder;
+    const std::string path = folder.File("file.txt");
+    ValueSession session;
+    const auto construct = [&](const std::string &of) {
+        const Object item = session.Host().Create("MDItemQTX");
+        item.CallWith("Constructor", {session.Host().NewFolderItem(of)});
+        return item.Get<std::string>("Path");
+    };
+    CHECK(construct(path) == path);
+    CHECK(session.TakeException() == "");
+    CHECK(construct(folder.PathOf("new")) == "");
+    CHECK(session.TakeException() == "NilObjectException: MDItem Reference is nil");
+    CHECK(construct(folder.PathOf("missing/new")) == "");
+    CHECK(session.TakeException() == "NilObjectException: Folderitem is invalid");
+}
