@@ -13,7 +13,7 @@ REALobjectStruct *NumberVariant(CFTypeRef value);
 REALobjectStruct *StringVariant(CFTypeRef value);
 /// Calendar fields of GMT, fractions of a second cut off.
 REALobjectStruct *HostDate(CFTypeRef value);
-/// NilValue for no bytes; raises "OutOfMemoryException" when the block cannot be had.
+/// Nil for no bytes; raises "OutOfMemoryException" when the block cannot be had.
 REALobjectStruct *MemoryBlock(CFTypeRef value);
 REALobjectStruct *HostArray(CFTypeRef value);
 REALobjectStruct *HostDictionary(CFTypeRef value);
