@@ -97,20 +97,18 @@ std::string EventLog::Changes(const EventCall &call) {
                                    Kind{"-", Style::kRed, &EventLog::Removed}};
     std::string text;
     for (size_t i = 0; i < kKinds.size(); ++i) {
+        const auto [sign, style, textOf] = kKinds[i];
+        const auto addLine = [&, sign = sign, style = style](const std::string &what) {
+            text += std::string(kEventWidth, ' ') + screen_.Styled(std::string(sign) + " " + what, style) + "\n";
+        };
         const std::vector<Object> items = ItemsIn(call, i);
         for (size_t shown = 0; shown < items.size(); ++shown) {
-            const std::string name = Printable((this->*kKinds[i].text)(items[shown]));
+            const std::string name = (this->*textOf)(items[shown]); // every item is taken note of, printed or not
             if (shown < kShownNames)
-                text += std::string(kEventWidth, ' ') + screen_.Styled(kKinds[i].sign + (" " + name), kKinds[i].style) +
-                        "\n";
+                addLine(Printable(name));
         }
         if (items.size() > kShownNames)
-            text +=
-                std::string(kEventWidth, ' ') +
-                screen_.Styled(kKinds[i].sign +
-                                   (" … and " + ValueText(static_cast<int64_t>(items.size() - kShownNames)) + " more"),
-                               kKinds[i].style) +
-                "\n";
+            addLine("… and " + ValueText(static_cast<int64_t>(items.size() - kShownNames)) + " more");
     }
     return text;
 }
@@ -121,7 +119,7 @@ std::string EventLog::NameNow(const Object &item) const {
 }
 
 std::string EventLog::Added(const Object &item) {
-    const std::string name = NameNow(item);
+    std::string name = NameNow(item);
     known_.insert_or_assign(item.Get<int32_t>("Handle"), Known{item, name});
     return name;
 }

@@ -35,7 +35,7 @@ size_t Limit(const std::string &text) {
 
 std::filesystem::path Existing(const std::string &path) {
     std::error_code error;
-    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
+    std::filesystem::path resolved = std::filesystem::canonical(path, error);
     if (path.empty() || error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
         throw UsageError("there is nothing at " + Quoted(path));
     if (error)
@@ -44,7 +44,7 @@ std::filesystem::path Existing(const std::string &path) {
 }
 
 std::filesystem::path ExistingFolder(const std::string &path) {
-    const std::filesystem::path folder = Existing(path);
+    std::filesystem::path folder = Existing(path);
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         throw UsageError(Quoted(path) + " is not a folder");

@@ -86,17 +86,29 @@ std::vector<Character> CharactersOf(std::string_view text) {
     return characters;
 }
 
-// As many characters from the front, or from the back, as take no more than `width` columns.
-std::string Taken(const std::vector<Character> &characters, size_t width, bool fromBack) {
-    std::string taken;
-    for (size_t i = 0; i < characters.size(); ++i) {
-        const Character &character = characters[fromBack ? characters.size() - 1 - i : i];
+// As many characters from the front as take no more than `width` columns.
+std::string_view Front(const std::vector<Character> &characters, size_t width) {
+    const char *begin = characters.front().text.data();
+    const char *end = begin;
+    for (const Character &character : characters) {
         if (character.width > width)
             break;
         width -= character.width;
-        taken = fromBack ? std::string(character.text) + taken : taken + std::string(character.text);
+        end = character.text.data() + character.text.size();
     }
-    return taken;
+    return {begin, end};
+}
+
+// As many characters from the back as take no more than `width` columns.
+std::string_view Back(const std::vector<Character> &characters, size_t width) {
+    const char *end = characters.back().text.data() + characters.back().text.size();
+    const char *begin = end;
+    for (auto character = characters.rbegin(); character != characters.rend() && character->width <= width;
+         ++character) {
+        width -= character->width;
+        begin = character->text.data();
+    }
+    return {begin, end};
 }
 
 bool TurnsDirection(UChar32 point) {
@@ -146,10 +158,11 @@ std::string Fitted(std::string_view text, size_t width, Cut cut) {
     if (width == 0)
         return {};
     const std::vector<Character> characters = CharactersOf(text);
-    if (cut == Cut::kEnd)
-        return Taken(characters, width - 1, false) + kEllipsis;
-    const size_t back = (width - 1) * 2 / 3;
-    return Taken(characters, width - 1 - back, false) + kEllipsis + Taken(characters, back, true);
+    const size_t back = cut == Cut::kMiddle ? (width - 1) * 2 / 3 : 0;
+    std::string fitted(Front(characters, width - 1 - back));
+    fitted += kEllipsis;
+    fitted += Back(characters, back);
+    return fitted;
 }
 
 std::string PaddedRight(std::string text, size_t width) {

@@ -69,7 +69,7 @@ std::string ObjectText(const Object &object) {
             elements.push_back(ValueText(element));
         return Joined(elements);
     }
-    const std::string name = object.ClassName();
+    std::string name = object.ClassName();
     if (name == "Date")
         return DateText(object.Date());
     if (name == "FolderItem")

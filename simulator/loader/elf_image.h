@@ -23,6 +23,9 @@ public:
     // The address of an export by its C name, or null.
     void *Find(const std::string &name) const;
 
+    // "": the dynamic linker knows these addresses better.
+    static std::string Describe(const void *) { return ""; }
+
 private:
     std::vector<std::span<uint8_t>> StaticData() const;
 

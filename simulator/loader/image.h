@@ -53,6 +53,12 @@ struct Export {
     uint32_t address = 0;
 };
 
+// A function or variable of the image itself, exported or not; for messages only.
+struct Symbol {
+    std::string name; // as recorded
+    uint32_t address = 0;
+};
+
 struct Image {
     std::string installName;
     std::vector<Segment> segments;
@@ -62,8 +68,9 @@ struct Image {
     std::vector<Import> imports;   // each once
     std::vector<Bind> binds;
     std::vector<Export> exports;
-    uint32_t base = 0;      // address of the header, lowest of all
-    uint32_t imageSize = 0; // from base to the end of the last segment
+    std::vector<Symbol> symbols; // by address
+    uint32_t base = 0;           // address of the header, lowest of all
+    uint32_t imageSize = 0;      // from base to the end of the last segment
 
     // The section, or null.
     const Section *FindSection(const std::string &segmentName, const std::string &name) const {

@@ -53,6 +53,13 @@ MappedImage::~MappedImage() {
         munmap(memory_, size_);
 }
 
+std::optional<uint32_t> MappedImage::AddressOf(const void *place) const {
+    const uintptr_t distance = reinterpret_cast<uintptr_t>(place) - reinterpret_cast<uintptr_t>(memory_);
+    if (distance >= size_)
+        return std::nullopt;
+    return base_ + static_cast<uint32_t>(distance);
+}
+
 void MappedImage::WriteWord(uint32_t address, uint32_t value) const { std::memcpy(At(address), &value, sizeof value); }
 
 uint32_t MappedImage::ReadWord(uint32_t address) const {

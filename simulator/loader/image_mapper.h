@@ -5,6 +5,7 @@
 #include "simulator/loader/image.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,8 @@ public:
 
     // Where the linker's `address` came to lie.
     uint8_t *At(uint32_t address) const { return memory_ + (address - base_); }
+    // The linker's address of what lies there now; nothing outside the image.
+    std::optional<uint32_t> AddressOf(const void *place) const;
     void WriteWord(uint32_t address, uint32_t value) const;
     uint32_t ReadWord(uint32_t address) const;
 

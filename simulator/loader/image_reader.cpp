@@ -27,6 +27,7 @@ public:
         ReadCommands();
         CheckLayout();
         ReadLinkEdit();
+        ReadSymbols();
         return std::move(image_);
     }
 
@@ -41,12 +42,14 @@ private:
     void ReadDylib(uint32_t command, std::span<const uint8_t> body);
     void CheckLayout();
     void ReadLinkEdit();
+    void ReadSymbols();
     std::span<const uint8_t> LinkEdit(uint32_t offset, uint32_t size, const char *what) const;
 
     std::span<const uint8_t> bytes_;
     std::string_view file_;
     macho::Header header_{};
     std::optional<macho::DyldInfoCommand> dyldInfo_;
+    std::optional<macho::SymbolTableCommand> symbolTable_;
     Image image_;
 };
 
@@ -98,6 +101,9 @@ void Reader::ReadCommand(uint32_t command, std::span<const uint8_t> body) {
         if (dyldInfo_)
             Fail("has two commands with dynamic linking information");
         dyldInfo_ = ByteCursor(body, file_, "the dynamic linking command").Read<macho::DyldInfoCommand>();
+        break;
+    case macho::kSymbolTable:
+        symbolTable_ = ByteCursor(body, file_, "the symbol table command").Read<macho::SymbolTableCommand>();
         break;
     case macho::kDynamicSymbolTable: {
         const auto table =
@@ -197,6 +203,30 @@ void Reader::ReadLinkEdit() {
     ReadBinds(image_, LinkEdit(dyldInfo_->lazyBindOffset, dyldInfo_->lazyBindSize, "the lazy bind stream"), true,
               file_);
     ReadExportTrie(image_, LinkEdit(dyldInfo_->exportOffset, dyldInfo_->exportSize, "the export tree"), file_);
+}
+
+void Reader::ReadSymbols() {
+    if (!symbolTable_)
+        return;
+    constexpr uint32_t kMost = UINT32_MAX / sizeof(macho::SymbolRecord);
+    if (symbolTable_->symbolCount > kMost)
+        Fail("the symbol table ends after the file");
+    const uint32_t size = symbolTable_->symbolCount * static_cast<uint32_t>(sizeof(macho::SymbolRecord));
+    ByteCursor records(LinkEdit(symbolTable_->symbolOffset, size, "the symbol table"), file_, "the symbol table");
+    ByteCursor names(LinkEdit(symbolTable_->stringOffset, symbolTable_->stringSize, "the list of symbol names"), file_,
+                     "the list of symbol names");
+    while (!records.AtEnd()) {
+        const auto record = records.Read<macho::SymbolRecord>();
+        if ((record.type & macho::kSymbolDebugMask) ||
+            (record.type & macho::kSymbolTypeMask) != macho::kSymbolInSection)
+            continue;
+        names.Seek(record.nameOffset);
+        const std::string_view name = names.CString();
+        if (name.size() > macho::kLongestSymbol)
+            Fail("the symbol table has a name of more than " + std::to_string(macho::kLongestSymbol) + " characters");
+        image_.symbols.push_back({std::string(name), record.value});
+    }
+    std::ranges::stable_sort(image_.symbols, {}, &Symbol::address);
 }
 
 } // namespace

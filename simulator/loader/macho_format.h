@@ -102,6 +102,29 @@ struct DylibCommand {
 };
 static_assert(sizeof(DylibCommand) == 24);
 
+struct SymbolTableCommand {
+    uint32_t command;
+    uint32_t size;
+    uint32_t symbolOffset;
+    uint32_t symbolCount;
+    uint32_t stringOffset;
+    uint32_t stringSize;
+};
+static_assert(sizeof(SymbolTableCommand) == 24);
+
+struct SymbolRecord {
+    uint32_t nameOffset;
+    uint8_t type;
+    uint8_t section;
+    uint16_t description;
+    uint32_t value;
+};
+static_assert(sizeof(SymbolRecord) == 12);
+
+constexpr uint8_t kSymbolDebugMask = 0xE0;
+constexpr uint8_t kSymbolTypeMask = 0x0E;
+constexpr uint8_t kSymbolInSection = 0x0E;
+
 struct DynamicSymbolTableCommand {
     uint32_t command;
     uint32_t size;

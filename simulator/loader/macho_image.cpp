@@ -5,7 +5,25 @@
 #include "simulator/loader/macho_format.h"
 #include "simulator/loader/static_data.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cxxabi.h>
+#include <memory>
+
 namespace sim::loader {
+namespace {
+
+// A name as its source spells it.
+std::string Demangled(const std::string &symbol) {
+    const std::string name = symbol.starts_with('_') ? symbol.substr(1) : symbol;
+    const std::unique_ptr<char, void (*)(void *)> text(abi::__cxa_demangle(name.c_str(), nullptr, nullptr, nullptr),
+                                                       std::free);
+    return text ? text.get() : name;
+}
+
+} // namespace
 
 MachOImage::MachOImage(std::span<const uint8_t> bytes, std::string_view file, const LibraryOpener &open,
                        const std::set<std::string> &absent)
@@ -30,6 +48,19 @@ MachOImage::~MachOImage() {
 void *MachOImage::Find(const std::string &name) const {
     const Export *entry = image_.FindExport("_" + name);
     return entry ? mapped_.At(entry->address) : nullptr;
+}
+
+std::string MachOImage::Describe(const void *address) const {
+    const std::optional<uint32_t> place = mapped_.AddressOf(address);
+    if (!place)
+        return "";
+    const auto next = std::ranges::upper_bound(image_.symbols, *place, {}, &Symbol::address);
+    if (next == image_.symbols.begin())
+        return "";
+    const Symbol &symbol = *std::prev(next);
+    std::array<char, 16> distance;
+    std::snprintf(distance.data(), distance.size(), "+0x%x", *place - symbol.address);
+    return Demangled(symbol.name) + distance.data();
 }
 
 void MachOImage::ForEachFunction(uint32_t sectionType, void (*call)(Initialiser)) const {

@@ -28,6 +28,9 @@ public:
     // The address of an export by its C name, or null.
     void *Find(const std::string &name) const;
 
+    // The function or variable that an address of the image lies in, "MyCallBack+0x12"; "" for other addresses.
+    std::string Describe(const void *address) const;
+
 private:
     using Initialiser = void (*)();
 

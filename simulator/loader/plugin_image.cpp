@@ -32,10 +32,21 @@ bool IsElf(const std::vector<uint8_t> &bytes) {
 
 } // namespace
 
+// Knows all that live, for Describe.
 class PluginImage::Kind {
 public:
-    virtual ~Kind() = default;
+    Kind() { Living().insert(this); }
+    Kind(const Kind &) = delete;
+    Kind &operator=(const Kind &) = delete;
+    virtual ~Kind() { Living().erase(this); }
+
+    static std::set<const Kind *> &Living() {
+        static std::set<const Kind *> living;
+        return living;
+    }
+
     virtual void *Find(const std::string &name) const = 0;
+    virtual std::string Describe(const void *address) const = 0;
 };
 
 template <class Image> class PluginImage::KindOf : public Kind {
@@ -44,6 +55,7 @@ public:
     explicit KindOf(Arguments &&...arguments) : image_(std::forward<Arguments>(arguments)...) {}
 
     void *Find(const std::string &name) const override { return image_.Find(name); }
+    std::string Describe(const void *address) const override { return image_.Describe(address); }
 
 private:
     Image image_;
@@ -71,5 +83,12 @@ PluginImage::EntryPointFunction PluginImage::EntryPoint() const {
 }
 
 void *PluginImage::Find(const std::string &name) const { return kind_->Find(name); }
+
+std::string PluginImage::Describe(const void *address) {
+    for (const Kind *image : Kind::Living())
+        if (std::string description = image->Describe(address); !description.empty())
+            return description;
+    return "";
+}
 
 } // namespace sim::loader

@@ -39,6 +39,9 @@ public:
     // The address of an export by its C name, or null.
     void *Find(const std::string &name) const;
 
+    // Names an address in any living image that the dynamic linker does not know, "MyCallBack+0x12"; "" for others.
+    static std::string Describe(const void *address);
+
 private:
     class Kind;
     template <class Image> class KindOf;

@@ -1,6 +1,8 @@
 #include "simulator/session/session.h"
 
 #include "simulator/macos/control/faults.h"
+#include "simulator/macos/control/notifications.h"
+#include "simulator/macos/control/trace.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -21,17 +23,23 @@ const void *MakeCFString(const host::Text &text) {
 Session::Session(SessionOptions options)
     : plugin_(loader::PluginImage::Load(options.plugin, {.absentSymbols = std::move(options.absentSymbols)})),
       host_(Connected(std::move(options.host))) {
+    macos::SetSymboliser(loader::PluginImage::Describe);
     if (options.start)
         Start();
     else
-        before_ = macos::ledger::Take();
+        NoteBalance();
 }
 
 Session::~Session() = default;
 
 void Session::Start() {
     host_.Start(plugin_.EntryPoint());
+    NoteBalance();
+}
+
+void Session::NoteBalance() {
     before_ = macos::ledger::Take();
+    observersBefore_ = macos::notifications::RegistrationCount();
 }
 
 bool Session::RunLoop(double seconds) {
@@ -46,6 +54,10 @@ std::vector<std::string> Session::Balance() const {
         lines.push_back(system.substr(begin, end - begin));
         begin = end + 1;
     }
+    if (const size_t observers = macos::notifications::RegistrationCount(); observers != observersBefore_)
+        lines.push_back("observers: " + std::to_string(observers) +
+                        " are registered with the notification centre, and " + std::to_string(observersBefore_) +
+                        " were at the start");
     return lines;
 }
 

@@ -46,17 +46,20 @@ public:
     /// nothing happened.
     bool RunLoop(double seconds);
 
-    /// One line for each host reference and each Core Foundation object that is out of balance: what was made since
-    /// the plugin was started and is still alive, or was released once too often. Empty when all is well.
+    /// One line for each host reference, each Core Foundation object and the observers that are out of balance: what
+    /// was made since the plugin was started and is still alive, or was released once too often. Empty when all is
+    /// well.
     std::vector<std::string> Balance() const;
 
 private:
+    void NoteBalance();
     host::HostOptions Connected(host::HostOptions options);
 
     SystemFiles files_;
     loader::PluginImage plugin_;
     host::Host host_;
     macos::ledger::Snapshot before_;
+    size_t observersBefore_ = 0;
 };
 
 } // namespace sim

@@ -243,6 +243,54 @@ TEST_CASE("A section must lie in its segment and in its segment's contents") {
     }
 }
 
+// The full image with a symbol table: one defined symbol, one undefined, one for debuggers.
+struct WithSymbols {
+    ImageBuilder builder = FullImage();
+    macho::SymbolTableCommand table{macho::kSymbolTable, 0, 0x2800, 3, 0x2900, 32};
+    macho::SymbolRecord records[3] = {
+        {1, macho::kSymbolInSection, 1, 0, 0x810}, {6, 0x01, 0, 0, 0}, {11, 0x24, 1, 0, 0x820}};
+
+    Bytes Build() {
+        builder.extraCommands = Command(table);
+        builder.extraCommandCount = 1;
+        Bytes bytes = builder.Build();
+        std::memcpy(bytes.data() + 0x2800, records, sizeof records);
+        std::memcpy(bytes.data() + 0x2900, "\0_one\0_two\0_bug", 16);
+        return bytes;
+    }
+};
+
+TEST_CASE("Of the symbols those are kept that the image itself defines") {
+    const Image image = ReadImage(WithSymbols().Build(), "file");
+    REQUIRE(image.symbols.size() == 1);
+    CHECK(image.symbols[0].name == "_one");
+    CHECK(image.symbols[0].address == 0x810);
+}
+
+TEST_CASE("A symbol table that reaches past the file or its names is refused") {
+    WithSymbols image;
+    SUBCASE("records") {
+        image.table.symbolCount = 0x1000;
+        CHECK(FaultIn(image.Build()) == "file: the symbol table ends after the file");
+    }
+    SUBCASE("records beyond counting") {
+        image.table.symbolCount = 0x80000001;
+        CHECK(FaultIn(image.Build()) == "file: the symbol table ends after the file");
+    }
+    SUBCASE("names") {
+        image.table.stringSize = 0x1000;
+        CHECK(FaultIn(image.Build()) == "file: the list of symbol names ends after the file");
+    }
+    SUBCASE("a name") {
+        image.records[0].nameOffset = 33;
+        CHECK(FaultIn(image.Build()) == "file: the list of symbol names points past its end");
+    }
+    SUBCASE("the end of a name") {
+        image.table.stringSize = 4;
+        CHECK(FaultIn(image.Build()) == "file: the list of symbol names ends inside a string");
+    }
+}
+
 TEST_CASE("A file cut short anywhere is refused") {
     const Bytes whole = FullImage().Build();
     size_t refused = 0;

@@ -187,6 +187,19 @@ TEST_CASE("A strong symbol that the system lacks fails the load by name") {
     }
 }
 
+TEST_CASE("An address in a living Mach-O copy has a name, in other memory none") {
+    const void *address = nullptr;
+    {
+        const PluginImage image = PluginImage::Load(MACHO_LIBRARY, Options());
+        address = reinterpret_cast<const void *>(FunctionsOf(image).count);
+        CHECK(PluginImage::Describe(address) == "(anonymous namespace)::Count()+0x0");
+        CHECK(PluginImage::Describe(static_cast<const char *>(address) + 5) == "(anonymous namespace)::Count()+0x5");
+        CHECK(PluginImage::Describe(&friendsDatum) == "");
+        CHECK(PluginImage::Describe(nullptr) == "");
+    }
+    CHECK(PluginImage::Describe(address) == "");
+}
+
 TEST_CASE("A path that leads to no library is refused with its name") {
     CHECK_THROWS_WITH_AS(PluginImage::Load("/no/such/file"), "/no/such/file: No such file or directory", LoadError);
     CHECK_THROWS_WITH_AS(PluginImage::Load("/"), "/: is not a regular file", LoadError);
