@@ -31,26 +31,26 @@ private:
 
 } // namespace
 
-Object ValueSession::ItemWith(CFTypeRef value) {
-    Object item = Host().Create("MDItemQTX");
+Object ItemWith(sim::Session &session, CFTypeRef value) {
+    Object item = session.Host().Create("MDItemQTX");
     const MDItemRef handle = sim::macos::Item::Create(std::make_shared<OneValue>(value));
     item.Set("Handle", std::bit_cast<int32_t>(handle));
     return item;
 }
 
-Object ValueSession::NewQuery() {
-    Object query = Host().Create("MDQueryQTX");
+Object NewQuery(sim::Session &session) {
+    Object query = session.Host().Create("MDQueryQTX");
     const sim::macos::OwnCalls own;
     const auto text = sim::macos::MakeString("kMDItemFSName == \"*\"");
     query.Set("Handle", std::bit_cast<int32_t>(MDQueryCreate(nullptr, text.Get(), nullptr, nullptr)));
     return query;
 }
 
-Value ValueSession::ToHost(CFTypeRef value) { return ItemWith(value).Call("GetAttribute", "value"); }
+Value ToHost(sim::Session &session, CFTypeRef value) { return ItemWith(session, value).Call("GetAttribute", "value"); }
 
-CoreValue ValueSession::FromHost(const Value &value) {
+CoreValue FromHost(sim::Session &session, const Value &value) {
     const sim::macos::AskedValues asked;
-    CHECK(NewQuery().Call<uint32_t>("CountOfResultsWithAttributeValue", "value", value) == 0);
+    CHECK(NewQuery(session).Call<uint32_t>("CountOfResultsWithAttributeValue", "value", value) == 0);
     REQUIRE(asked.Values().size() <= 1);
     return asked.Values().empty() ? CoreValue() : asked.Values().front().Copy();
 }
