@@ -1,4 +1,4 @@
-#include "plugin/sort_functions.h"
+#include "plugin/load_sort_functions.h"
 
 #include <CoreServices/CoreServices.h>
 
