@@ -60,13 +60,4 @@ namespace doctest {
 
 template <> struct StringMaker<tests::Event> { static String convert(const tests::Event &event); };
 
-template <class Element> struct StringMaker<std::vector<Element>> {
-    static String convert(const std::vector<Element> &elements) {
-        String text = "{";
-        for (const Element &element : elements)
-            text += String(" ") + toString(element);
-        return text + " }";
-    }
-};
-
 } // namespace doctest

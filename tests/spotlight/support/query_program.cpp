@@ -16,6 +16,9 @@ template <class Reference> Reference Behind(const Object &object) {
 constexpr const char *kBatchingProperties[] = {"firstMaxNum",   "firstMaxMS",   "progressMaxNum",
                                                "progressMaxMS", "updateMaxNum", "updateMaxMS"};
 
+/// A change waits a moment for others to come.
+const std::vector<int32_t> kOneBatch = {kNoLimit, 1, kNoLimit, 1, kNoLimit, 1};
+
 } // namespace
 
 MDQueryRef QueryOf(const Object &query) { return Behind<MDQueryRef>(query); }
@@ -66,14 +69,14 @@ Object QueryProgram::FolderItems(const Names &paths) {
 Object QueryProgram::NewQuery(const std::string &text) {
     Object query = Host().Create("MDQueryQTX");
     query.Call<void>("Constructor", text);
-    SetBatches(query, {kNoLimit, 0, kNoLimit, 0, kNoLimit, 0});
+    SetBatches(query, kOneBatch);
     return query;
 }
 
 Object QueryProgram::NewQuery(const std::string &text, const Names &valueList, const Names &sorting) {
     Object query = Host().Create("MDQueryQTX");
     query.Call<void>("Constructor", text, Strings(valueList), Strings(sorting));
-    SetBatches(query, {kNoLimit, 0, kNoLimit, 0, kNoLimit, 0});
+    SetBatches(query, kOneBatch);
     return query;
 }
 

@@ -9,6 +9,8 @@
 
 #include <CoreServices/CoreServices.h>
 
+#include <doctest/doctest.h>
+
 #include <map>
 #include <string>
 #include <vector>
@@ -62,7 +64,8 @@ public:
     Object Strings(const Names &texts);
     Object FolderItems(const Names &paths);
 
-    /// Constructed by its text alone, or with lists of attributes. It reports everything in one batch, at once.
+    /// Constructed by its text alone, or with lists of attributes. What happens between two runs of the loop
+    /// is one batch.
     Object NewQuery(const std::string &text = "kMDItemFSName == '*'");
     Object NewQuery(const std::string &text, const Names &valueList, const Names &sorting = {});
     /// Another item object for the file, not one of a query's.
@@ -70,14 +73,13 @@ public:
     /// In the order of the class's properties.
     void SetBatches(const Object &query, const std::vector<int32_t> &parameters);
 
-    /// Runs until there is nothing to do but wait.
-    void Settle() { store.Run(0.001); }
+    /// Runs until what has happened is reported.
+    void Settle() { store.Run(10); }
     /// Executes with updates and gathers.
     void GoLive(const Object &query);
     /// Gathers without updates.
     void Gather(const Object &query);
 
-    /// The text of an item's handle, for an item that this program shall hold.
     static Names Results(Object &query, int32_t limit = -1) { return NamesIn(query.Call<Object>("Results", limit)); }
 
 private:
@@ -85,3 +87,17 @@ private:
 };
 
 } // namespace tests
+
+namespace doctest {
+
+/// What a failed check prints of lists.
+template <class Element> struct StringMaker<std::vector<Element>> {
+    static String convert(const std::vector<Element> &elements) {
+        String text = "{";
+        for (const Element &element : elements)
+            text += String(" ") + toString(element);
+        return text + " }";
+    }
+};
+
+} // namespace doctest
