@@ -1,13 +1,12 @@
 // Building host strings from bytes, and the differences between host ages in doing so. The working encoding of the
 // plugin's strings is UTF-8.
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "host/exceptions.h"
 #include "host/owned.h"
 #include "host/strings.h"
+#include "host/zeroed_buffer.h"
 
 namespace {
 
@@ -50,10 +49,6 @@ int32_t ConvertUTF32(const UInt8 *bytes, int32_t codePoints, UniChar *units) {
     return static_cast<int32_t>(end - units);
 }
 
-struct Free {
-    void operator()(void *block) const { std::free(block); }
-};
-
 REALstringStruct *BuildUTF32OnOldHost(const UInt8 *bytes, int32_t length) {
     constexpr int32_t kShortLength = 800;
     const int32_t codePoints = length / 4;
@@ -69,7 +64,7 @@ REALstringStruct *BuildUTF32OnOldHost(const UInt8 *bytes, int32_t length) {
     const int64_t size = (int64_t{codePoints} * 2 + 1) * static_cast<int64_t>(sizeof(UniChar));
     if (size > INT32_MAX)
         return nullptr;
-    const std::unique_ptr<UniChar, Free> units(static_cast<UniChar *>(std::calloc(static_cast<size_t>(size), 1)));
+    const auto units = NewZeroedBuffer<UniChar>(static_cast<size_t>(size));
     return units ? build(units.get()) : nullptr;
 }
 

@@ -1,23 +1,18 @@
 #include "host/exceptions.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <memory>
 #include <stdexcept>
 #include <typeinfo>
 
 #include "host/owned.h"
 #include "host/strings.h"
+#include "host/zeroed_buffer.h"
 
 namespace {
 
 constexpr size_t kRangeMessageSize = 205;
-
-struct Free {
-    void operator()(void *block) const { std::free(block); }
-};
 
 OwnedObject NewException(const char *name) {
     auto exception = OwnedObject::Adopt(REALnewInstance(name));
@@ -45,7 +40,7 @@ void RaiseException(const char *name, const char *message, uint32_t, int32_t) {
 }
 
 void RaiseOutOfBoundsException(int64_t value, int64_t count, int64_t, const char *, const char *) {
-    const std::unique_ptr<char, Free> message(static_cast<char *>(std::calloc(kRangeMessageSize, 1)));
+    const auto message = NewZeroedBuffer<char>(kRangeMessageSize);
     if (!message) {
         RaiseException("OutOfBoundsException", "Out of Bounds");
         return;

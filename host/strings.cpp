@@ -2,12 +2,11 @@
 // host strings.
 #include "host/strings.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "host/host_function.h"
 #include "host/owned.h"
+#include "host/zeroed_buffer.h"
 
 namespace {
 
@@ -59,10 +58,6 @@ REALstringStruct *BuildFromUTF8(CFStringRef string, char *buffer, CFIndex size) 
     return REALBuildUnicodeString(buffer, static_cast<int64_t>(std::strlen(buffer)), kCFStringEncodingUTF8);
 }
 
-struct Free {
-    void operator()(void *block) const { std::free(block); }
-};
-
 } // namespace
 
 CFStringRef RBString2CFString(REALstringStruct *string) {
@@ -99,6 +94,6 @@ REALstringStruct *CFString2RBString(CFStringRef string) {
     if (length > INT32_MAX / kBytesPerUnit)
         return nullptr;
     const CFIndex size = length * kBytesPerUnit;
-    const std::unique_ptr<char, Free> buffer(static_cast<char *>(std::calloc(static_cast<size_t>(size), 1)));
+    const auto buffer = NewZeroedBuffer<char>(static_cast<size_t>(size));
     return buffer ? BuildFromUTF8(string, buffer.get(), size) : nullptr;
 }
