@@ -91,7 +91,7 @@ public:
     }
 
     void Play() {
-        for (int count = Pick(20); count > 0; --count)
+        for (int count = Pick(12); count > 0; --count)
             AddFile();
         RandomBatches();
         REQUIRE(scripted_.query.Execute(kMDQueryWantsUpdates));
@@ -114,7 +114,10 @@ private:
 
     std::string RandomPath() { return (Pick(4) == 0 ? "/out/" : "/in/") + std::to_string(Pick(1000)); }
 
+    /// Few files, so that much happens to each.
     void AddFile() {
+        if (ratings_.size() >= 12)
+            return;
         std::string path = RandomPath();
         const File file = scripted_.store.Add(path);
         ratings_[file] = 0;

@@ -108,6 +108,15 @@ TEST_CASE("a handler may give up the last reference to the query") {
     }
 }
 
+TEST_CASE("observers after the one that gives up the last reference still see the query") {
+    ScriptedQuery scripted({"a", "b"});
+    Listener second(scripted.query.Get());
+    scripted.listener.handler = [&](const Notification &, CFDictionaryRef) { scripted.query.Release(); };
+    REQUIRE(scripted.query.Execute(kMDQueryWantsUpdates));
+    scripted.store.Run(100);
+    CHECK(second.heard == Notifications{Progress(2)});
+}
+
 TEST_CASE("the last reference may go during a synchronous execution and during a stop") {
     ScriptedQuery scripted({"a", "b"});
     scripted.listener.handler = [&](const Notification &, CFDictionaryRef) {
