@@ -165,7 +165,7 @@ TEST_CASE("Each single call of a host service giving nothing leaves every refere
             CAPTURE(service);
             if (Counts(service))
                 continue;
-            for (int32_t call = 1; call <= std::min(one.calls, 12); call++) {
+            for (int32_t call = 1; call <= std::min(one.calls, 5); call++) {
                 CAPTURE(call);
                 values.session.Host().ReturnNothing(service, call, call);
                 const auto before = ledger::Take();
@@ -187,7 +187,7 @@ TEST_CASE("A C++ exception from any call of a host service passes through and le
             CAPTURE(service);
             if (Counts(service))
                 continue;
-            for (int32_t call = 1; call <= std::min(one.calls, 6); call++) {
+            for (int32_t call = 1; call <= std::min(one.calls, 3); call++) {
                 CAPTURE(call);
                 values.session.Host().Throw(
                     service, [] { throw Thrown(); }, call, call);

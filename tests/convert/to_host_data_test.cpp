@@ -1,6 +1,8 @@
 // Core Foundation data in host memory blocks, and what becomes of it when there is no memory.
 #include "tests/convert/value_session.h"
 
+#include "simulator/macos/control/scripted_data_length.h"
+
 #include <doctest/doctest.h>
 
 #include <algorithm>
@@ -79,6 +81,31 @@ TEST_CASE("Data whose memory cannot be had raises OutOfMemoryException with the 
         CHECK(session.ToHost(CoreData("abc")).IsNil());
         CHECK(session.TakeException() == kFailure);
     }
+}
+
+TEST_CASE("Data of 2 GB less a byte or more is not even asked memory for") {
+    ValueSession session;
+    const sim::macos::ScriptedDataLength length(0x7FFFFFFF);
+    CHECK(session.ToHost(CoreData("abc")).IsNil());
+    CHECK(session.TakeException() ==
+          "OutOfMemoryException: Failed to allocate a memoryblock with 2147483647 bytes in size.");
+    CHECK(session.Host().CallCount("newMemoryBlock") == 0);
+}
+
+TEST_CASE("Data just below that is asked memory for, which no 32-bit host has") {
+    ValueSession session;
+    const sim::macos::ScriptedDataLength length(0x7FFFFFFE);
+    CHECK(session.ToHost(CoreData("abc")).IsNil());
+    CHECK(session.TakeException() ==
+          "OutOfMemoryException: Failed to allocate a memoryblock with 2147483646 bytes in size.");
+    CHECK(session.Host().CallCount("newMemoryBlock") == 1);
+}
+
+TEST_CASE("Data that claims a negative length gives nil") {
+    ValueSession session;
+    const sim::macos::ScriptedDataLength length(INT32_MIN);
+    CHECK(session.ToHost(CoreData("abc")).IsNil());
+    CHECK(session.TakeException() == "");
 }
 
 TEST_CASE("Any other exception that making a block throws passes through, and nothing is left behind") {

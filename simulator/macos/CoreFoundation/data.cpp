@@ -2,6 +2,7 @@
 #include "simulator/macos/CoreFoundation/data.h"
 
 #include "simulator/macos/control/faults.h"
+#include "simulator/macos/control/scripted_data_length.h"
 
 #include <algorithm>
 #include <functional>
@@ -31,8 +32,15 @@ CFRef<CFDataRef> MakeData(std::span<const UInt8> bytes) {
 namespace {
 
 FallibleCall create("CFDataCreate");
+std::optional<CFIndex> claimedLength;
 
 } // namespace
+
+ScriptedDataLength::ScriptedDataLength(CFIndex length) { claimedLength = length; }
+
+ScriptedDataLength::~ScriptedDataLength() { claimedLength.reset(); }
+
+std::optional<CFIndex> ScriptedDataLength::Current() { return claimedLength; }
 
 } // namespace sim::macos
 
@@ -53,4 +61,7 @@ CFDataRef CFDataCreate(CFAllocatorRef, const UInt8 *bytes, CFIndex length) {
 
 const UInt8 *CFDataGetBytePtr(CFDataRef data) { return Expect<Data>(data).Bytes().data(); }
 
-CFIndex CFDataGetLength(CFDataRef data) { return static_cast<CFIndex>(Expect<Data>(data).Bytes().size()); }
+CFIndex CFDataGetLength(CFDataRef data) {
+    const auto length = static_cast<CFIndex>(Expect<Data>(data).Bytes().size());
+    return ScriptedDataLength::Current().value_or(length);
+}
