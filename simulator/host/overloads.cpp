@@ -99,8 +99,10 @@ const Method &ChooseMethod(const std::string &owner, std::span<const Method> met
     int bestDistance = 0;
     bool ambiguous = false;
     bool isKnown = false;
+    // A name alone is most of the calls that a program makes, and comparing declarations takes long.
+    const bool isDeclaration = name.find_first_of(" (") != std::string_view::npos;
     for (const Method &method : methods) {
-        bool isWhole = SameDeclaration(method.declaration.text, name);
+        bool isWhole = isDeclaration && SameDeclaration(method.declaration.text, name);
         if (!isWhole && !EqualIgnoringCase(method.declaration.name, name))
             continue;
         isKnown = true;
