@@ -310,7 +310,7 @@ TEST_CASE("Streams cut short anywhere are refused where a number or a name is br
         cut.bindStream.resize(length);
         const std::string fault = FaultIn(cut.Build());
         CAPTURE(length);
-        CHECK((fault == "" || fault.starts_with("file: the bind stream ends")));
+        CHECK((fault.empty() || fault.starts_with("file: the bind stream ends")));
     }
 }
 
@@ -328,7 +328,7 @@ TEST_CASE("No change of bytes makes the reader do anything but read or refuse") 
             const size_t place = below(2) ? below(0x300) : ImageBuilder::kLinkEdit + below(0x80);
             changed[place] = below(2) ? interesting[below(interesting.size())] : static_cast<uint8_t>(below(256));
         }
-        ++(FaultIn(changed) == "" ? read : refused);
+        ++(FaultIn(changed).empty() ? read : refused);
     }
     CHECK(read > 0);
     CHECK(refused > 0);

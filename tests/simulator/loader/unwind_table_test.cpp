@@ -130,7 +130,7 @@ TEST_CASE("A table cut short anywhere is refused or read, never overrun") {
     for (size_t length = 0; length < whole.size(); ++length) {
         const Translated table = Translate({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
         CAPTURE(length);
-        CHECK((table.fault == "") == (length == 0 || length == CommonEntry().size()));
+        CHECK(table.fault.empty() == (length == 0 || length == CommonEntry().size()));
     }
 }
 
