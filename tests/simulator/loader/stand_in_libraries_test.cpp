@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
 #include <typeinfo>
+#include <vector>
 
 namespace sim::loader {
 namespace {
@@ -60,6 +62,42 @@ TEST_CASE("The C++ runtime gives its own symbols, with size_t mangled as this sy
     for (const char *symbol : {"_calloc", "__Unwind_Resume", "__Znwj", "_pow", "__ZTI9Elsewhere", ""}) {
         CAPTURE(symbol);
         CHECK(runtime->Find(symbol) == nullptr);
+    }
+}
+
+std::string Framework(const std::string &name) {
+    return "/System/Library/Frameworks/" + name + ".framework/Versions/A/" + name;
+}
+
+TEST_CASE("A framework gives its own symbols and those of the frameworks that it re-exports, and no others") {
+    struct Row {
+        const char *framework;
+        std::vector<const char *> has;
+        std::vector<const char *> lacks;
+    };
+    const std::vector<const char *> nobodys = {"_calloc", "__Znwm", "_dlopen", "CFRelease", "_", ""};
+    for (const Row &row : {Row{"CoreFoundation",
+                               {"_CFRelease", "_kCFAllocatorSystemDefault", "___CFConstantStringClassReference"},
+                               {"_MDQueryCreate", "_kMDItemFSName", "_CGImageGetTypeID", "_HISearchWindowShow"}},
+                           Row{"CoreServices",
+                               {"_MDQueryCreate", "_kMDItemFSName", "_FSFindFolder", "_CFRelease"},
+                               {"_CGImageGetTypeID", "_HISearchWindowShow"}},
+                           Row{"ApplicationServices",
+                               {"_CGImageGetTypeID", "_CTFontGetTypeID", "_MDQueryCreate", "_CFRelease"},
+                               {"_HISearchWindowShow"}},
+                           Row{"Carbon", {"_HISearchWindowShow", "_CGImageGetTypeID", "_CFRelease"}, {}}}) {
+        CAPTURE(row.framework);
+        const auto library = OpenStandIn(Framework(row.framework));
+        REQUIRE(library);
+        for (const char *symbol : row.has) {
+            CAPTURE(symbol);
+            CHECK(library->Find(symbol) != nullptr);
+        }
+        for (const auto &symbols : {row.lacks, nobodys})
+            for (const char *symbol : symbols) {
+                CAPTURE(symbol);
+                CHECK(library->Find(symbol) == nullptr);
+            }
     }
 }
 
