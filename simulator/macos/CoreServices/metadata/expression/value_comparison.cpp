@@ -2,6 +2,7 @@
 // with numbers of seconds since 2001.
 #include "simulator/macos/CoreServices/metadata/expression/value_comparison.h"
 
+#include <compare>
 #include <string>
 
 namespace sim::macos::expression {
@@ -11,15 +12,15 @@ namespace {
 bool Fits(std::partial_ordering order, Relation relation) {
     switch (relation) {
     case Relation::kEqual:
-        return order == 0;
+        return std::is_eq(order);
     case Relation::kLess:
-        return order < 0;
+        return std::is_lt(order);
     case Relation::kLessOrEqual:
-        return order <= 0;
+        return std::is_lteq(order);
     case Relation::kGreater:
-        return order > 0;
+        return std::is_gt(order);
     case Relation::kGreaterOrEqual:
-        return order >= 0;
+        return std::is_gteq(order);
     }
     return false;
 }

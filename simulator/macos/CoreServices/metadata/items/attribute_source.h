@@ -5,10 +5,10 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <compare>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace sim::macos {
@@ -22,7 +22,10 @@ struct FileIdentity {
     std::uint64_t file = 0;
     std::int64_t birth = 0;
 
-    friend auto operator<=>(const FileIdentity &, const FileIdentity &) = default;
+    friend bool operator==(const FileIdentity &, const FileIdentity &) = default;
+    friend bool operator<(const FileIdentity &one, const FileIdentity &other) {
+        return std::tie(one.volume, one.file, one.birth) < std::tie(other.volume, other.file, other.birth);
+    }
 };
 
 /// The attributes of one file. Attribute names are UTF-8 and compare literally; a custom name is as good as one of the

@@ -6,9 +6,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
-#include <time.h>
 
 #include <algorithm>
+#include <ctime>
 #include <iterator>
 
 namespace sim::macos::store {
