@@ -4,6 +4,7 @@
 
 #include "convert/decomposed.h"
 #include "host/owned.h"
+#include "host/services.h"
 
 namespace {
 

@@ -51,7 +51,7 @@ CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) {
     case kVariantSingle:
         return Number(kCFNumberFloat32Type, GetVariantSingle(value));
     case kVariantDouble:
-    case kVariantCurrency:
+    case kVariantOtherDouble:
         return Number(kCFNumberFloat64Type, GetVariantDouble(value));
     case kVariantDate:
         return RBDate2CFDate(static_cast<_REALdate *>(value));

@@ -13,7 +13,7 @@ namespace {
 // An element kind tells how an element is read, in a form that gives up its reference by itself, and what it becomes:
 // +1, or null to leave it out.
 
-struct Date {
+struct DateElement {
     static OwnedObject Read(_REALarray *array, int32_t index) {
         return OwnedObject::Adopt(ReadArrayObject(array, index));
     }
@@ -22,7 +22,7 @@ struct Date {
     }
 };
 
-struct String {
+struct StringElement {
     static OwnedString Read(_REALarray *array, int32_t index) {
         return OwnedString::Adopt(ReadArrayString(array, index));
     }
@@ -33,23 +33,23 @@ struct String {
     }
 };
 
-struct Object {
+struct ObjectElement {
     static OwnedObject Read(_REALarray *array, int32_t index) {
         return OwnedObject::Adopt(ReadArrayObject(array, index));
     }
     static CFTypeRef Convert(const OwnedObject &element) { return CopyVariantAsCFType(element.Get()); }
 };
 
-struct Boolean {
+struct BooleanElement {
     static bool Read(_REALarray *array, int32_t index) { return ReadArrayBoolean(array, index); }
     static CFTypeRef Convert(bool element) { return CFRetain(element ? kCFBooleanTrue : kCFBooleanFalse); }
 };
 
 /// Walks an array that may shrink meanwhile: an index that has fallen outside raises "OutOfBoundsException", and the
-/// walk goes on. The element visitor gets the index and whether the element may be read; what it returns is owned by
-/// it, appended, and left out when null.
+/// walk goes on. The visitor gets the index and whether the element may be read; what it returns is +1, and is
+/// appended, or left out when null.
 template <class Visitor> CFTypeRef WalkArray(_REALarray *array, Visitor convertElement) {
-    const int32_t upperBound = REALGetArrayUBound(array);
+    const int32_t upperBound = UpperBoundOf(array);
     auto result = OwnedCF<CFMutableArrayRef>::Adopt(
         CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 1, &kCFTypeArrayCallBacks));
     if (!result)
@@ -74,7 +74,7 @@ template <class Kind> CFTypeRef CopyArray(_REALarray *array) {
 // dropped; each number is made from a local variable that then takes the new number's reference in its low half. The
 // variable has eight bytes, so that any number type stays inside it.
 template <auto &getElement, CFNumberType type> CFTypeRef CopyNumericArray(_REALarray *array) {
-    UInt8 local[8] = {};
+    alignas(int64_t) UInt8 local[8] = {};
     return WalkArray(array, [array, &local](int32_t index, bool isReadable) -> CFTypeRef {
         if (isReadable && !HasDirectElements(array))
             getElement(array, index);
@@ -94,10 +94,10 @@ constexpr ArrayKind kArrayKinds[] = {
     {kVariantInt64, CopyNumericArray<REALGetArrayValueInt64, kCFNumberSInt64Type>},
     {kVariantSingle, CopyNumericArray<REALGetArrayValueSingle, kCFNumberFloat32Type>},
     {kVariantDouble, CopyNumericArray<REALGetArrayValueDouble, kCFNumberFloat64Type>},
-    {kVariantDate, CopyArray<Date>},
-    {kVariantString, CopyArray<String>},
-    {kVariantObject, CopyArray<Object>},
-    {kVariantBoolean, CopyArray<Boolean>},
+    {kVariantDate, CopyArray<DateElement>},
+    {kVariantString, CopyArray<StringElement>},
+    {kVariantObject, CopyArray<ObjectElement>},
+    {kVariantBoolean, CopyArray<BooleanElement>},
 };
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "convert/from_host_dictionary.h"
 
+#include <algorithm>
+
 #include "convert/dictionary_methods.h"
 #include "convert/from_host.h"
 #include "host/owned.h"
@@ -26,6 +28,7 @@ OwnedCF<CFTypeRef> CopyOrNull(const OwnedObject &value) {
 CFTypeRef CopyDictionary(REALobjectStruct *dictionary) {
     int32_t count = 0;
     REALGetPropValueInteger(dictionary, "Count", &count);
+    count = std::max<int32_t>(count, 0);
     auto result = OwnedCF<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, count, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     if (!result)

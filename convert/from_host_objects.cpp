@@ -9,6 +9,7 @@
 #include "convert/from_host_dictionary.h"
 #include "convert/wrapper_objects.h"
 #include "host/owned.h"
+#include "host/services.h"
 
 namespace {
 

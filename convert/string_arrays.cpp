@@ -1,18 +1,14 @@
 #include "convert/string_arrays.h"
 
-#include <algorithm>
-
 #include "host/arrays.h"
 #include "host/strings.h"
 
 CFMutableArrayRef NewCFStringArray(_REALarrayString *array) {
     if (!array)
         return nullptr;
-    const int32_t upperBound = REALGetArrayUBound(array);
-    // One more than there are strings, whatever a host says of an array.
-    const auto capacity = static_cast<CFIndex>(std::clamp<int64_t>(int64_t{upperBound} + 2, 0, INT32_MAX));
-    auto strings =
-        OwnedCF<CFMutableArrayRef>::Adopt(CFArrayCreateMutable(kCFAllocatorDefault, capacity, &kCFTypeArrayCallBacks));
+    const int32_t upperBound = UpperBoundOf(array);
+    auto strings = OwnedCF<CFMutableArrayRef>::Adopt(
+        CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 2, &kCFTypeArrayCallBacks));
     if (!strings)
         return nullptr;
     for (int32_t i = 0; i <= upperBound; i++) {

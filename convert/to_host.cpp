@@ -15,8 +15,8 @@ struct Conversion {
 };
 
 // The platform's functions come in as template arguments, so that a row holds a function of ours and the import is
-// bound when it is first called. A system that lacks a type's identifier has no values of that type.
-template <CFTypeID (*typeID)()> bool IsOfType(CFTypeID type) { return typeID && typeID() == type; }
+// bound when it is first called.
+template <CFTypeID (*typeID)()> bool IsOfType(CFTypeID type) { return typeID() == type; }
 
 template <auto convert> REALobjectStruct *ConvertBy(CFTypeRef value, const char *) { return convert(value); }
 
@@ -53,7 +53,7 @@ constexpr Conversion kNaturalValues[] = {
     Converted<CFNullGetTypeID, NilValue>(),
     Converted<CFDictionaryGetTypeID, HostDictionary>(),
     Converted<CFStringGetTypeID, StringVariant>(),
-    Converted<CFDataGetTypeID, MemoryBlock>(),
+    Converted<CFDataGetTypeID, HostMemoryBlock>(),
     Converted<CFDateGetTypeID, HostDate>(),
     WrappedKeptBy<CGColorSpaceGetTypeID, CGColorSpaceRef, CGColorSpaceRetain>("CGColorSpaceQTX"),
     WrappedKeptBy<CGColorGetTypeID, CGColorRef, CGColorRetain>("CGColorQTX"),

@@ -1,17 +1,17 @@
 #include "convert/to_host_objects.h"
 
 #include "convert/wrapper_objects.h"
-#include "host/services.h"
+#include "host/owned.h"
 
 REALobjectStruct *WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef)) {
-    REALobjectStruct *instance = REALnewInstance(className);
+    auto instance = OwnedObject::Adopt(REALnewInstance(className));
     if (!instance)
         return nullptr;
-    auto &data = CompanionData<WrapperData>(instance);
+    auto &data = CompanionData<WrapperData>(instance.Get());
     data.Ref = retain(value);
     // Deliberate: these classes are tagged whatever the tag was before.
     data.Signature = kWrapperSignature;
-    return instance;
+    return instance.Give();
 }
 
 REALobjectStruct *WrapperOrCFObject(CFTypeRef value, const char *className) {

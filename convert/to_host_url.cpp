@@ -6,6 +6,7 @@
 
 #include "convert/decomposed.h"
 #include "convert/to_host_values.h"
+#include "host/services.h"
 #include "host/strings.h"
 
 namespace {

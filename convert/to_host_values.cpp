@@ -63,14 +63,12 @@ REALobjectStruct *HostDate(CFTypeRef value) {
 
 namespace {
 
-/// The block's memory in `memory`, and the block, +1; or null, whatever the host's reason.
-OwnedObject AllocateBlock(CFIndex length, void *&memory) {
+/// +1, or null, whatever the host's reason.
+OwnedObject NewMemoryBlock(CFIndex length) {
     if (length >= INT32_MAX)
         return {};
     try {
-        auto block = OwnedObject::Adopt(newMemoryBlock(static_cast<int32_t>(length)));
-        memory = block ? memoryBlockGetPtr(block.Get()) : nullptr;
-        return memory ? std::move(block) : OwnedObject();
+        return OwnedObject::Adopt(newMemoryBlock(static_cast<int32_t>(length)));
     } catch (const std::bad_alloc &) {
         return {};
     }
@@ -78,16 +76,17 @@ OwnedObject AllocateBlock(CFIndex length, void *&memory) {
 
 } // namespace
 
-REALobjectStruct *MemoryBlock(CFTypeRef value) {
+REALobjectStruct *HostMemoryBlock(CFTypeRef value) {
     const auto data = static_cast<CFDataRef>(value);
     const UInt8 *bytes = CFDataGetBytePtr(data);
     const CFIndex length = CFDataGetLength(data);
     if (!bytes || length < 1)
         return nullptr;
 
-    void *memory = nullptr;
-    auto block = AllocateBlock(length, memory);
-    if (!block) {
+    auto block = NewMemoryBlock(length);
+    void *memory = block ? memoryBlockGetPtr(block.Get()) : nullptr;
+    if (!memory) {
+        block = {};
         char message[200];
         std::snprintf(message, sizeof message, "Failed to allocate a memoryblock with %lld bytes in size.",
                       static_cast<long long>(length));

@@ -14,7 +14,7 @@ REALobjectStruct *StringVariant(CFTypeRef value);
 /// Calendar fields of GMT, fractions of a second cut off.
 REALobjectStruct *HostDate(CFTypeRef value);
 /// Nil for no bytes; raises "OutOfMemoryException" when the block cannot be had.
-REALobjectStruct *MemoryBlock(CFTypeRef value);
+REALobjectStruct *HostMemoryBlock(CFTypeRef value);
 REALobjectStruct *HostArray(CFTypeRef value);
 REALobjectStruct *HostDictionary(CFTypeRef value);
 /// A folder item for a file that exists or could be made, else the absolute URL as text.

@@ -11,7 +11,8 @@ enum VariantType : int32_t {
     kVariantInt64 = 3,
     kVariantSingle = 4,
     kVariantDouble = 5,
-    kVariantCurrency = 6,
+    /// Read like a double.
+    kVariantOtherDouble = 6,
     kVariantDate = 7,
     kVariantString = 8,
     kVariantObject = 9,

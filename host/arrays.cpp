@@ -1,5 +1,7 @@
 #include "host/arrays.h"
 
+#include <algorithm>
+
 #include "host/exceptions.h"
 
 namespace {
@@ -29,6 +31,11 @@ _REALarrayString *NewStringArray() { return static_cast<_REALarrayString *>(REAL
 
 _REALarrayObject *NewObjectArray(int32_t upperBound) {
     return static_cast<_REALarrayObject *>(REALCreateArray(kObjectElements, upperBound));
+}
+
+int32_t UpperBoundOf(_REALarray *array) {
+    constexpr int32_t kHighest = INT32_MAX - 2;
+    return std::clamp(REALGetArrayUBound(array), kEmpty, kHighest);
 }
 
 bool HasDirectElements(_REALarray *array) { return DirectElements<void>(array) != nullptr; }
@@ -76,6 +83,8 @@ void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object
         return;
     }
     auto kept = Hold(object);
+    if (object && !kept)
+        return;
     if (REALobjectStruct *previous = std::exchange(elements[index], nullptr))
         REALUnlockObject(previous);
     elements[index] = kept.Give();

@@ -28,6 +28,9 @@ bool HasDirectElements(_REALarray *array);
 /// stores nothing.
 void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object);
 
+/// The upper bound, -1 for an empty array, cut off where counting on past it would overflow.
+int32_t UpperBoundOf(_REALarray *array);
+
 /// Whether the index is still inside the array. If not, "OutOfBoundsException" has been raised with the array's present
 /// size.
 bool CheckArrayIndex(_REALarray *array, int32_t index);

@@ -121,7 +121,7 @@ REALstringStruct *REALBuildUnicodeStringUTF16(const void *bytes, int64_t length)
     if (!bytes || length < 0 || length > INT32_MAX)
         return nullptr;
     const auto byteCount = static_cast<int32_t>(length);
-    if (HostBuildsStringsWithEncoding())
+    if (HostSpeaksCFStrings())
         return ConvertToUTF8(
             OwnedString::Adopt(REALBuildStringWithEncoding(bytes, byteCount, kCFStringEncodingUnicode)));
     return ConvertToUTF8(BuildTagged(bytes, byteCount, kCFStringEncodingUnicode));

@@ -140,7 +140,8 @@ constexpr REALmethodDefinition SharedMethod(const char *declaration, Result (*fu
     return {reinterpret_cast<CodeWord>(function), nullptr, declaration, kMethodFlags, 0, nullptr};
 }
 
-/// A property that the host reads and writes in the plugin data itself.
+/// A property that the host reads and writes in the plugin data itself. A template, because the cast in kHostStandard
+/// would otherwise bar it from being constexpr.
 template <class Offset> constexpr REALproperty Stored(const char *name, const char *type, Offset offset) {
     return {nullptr, name,    type, kPropertyFlags, kHostStandard, kHostStandard, static_cast<int32_t>(offset), nullptr,
             0,       nullptr, 0,    nullptr};

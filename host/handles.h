@@ -1,6 +1,6 @@
-// What the host hands out: opaque 32-bit handles. Everything but a string is a host object, so that arrays, folder
-// items and dates convert to the object handle by themselves. Nobody looks inside except host/arrays and host/strings,
-// on hosts old enough to have a known layout.
+// What the host hands out: opaque 32-bit handles. Arrays, folder items and dates are host objects and convert to the
+// object handle by themselves. Nobody looks inside, except that a class finds its plugin data in its instances
+// (host/instance_data.h), and that strings and arrays are read in place on hosts old enough to have a known layout.
 #pragma once
 
 #include <cstdint>

@@ -12,11 +12,11 @@ extern double rbversion;
 /// The declaration layout version, 9 to 13, written into every record that the host gets.
 extern int32_t CurrentREALControlVersion;
 
-/// Before this layout, records are shorter and registration converts them.
+/// The layout of hosts before 2012: records are shorter, and registration converts them.
 constexpr int32_t kOldDeclarationLayout = 9;
 
-/// "REALBuildStringWithEncoding" and the early use of "REALGetStringCFString" came with 2012.
-inline bool HostBuildsStringsWithEncoding() { return rbversion >= 2012.0; }
+/// With 2012 came "REALBuildStringWithEncoding", and CFStrings made by the host.
+inline bool HostSpeaksCFStrings() { return rbversion >= 2012.0; }
 /// Hosts before 2013 cannot convert UTF-32 themselves.
 inline bool HostConvertsUTF32() { return rbversion >= 2013.0; }
 /// From 2016 on, strings and arrays are read through services only; before, their memory layout is known.

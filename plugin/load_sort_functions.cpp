@@ -3,14 +3,15 @@
 #include <CoreServices/CoreServices.h>
 
 #include "host/owned.h"
+#include "host/services.h"
 #include "spotlight/sort_functions.h"
 
 constinit CFBundleRef CoreServicesFramework = nullptr;
 
 namespace {
 
-/// The start-up disk, as the number that hosts have always been served with. The platform's headers give it the name
-/// kOnAppropriateDisk.
+/// The number with which the system has always been asked. Its headers call it kOnAppropriateDisk; their kOnSystemDisk
+/// is another.
 constexpr FSVolumeRefNum kFolderDomain = -32767;
 
 /// +1, or null when any step fails.

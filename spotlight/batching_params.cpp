@@ -1,7 +1,7 @@
 // The six numbers that control how a running query batches its notifications, as a host class and on the query.
 #include "spotlight/batching_params.h"
 
-#include "host/services.h"
+#include "host/owned.h"
 #include "spotlight/query_data.h"
 #include "spotlight/query_methods.h"
 
@@ -42,14 +42,14 @@ REALobjectStruct *rbMDQueryBatchingParams(REALobjectStruct *self) {
     if (!query)
         return nullptr;
     const MDQueryBatchingParams batching = MDQueryGetBatchingParameters(query);
-    REALobjectStruct *parameters = REALnewInstance("MDQueryBatchingParamsQTX");
+    auto parameters = OwnedObject::Adopt(REALnewInstance("MDQueryBatchingParamsQTX"));
     if (parameters)
-        InstanceData<MDQueryBatchingParamsData>(parameters, MDQueryBatchingParamsClass) = {
+        InstanceData<MDQueryBatchingParamsData>(parameters.Get(), MDQueryBatchingParamsClass) = {
             static_cast<int32_t>(batching.first_max_num),    static_cast<int32_t>(batching.first_max_ms),
             static_cast<int32_t>(batching.progress_max_num), static_cast<int32_t>(batching.progress_max_ms),
             static_cast<int32_t>(batching.update_max_num),   static_cast<int32_t>(batching.update_max_ms),
         };
-    return parameters;
+    return parameters.Give();
 }
 
 void rbMDQuerySetBatchingParameters(REALobjectStruct *self, REALobjectStruct *parameters) {

@@ -1,5 +1,6 @@
 #include "spotlight/query_events.h"
 
+#include "host/owned.h"
 #include "host/services.h"
 #include "spotlight/query_data.h"
 #include "spotlight/query_results.h"

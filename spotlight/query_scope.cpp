@@ -34,7 +34,7 @@ private:
 };
 
 void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
-    const int32_t upperBound = paths ? REALGetArrayUBound(paths) : -1;
+    const int32_t upperBound = paths ? UpperBoundOf(paths) : -1;
     for (int32_t i = 0; i <= upperBound; i++) {
         if (!CheckArrayIndex(paths, i))
             continue;
@@ -47,7 +47,7 @@ void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
 }
 
 void AppendNames(Scope &scope, _REALarrayString *options) {
-    const int32_t upperBound = options ? REALGetArrayUBound(options) : -1;
+    const int32_t upperBound = options ? UpperBoundOf(options) : -1;
     for (int32_t i = 0; i <= upperBound; i++) {
         const auto option = OwnedString::Adopt(REALGetArrayString(options, i));
         const auto name = OwnedCF<CFStringRef>::Adopt(RBString2CFString(option.Get()));

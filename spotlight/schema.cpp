@@ -51,11 +51,11 @@ REALstringStruct *rbMDSchemaCopyDisplayDescriptionForAttribute(REALstringStruct 
 }
 
 _REALarrayString *rbMDSchemaCopyAllAttributes() {
-    _REALarrayString *array = NewStringArray();
+    auto array = OwnedHost<_REALarrayString>::Adopt(NewStringArray());
     const auto attributes = OwnedCF<CFArrayRef>::Adopt(MDSchemaCopyAllAttributes());
     if (attributes)
-        AddStringArray(array, attributes.Get());
-    return array;
+        AddStringArray(array.Get(), attributes.Get());
+    return array.Give();
 }
 
 REALstringStruct *GetAttributeType(REALstringStruct *name) {

@@ -1,4 +1,4 @@
-// What the schema knows about an attribute, by the attribute's name, and the search window. Nothing here raises; an
+// What the schema knows about an attribute, by the attribute's name. Nothing here raises; an
 // unknown or unconvertible name gives a null string, false or an empty array. Results are +1.
 #pragma once
 
