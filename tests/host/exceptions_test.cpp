@@ -20,6 +20,12 @@ void RaiseOnce(TestSession &session) {
     CHECK(query.Get<int32_t>("ResultCount") == 0);
 }
 
+/// Whether that was raised, once, with the number that every exception of the plugin has.
+bool Raises(TestSession &session, const char *className, const char *message) {
+    const auto raised = session.Host().TakeRaised();
+    return raised.size() == 1 && raised.front().Is(className, message) && raised.front().errorNumber == 0;
+}
+
 RaisedException TakeOne(TestSession &session) {
     const auto raised = session.Host().TakeRaised();
     REQUIRE(raised.size() == 1);
@@ -33,7 +39,7 @@ TEST_CASE("Every method of a query object without a query raises \"NilObjectExce
     Host &host = session.Host();
     const Object query = NilQuery(session);
     const Object strings = host.NewArray("string");
-    const auto raises = [&] { return session.TakeException() == "NilObjectException: MDQuery Reference is nil"; };
+    const auto raises = [&] { return Raises(session, "NilObjectException", kMessage); };
 
     CHECK(query.Get<int32_t>("ResultCount") == 0);
     CHECK(raises());
@@ -81,7 +87,7 @@ TEST_CASE("Every method of an item object without an item raises \"NilObjectExce
     TestSession session;
     Host &host = session.Host();
     const Object item = host.Create("MDItemQTX");
-    const auto raises = [&] { return session.TakeException() == "NilObjectException: MDItem Reference is nil"; };
+    const auto raises = [&] { return Raises(session, "NilObjectException", "MDItem Reference is nil"); };
 
     CHECK(item.CallWith("GetAttribute", {"kMDItemFSName"}).IsNil());
     CHECK(raises());
@@ -104,13 +110,13 @@ TEST_CASE("Every method of an item object without an item raises \"NilObjectExce
 TEST_CASE("A nil folder item raises \"NilObjectException\" with \"Folderitem is nil\"") {
     TestSession session;
     session.Host().Create("MDItemQTX").CallWith("Constructor", {nullptr});
-    CHECK(session.TakeException() == "NilObjectException: Folderitem is nil");
+    CHECK(Raises(session, "NilObjectException", "Folderitem is nil"));
 }
 
 TEST_CASE("A folder item that yields no URL raises \"NilObjectException\" with \"Folderitem is invalid\"") {
     TestSession session;
     session.Host().Create("MDItemQTX").CallWith("Constructor", {session.Host().NewFolderItem("")});
-    CHECK(session.TakeException() == "NilObjectException: Folderitem is invalid");
+    CHECK(Raises(session, "NilObjectException", "Folderitem is invalid"));
 }
 
 TEST_CASE("An attribute of the wrong type raises \"RuntimeException\" with \"Wrong type used for getting attribute "
@@ -120,7 +126,7 @@ TEST_CASE("An attribute of the wrong type raises \"RuntimeException\" with \"Wro
     item.CallWith("Constructor", {session.Host().NewFolderItem("/")});
     REQUIRE(session.TakeException() == "");
     CHECK(item.CallWith("AttributeBoolean", {"kMDItemFSName"}) == Value(false));
-    CHECK(session.TakeException() == "RuntimeException: Wrong type used for getting attribute value.");
+    CHECK(Raises(session, "RuntimeException", "Wrong type used for getting attribute value."));
 }
 
 TEST_CASE("The message is ASCII and ErrorNumber is 0 on hosts of every age") {
@@ -254,6 +260,11 @@ TEST_CASE("An index beyond an array that shrinks while it is read raises \"OutOf
         CHECK(raised[0].errorNumber == 0);
         CHECK(query.Get<Object>("ValueListAttributes").Elements() ==
               std::vector<Value>{"kMDItemFSName", "kMDItemFSSize", nullptr, nullptr});
+    }
+    SUBCASE("to three elements") {
+        host.Before("RuntimeUBound", 5, [&] { names.Resize(2); });
+        query.CallWith("Constructor", {"kMDItemFSName == \"*\"", names});
+        CHECK(Raises(session, "OutOfBoundsException", "Parameter index  is too big. Range is 0 to 2, but value is 3."));
     }
     SUBCASE("to nothing") {
         host.Before("RuntimeUBound", 5, [&] { names.Resize(-1); });
