@@ -29,10 +29,11 @@ FileTime FileTimeNow() {
     return static_cast<FileTime>(now.tv_sec) * kSecond + now.tv_nsec;
 }
 
-std::optional<FileState> ReadFileState(const std::string &path) {
+std::optional<FileState> ReadFileState(const std::string &path, int folder) {
     struct statx found {};
     constexpr unsigned kWanted = STATX_BASIC_STATS | STATX_BTIME;
-    if (statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, kWanted, &found) != 0)
+    const int how = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | (path.empty() ? AT_EMPTY_PATH : 0);
+    if (statx(folder, path.c_str(), how, kWanted, &found) != 0)
         return std::nullopt;
     FileState state;
     state.isFolder = S_ISDIR(found.stx_mode);

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace sim::macos::store {
 
@@ -29,8 +30,9 @@ struct FileState {
 
 /// The state of a regular file, a folder or a symbolic link (of the link itself); nothing for what is not there and for
 /// devices, pipes and sockets, which the store does not list. Times and size of a folder are left at 0: they change
-/// with every file in it, and that is no change of the folder's own.
-std::optional<FileState> ReadFileState(const std::string &path);
+/// with every file in it, and that is no change of the folder's own. A path that is not absolute starts at the open
+/// folder; an empty one is that folder.
+std::optional<FileState> ReadFileState(const std::string &path, int folder = -1);
 
 /// Whether a change after the state was read would show in the times. False for a few milliseconds after each change.
 bool IsSettled(const FileState &state, FileTime readAt);

@@ -74,6 +74,7 @@ void FolderTree::SetKind(KnownFile &file, bool isFolder) {
         return;
     if (isFolder) {
         file.contents = std::make_shared<KnownFolder>();
+        file.contents->identity = file.state.identity;
         file.contents->self = &file;
     } else {
         Clear(*file.contents);

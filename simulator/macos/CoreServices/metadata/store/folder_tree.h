@@ -19,6 +19,7 @@ struct KnownFile;
 
 /// A folder and the names in it. Held by whoever still has work to do in it, also when it is in the tree no longer.
 struct KnownFolder {
+    FileIdentity identity;
     std::string rootPath;      // of a folder of the scope itself; empty for others
     KnownFile *self = nullptr; // null for a folder of the scope itself
     std::map<std::string, KnownFile *> entries;

@@ -36,7 +36,7 @@ FolderWatcher::~FolderWatcher() {
 }
 
 FolderWatcher::Outcome FolderWatcher::WatchContents(const std::string &folder, int &watch) {
-    return Watch(folder, kContents | IN_ONLYDIR | IN_DONT_FOLLOW, watch);
+    return Watch(folder, kContents | IN_ONLYDIR, watch);
 }
 
 FolderWatcher::Outcome FolderWatcher::WatchNames(const std::string &folder, int &watch) {

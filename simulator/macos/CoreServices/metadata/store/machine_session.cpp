@@ -1,8 +1,6 @@
 // The work of a session, in small steps: names that messages spoke of first, then folders still to be read.
 #include "simulator/macos/CoreServices/metadata/store/machine_session.h"
 
-#include "simulator/macos/CoreServices/metadata/store/folder_listing.h"
-
 #include <sys/inotify.h>
 
 #include <algorithm>
@@ -32,7 +30,7 @@ MachineSession::MachineSession(const Scope &scope, bool live)
         alarm_.emplace(watcher_->Descriptor());
     }
     for (const std::string &path : scope.folders)
-        roots_.push_back({path, {}, nullptr});
+        roots_.push_back({path, nullptr});
     for (std::size_t index = 0; index < roots_.size(); ++index)
         LookAtRoot(index);
 }
@@ -63,7 +61,7 @@ void MachineSession::LookAtRoot(std::size_t index) {
     auto state = ReadFileState(root.path);
     if (state && !state->isFolder)
         state.reset();
-    const bool same = root.folder && state && state->identity == root.identity;
+    const bool same = root.folder && state && state->identity == root.folder->identity;
     if (same)
         return;
     if (root.folder) {
@@ -72,8 +70,8 @@ void MachineSession::LookAtRoot(std::size_t index) {
     }
     if (!state)
         return;
-    root.identity = state->identity;
     root.folder = std::make_shared<KnownFolder>();
+    root.folder->identity = state->identity;
     root.folder->rootPath = root.path;
     QueueScan(root.folder, true, false);
 }
@@ -103,7 +101,7 @@ void MachineSession::QueueScan(const std::shared_ptr<KnownFolder> &folder, bool 
         return;
     }
     folder->scanQueued = true;
-    scans_.push_back({folder, deep, afterLoss, std::nullopt, 0});
+    scans_.push_back({folder, deep, afterLoss, nullptr, std::nullopt, 0});
 }
 
 void MachineSession::RescanAll() {
@@ -170,7 +168,9 @@ bool MachineSession::LookAtDirty() {
     const Dirty name = std::move(queue.front());
     queue.pop_front();
     dirtyNames_.erase({name.folder.get(), name.name});
-    LookAt(name, nullptr);
+    const OpenFolder open(name.folder->Path(), name.folder->identity);
+    if (open) // else it was moved, and when that is noticed all names in it are looked at
+        LookAt(name, open, nullptr);
     return true;
 }
 
@@ -186,9 +186,8 @@ bool MachineSession::ContinueScan() {
         scans_.pop_front();
         return true;
     }
-    const Scan current{scan.folder, scan.deep, scan.afterLoss, std::nullopt, 0};
     const Dirty name{scan.folder, (*scan.names)[scan.next++], 0, 0};
-    LookAt(name, &current);
+    LookAt(name, *scan.open, &scan);
     return true;
 }
 
@@ -198,14 +197,15 @@ void MachineSession::StartScan(Scan &scan) {
     folder.scanQueued = false;
     scan.names.emplace();
     const std::string path = folder.Path();
-    if (folder.gone || path.empty())
+    scan.open = std::make_unique<OpenFolder>(path, folder.identity);
+    if (!*scan.open)
         return;
-    if (IsLive() && !StartWatching(scan.folder)) {
+    if (IsLive() && !StartWatching(scan.folder, *scan.open)) {
         unwatched_.push_back(scan.folder);
         rescanAt_ = rescanAt_ != 0 ? rescanAt_ : FileTimeNow() + kRescanInterval;
     }
     if (!IsOnPseudoFileSystem(path))
-        *scan.names = ListFolder(path);
+        *scan.names = scan.open->Names();
     std::erase_if(*scan.names, [](const std::string &name) { return !IsListed(name); });
     for (const auto &[name, file] : folder.entries)
         scan.names->push_back(name);
@@ -214,13 +214,12 @@ void MachineSession::StartScan(Scan &scan) {
 }
 
 /// Brings what is known of a name up to date. A scan is given when it is the reason to look.
-void MachineSession::LookAt(const Dirty &name, const Scan *scan) {
+void MachineSession::LookAt(const Dirty &name, const OpenFolder &open, const Scan *scan) {
     KnownFolder &folder = *name.folder;
-    const std::string folderPath = folder.Path();
-    if (folder.gone || folderPath.empty())
+    if (folder.gone || folder.Path().empty())
         return;
     const FileTime now = FileTimeNow();
-    const auto state = ReadFileState(folderPath == "/" ? "/" + name.name : folderPath + "/" + name.name);
+    const auto state = open.StateOf(name.name);
     if (state && Postpone(name, *state, now))
         return;
 
@@ -265,15 +264,15 @@ bool MachineSession::BuryUnlinked() {
 }
 
 /// False when the folder has to be read again and again instead.
-bool MachineSession::StartWatching(const std::shared_ptr<KnownFolder> &folder) {
+bool MachineSession::StartWatching(const std::shared_ptr<KnownFolder> &folder, const OpenFolder &open) {
     if (folder->watch >= 0)
         return true;
     int watch = -1;
-    const auto outcome = watcher_->WatchContents(folder->Path(), watch);
+    const auto outcome = watcher_->WatchContents(open.HeldPath(), watch);
     if (outcome == FolderWatcher::Outcome::kWatched) {
         Watch &entry = watches_[watch];
         if (entry.folder)
-            entry.folder->watch = -1; // what is known of that one is out of date
+            entry.folder->watch = -1; // the same folder, known before it came back
         entry.folder = folder;
         folder->watch = watch;
     }

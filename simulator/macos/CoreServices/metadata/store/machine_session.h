@@ -11,6 +11,7 @@
 #include "simulator/macos/CoreServices/metadata/store/alarm.h"
 #include "simulator/macos/CoreServices/metadata/store/folder_tree.h"
 #include "simulator/macos/CoreServices/metadata/store/folder_watcher.h"
+#include "simulator/macos/CoreServices/metadata/store/open_folder.h"
 
 #include <optional>
 #include <set>
@@ -30,7 +31,6 @@ public:
 private:
     struct Root {
         std::string path;
-        FileIdentity identity;
         std::shared_ptr<KnownFolder> folder; // null while there is none at the path
     };
 
@@ -39,6 +39,7 @@ private:
         std::shared_ptr<KnownFolder> folder;
         bool deep = true;
         bool afterLoss = false; // messages about what is in it may have been lost
+        std::unique_ptr<OpenFolder> open;
         std::optional<std::vector<std::string>> names;
         std::size_t next = 0;
     };
@@ -70,10 +71,10 @@ private:
     bool LookAtDirty();
     bool ContinueScan();
     void StartScan(Scan &scan);
-    void LookAt(const Dirty &name, const Scan *scan);
+    void LookAt(const Dirty &name, const OpenFolder &open, const Scan *scan);
     bool Postpone(const Dirty &name, const FileState &state, FileTime now);
     bool BuryUnlinked();
-    bool StartWatching(const std::shared_ptr<KnownFolder> &folder);
+    bool StartWatching(const std::shared_ptr<KnownFolder> &folder, const OpenFolder &open);
     void StopWatching(KnownFolder &folder);
     void SetAlarm();
 
