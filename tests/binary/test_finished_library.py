@@ -106,7 +106,7 @@ class FinishedLibrary(unittest.TestCase):
         self.assertIn("LC_VERSION_MIN_MACOSX 10.6 10.6", dump.load_commands(_LIBRARY))
 
     def test_it_holds_no_path_of_the_machine_that_built_it(self) -> None:
-        for folder in (str(_TREE), str(Path.home()), "/home/", "/tmp/", "/usr/lib/llvm"):
+        for folder in (str(_TREE), "/home/", "/tmp/", "/usr/lib/llvm"):
             self.assertNotIn(folder.encode(), _LIBRARY.read_bytes())
 
     def test_what_can_be_seen_of_it_is_what_the_golden_file_says(self) -> None:
