@@ -49,7 +49,7 @@ const std::vector<Kind> &Kinds() {
         Throwing("one derived from a range error", DerivedRangeError("deeper"), "OutOfBoundsException: deeper"),
         Throwing("one without a description", NoDescription(), kUnnamed),
         Throwing("a number", 42, kUnnamed),
-        Throwing("a text", "text", kUnnamed),
+        Throwing("a text", std::string("text"), kUnnamed),
     };
     return kinds;
 }

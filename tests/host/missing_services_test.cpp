@@ -37,9 +37,10 @@ Value Shown(Host &host, const Text &text) {
     namespace searchwindow = sim::macos::searchwindow;
     searchwindow::Reset();
     host.GlobalWith("ShotlightQTX", {text});
-    const std::vector<searchwindow::Call> calls = searchwindow::Calls();
+    const auto &calls = searchwindow::Calls();
+    Value shown = calls.empty() || !calls.front().text ? Value() : Value(sim::macos::Utf8(*calls.front().text));
     searchwindow::Reset();
-    return calls.empty() || !calls.front().text ? Value() : Value(sim::macos::Utf8(*calls.front().text));
+    return shown;
 }
 
 std::vector<Value> Scope(const Object &query) {
