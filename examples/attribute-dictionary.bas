@@ -1,7 +1,18 @@
 ' A dictionary of attributes: several attributes of a picture at one stroke.
 
+Sub Main(args() As String)
+  ShowPicture(SpecialFolder.Pictures.Child("holiday.jpg"))
+End Sub
+
 Sub ShowPicture(file As FolderItem)
-  Dim item As New MDItemQTX(file)
+  Dim item As MDItemQTX
+  Try
+    item = New MDItemQTX(file)
+  Catch problem As NilObjectException
+    ' There is no such file, or the system cannot describe it.
+    Print problem.Message
+    Return
+  End Try
 
   Dim names() As String
   names.Append(MDItemQTX.kMDItemPixelWidth)

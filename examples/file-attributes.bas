@@ -1,5 +1,9 @@
 ' Attributes of one file: the well-known ones by their own methods, then the names of all that it has.
 
+Sub Main(args() As String)
+  ShowFile(SpecialFolder.Documents.Child("letter.txt"))
+End Sub
+
 Sub ShowFile(file As FolderItem)
   Dim item As MDItemQTX
   Try

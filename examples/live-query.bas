@@ -1,7 +1,7 @@
 ' Live query: watches a folder for text files and tells what comes, changes and goes.
 '
-' Call StartWatching when your application starts. The events arrive while its main event loop runs, and only as long as
-' the query object lives; that is why it is kept in a global variable.
+' The events arrive while the main event loop runs, and only as long as the query object lives; that is why it is kept in a
+' global variable. Call StopWatching when you have seen enough.
 
 Class TextWatch
   Inherits MDQueryQTX
@@ -35,6 +35,10 @@ Class TextWatch
 End Class
 
 Dim Watch As TextWatch
+
+Sub Main(args() As String)
+  StartWatching(SpecialFolder.Documents)
+End Sub
 
 Sub StartWatching(folder As FolderItem)
   Watch = New TextWatch("kMDItemContentTypeTree == 'public.text'")

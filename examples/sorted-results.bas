@@ -1,5 +1,9 @@
 ' Sorted results: the ten largest files of a folder, then the same files by name.
 
+Sub Main(args() As String)
+  ShowLargest(SpecialFolder.Documents)
+End Sub
+
 Sub ShowLargest(folder As FolderItem)
   ' A query can sort by the attributes that are named when it is made, and by no others.
   Dim noValueLists() As String

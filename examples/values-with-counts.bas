@@ -1,5 +1,9 @@
 ' The values of an attribute with their counts: how many files of each kind a folder holds.
 
+Sub Main(args() As String)
+  CountKinds(SpecialFolder.Documents)
+End Sub
+
 Sub CountKinds(folder As FolderItem)
   ' Value lists are kept only for attributes that are named when the query is made.
   Dim valueLists() As String = Array(MDItemQTX.kMDItemKind)

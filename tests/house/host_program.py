@@ -13,6 +13,7 @@ from collections.abc import Iterable
 from host_types import BOOLEAN, INTEGER, NIL, STRING, VALUE_TYPES, Classes, Member, Type, parameters_of, type_of
 
 _TOKEN = re.compile(r'\s*(?:("(?:[^"]|"")*")|(\d+(?:\.\d+)?)|(\w+)|(<>|<=|>=|[-+*<>=().,]))')
+_SUB = re.compile(r"sub (\w+)\((.*)\)", re.IGNORECASE)
 _COMPARISONS = {"=", "<>", "<", ">", "<=", ">="}
 
 
@@ -128,6 +129,8 @@ class Expression:
             return self.array_of(self.arguments())
         if name in program.variables:
             return program.variables[name]
+        if name in program.subs:
+            return self.call([program.subs[name]], word)
         if name in program.classes.members[""]:
             return self.call(program.classes.members[""][name], word)
         if name in program.classes.members and self.skip("."):
@@ -187,11 +190,16 @@ class Program:
         self.classes = classes
         self.variables = dict(known)
         self.globals: dict[str, Type] = {}
+        self.subs: dict[str, Member] = {}
         self.class_name = ""
         self.routine = False
 
     def problems(self, lines: Iterable[str], first_line: int = 1) -> list[str]:
         """What is wrong, one "line: sentence" each; nothing when all is well."""
+        lines = list(lines)
+        for line in lines:
+            if match := _SUB.fullmatch(without_comment(line)):
+                self.subs[match[1].lower()] = Member(*parameters_of(match[2]))
         found = []
         for number, line in enumerate(lines, first_line):
             try:
@@ -316,7 +324,7 @@ _STATEMENTS = [
         (r"inherits (\w+)", Program.inherits),
         (r"end class", Program.end_class),
         (r"event ((\w+)\((.*)\))", Program.event),
-        (r"sub (\w+)\((.*)\)", Program.begin_routine),
+        (_SUB.pattern, Program.begin_routine),
         (r"end (?:sub|event)", Program.end_routine),
         (r"([\w.]+) = (.+)", Program.set),
     ]

@@ -84,10 +84,10 @@ _HOST = {
     "date": ["Year as Integer", "Month as Integer", "Day as Integer"],
     "dictionary": ["HasKey(key as Variant) as Boolean", "Value(key as Variant) as Variant"],
     "folderitem": ["Child(name as String) as FolderItem"],
-    "specialfolder": ["Documents as FolderItem"],
+    "specialfolder": ["Documents as FolderItem", "Pictures as FolderItem"],
     "variant": ["StringValue as String"],
     "nilobjectexception": ["Message as String"],
-    "": ["Str(value as Double) as String", "Replace(text as String, old as String, new as String) as String"],
+    "": ["Str(value as Double) as String", "ReplaceAll(text as String, old as String, new as String) as String"],
 }
 
 
