@@ -1,5 +1,5 @@
-"""The last step of the build: marks the weak imports, which the linker records as strong, and refuses a library that
-would not load or that would run wild. Nothing moves in the file; only flags change."""
+"""The last step of the build: refuses a library that would not load or that would run wild, marks the weak imports, which
+the linker records as strong, and completes the header. Nothing moves in the file."""
 
 from __future__ import annotations
 
@@ -7,6 +7,7 @@ import argparse
 import os
 from pathlib import Path
 
+from header import complete_header, header_faults
 from image import Image, ImageError, read_image
 from imports import Library, imports_by_name, read_lists
 
@@ -19,7 +20,9 @@ _REFUSED_SECTIONS = ("__stubs", "__stub_helper", "__la_symbol_ptr", "__pointers"
 
 def faults(image: Image, libraries: list[Library], export: str) -> list[str]:
     """Everything that is wrong with the library, one sentence each."""
-    found = []
+    found = header_faults(image)
+    # The linker puts them anywhere, with their zeros in the file; loaders and tools expect them last in a segment.
+    found += [f"{section} is filled with zeros" for section in image.zero_filled]
     for section in image.sections:
         if section.split(",")[1] in _REFUSED_SECTIONS:
             found.append(f"there is a section {section}")
@@ -44,16 +47,22 @@ def faults(image: Image, libraries: list[Library], export: str) -> list[str]:
     return found
 
 
-def with_weak_imports(image: Image, libraries: list[Library]) -> bytes:
-    """The library's bytes with the weak flags of its lists in the binds and in the symbol table."""
+def mark_weak_imports(image: Image, libraries: list[Library], data: bytearray) -> None:
+    """Sets the weak flags of the lists in `data`, the bytes of `image`: in the binds and in the symbol table."""
     imports = imports_by_name(libraries)
-    data = bytearray(image.data)
     for bind in image.binds:
         if imports[bind.symbol].is_weak:
             data[bind.flags_at] |= _WEAK_IMPORT_FLAG
     for symbol in image.undefined:
         if imports[symbol.name].is_weak:
             data[symbol.description_at] |= _WEAK_REFERENCE_BIT
+
+
+def finished(image: Image, libraries: list[Library]) -> bytes:
+    """The library as it ships. The header comes last, since it has a digest of everything else."""
+    data = bytearray(image.data)
+    mark_weak_imports(image, libraries, data)
+    complete_header(image, data)
     return bytes(data)
 
 
@@ -76,7 +85,7 @@ def main() -> None:
     # Written beside the target and renamed, so that nobody ever loads half a library.
     arguments.output.parent.mkdir(parents=True, exist_ok=True)
     beside = arguments.output.with_name(f".{arguments.output.name}.{os.getpid()}")
-    beside.write_bytes(with_weak_imports(image, libraries))
+    beside.write_bytes(finished(image, libraries))
     beside.chmod(0o755)
     beside.rename(arguments.output)
 

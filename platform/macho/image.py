@@ -14,7 +14,13 @@ _DYLIB = 6
 _LC_SEGMENT = 0x1
 _LC_SYMTAB = 0x2
 _LC_LOAD_DYLIB = 0xC
+_LC_UUID = 0x1B
+_LC_REEXPORT_DYLIB = 0x8000001F
 _LC_DYLD_INFO_ONLY = 0x80000022
+
+_HEADER_SIZE = 28
+
+_ZERO_FILL_KINDS = (0x1, 0xC)
 
 _N_TYPE_AND_EXTERNAL = 0x0F
 _UNDEFINED_EXTERNAL = 0x01
@@ -45,11 +51,17 @@ class UndefinedSymbol:
 
 @dataclass
 class Image:
-    """What one library says of itself. Library ordinals count from 1."""
+    """What one library says of itself. Library ordinals count from 1. From `commands_end` to `contents_start`, both file
+    offsets, there is room for more load commands."""
 
     data: bytes
+    commands_end: int = 0
+    contents_start: int = 0
+    has_uuid: bool = False
     segments: list[str] = field(default_factory=list)
     sections: list[str] = field(default_factory=list)
+    zero_filled: list[str] = field(default_factory=list)
+    reexported: list[str] = field(default_factory=list)
     libraries: list[str] = field(default_factory=list)
     undefined: list[UndefinedSymbol] = field(default_factory=list)
     binds: list[Bind] = field(default_factory=list)
@@ -60,18 +72,22 @@ class Image:
 
 def read_image(data: bytes) -> Image:
     """Reads a library from its bytes. Raises ImageError when they are not one."""
-    magic, cpu, _, kind, count, _, _ = struct.unpack_from("<7I", data)
+    magic, cpu, _, kind, count, commands_size, _ = struct.unpack_from("<7I", data)
     if (magic, cpu, kind) != (_MAGIC, _I386, _DYLIB):
         raise ImageError("this is no i386 Mach-O library")
-    image = Image(data)
-    offset = 28
+    image = Image(data, commands_end=_HEADER_SIZE + commands_size, contents_start=len(data))
+    offset = _HEADER_SIZE
     for _ in range(count):
         command, size = struct.unpack_from("<2I", data, offset)
         if command == _LC_SEGMENT:
             _read_segment(image, offset)
-        elif command == _LC_LOAD_DYLIB:
+        elif command in (_LC_LOAD_DYLIB, _LC_REEXPORT_DYLIB):
             (name_at,) = struct.unpack_from("<I", data, offset + 8)
             image.libraries.append(_text(data, offset + name_at))
+            if command == _LC_REEXPORT_DYLIB:
+                image.reexported.append(image.libraries[-1])
+        elif command == _LC_UUID:
+            image.has_uuid = True
         elif command == _LC_SYMTAB:
             _read_symbols(image, offset)
         elif command == _LC_DYLD_INFO_ONLY:
@@ -95,6 +111,11 @@ def _read_segment(image: Image, offset: int) -> None:
         start = offset + 56 + 68 * number
         section, segment = image.data[start : start + 16], image.data[start + 16 : start + 32]
         image.sections.append(f"{_fixed_text(segment)},{_fixed_text(section)}")
+        size, contents_at, _, _, _, flags = struct.unpack_from("<6I", image.data, start + 36)
+        if flags & 0xFF in _ZERO_FILL_KINDS:
+            image.zero_filled.append(image.sections[-1])
+        elif size:
+            image.contents_start = min(image.contents_start, contents_at)
 
 
 def _read_symbols(image: Image, offset: int) -> None:

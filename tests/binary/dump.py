@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 """Writes what can be seen of the finished library from outside, as text to be read and compared: exports, libraries,
-imports, load commands, sections and the property list, without addresses and sizes.
+imports, flags, load commands, sections and the property list, without addresses and sizes.
 
 It asks LLVM's tools and shares nothing with the programs that build the library. After a change that is meant:
 
@@ -54,6 +54,12 @@ def libraries(library: Path) -> list[str]:
     return [line.strip() for line in objdump(library, "--dylibs-used").splitlines()[1:]]
 
 
+def header_flags(library: Path) -> list[str]:
+    """The flags in the header."""
+    header = objdump(library, "--private-headers").split("Load command 0")[0]
+    return header.splitlines()[-1].split()[7:]
+
+
 def load_commands(library: Path) -> list[str]:
     """The kinds of the load commands in their order; a segment with its protection, a version with its number."""
     found = []
@@ -62,6 +68,14 @@ def load_commands(library: Path) -> list[str]:
         details = [fields[key] for key in ("segname", "maxprot", "initprot", "version", "sdk") if key in fields]
         found.append(" ".join([fields["cmd"], *details]))
     return found
+
+
+def uuid(library: Path) -> str:
+    """The UUID that crash reports call it by."""
+    found = re.search(r"^ *uuid (\S+)$", objdump(library, "--private-headers"), re.MULTILINE)
+    if found is None:
+        raise ValueError("there is no UUID")
+    return found[1]
 
 
 def sections(library: Path) -> list[str]:
@@ -88,6 +102,7 @@ def dump(library: Path) -> str:
     chapters = {
         "exports": exports(library),
         "libraries": libraries(library),
+        "header flags": header_flags(library),
         "load commands": load_commands(library),
         "sections": sections(library),
         "property list": properties,

@@ -102,6 +102,24 @@ class FinishedLibrary(unittest.TestCase):
         self.assertRegex(properties["CFBundleGetInfoString"], r"15\.5.*Spotlight.*MacOSX.*\d+")
         self.assertTrue(properties["NSHumanReadableCopyright"])
 
+    def test_its_source_version_is_15_5(self) -> None:
+        self.assertIn("LC_SOURCE_VERSION 15.5", dump.load_commands(_LIBRARY))
+
+    def test_it_says_that_it_hands_no_other_library_on(self) -> None:
+        # The platform's linker takes no library of this age without the flag.
+        self.assertIn("NO_REEXPORTED_DYLIBS", dump.header_flags(_LIBRARY))
+        self.assertNotIn("LC_REEXPORT_DYLIB", dump.load_commands(_LIBRARY))
+
+    def test_it_has_a_uuid(self) -> None:
+        self.assertRegex(dump.uuid(_LIBRARY), r"^[0-9A-F]{8}-[0-9A-F]{4}-5[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}$")
+
+    def test_sections_filled_with_zeros_come_last_in_their_segment(self) -> None:
+        kinds: dict[str, list[bool]] = {}
+        for line in dump.sections(_LIBRARY):
+            kinds.setdefault(line.split(",")[0], []).append("ZEROFILL" in line)
+        for filled in kinds.values():
+            self.assertEqual(filled, sorted(filled))
+
     def test_it_runs_on_the_oldest_system(self) -> None:
         self.assertIn("LC_VERSION_MIN_MACOSX 10.6 10.6", dump.load_commands(_LIBRARY))
 

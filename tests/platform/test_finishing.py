@@ -2,10 +2,12 @@
 
 from __future__ import annotations
 
+import struct
 import unittest
 from dataclasses import replace
 
-from finish import faults, with_weak_imports
+from finish import faults, finished, mark_weak_imports
+from header import complete_header
 from image import Bind, Image, ImageError, UndefinedSymbol, read_image
 from imports import Import, Library
 
@@ -15,6 +17,8 @@ _LIBRARIES = [_OLD, _YOUNG]
 
 _GOOD = Image(
     data=bytes(8),
+    commands_end=72,
+    contents_start=96,
     segments=["__TEXT", "__DATA"],
     sections=["__TEXT,__text", "__DATA,__data"],
     libraries=["/usr/lib/libOld.dylib", "/usr/lib/libYoung.dylib"],
@@ -61,13 +65,60 @@ class Finishing(unittest.TestCase):
     def test_lazy_binds_are_refused(self) -> None:
         self.assertEqual(self.found(lazy_bind_size=12), ["there are lazy binds"])
 
+    def test_sections_filled_with_zeros_are_refused(self) -> None:
+        self.assertEqual(self.found(zero_filled=["__DATA,__bss"]), ["__DATA,__bss is filled with zeros"])
+
+    def test_a_library_that_hands_others_on_is_refused(self) -> None:
+        self.assertEqual(self.found(reexported=["/usr/lib/libOld.dylib"]), ["/usr/lib/libOld.dylib is handed on"])
+
+    def test_a_header_without_room_for_a_uuid_or_with_one_is_refused(self) -> None:
+        self.assertEqual(self.found(contents_start=95), ["there is no room for one more load command"])
+        self.assertEqual(self.found(has_uuid=True), ["there is a UUID already"])
+
     def test_only_the_flags_of_weak_symbols_change(self) -> None:
-        data = with_weak_imports(_GOOD, _LIBRARIES)
+        data = bytearray(_GOOD.data)
+        mark_weak_imports(_GOOD, _LIBRARIES, data)
         self.assertEqual(data, bytes([0, 0x01, 0, 0, 0, 0, 0x40, 0]))
 
     def test_a_file_that_is_no_i386_library_is_refused(self) -> None:
         with self.assertRaises(ImageError):
             read_image(b"\x7fELF" + bytes(60))
+
+
+# A header of one load command that says nothing, room for another, and contents.
+_COMMAND = struct.pack("<2I36x", 0, 44)
+_FILE = struct.pack("<7I", 0xFEEDFACE, 7, 3, 6, 1, len(_COMMAND), 0x85) + _COMMAND + bytes(24) + b"contents"
+
+
+class Header(unittest.TestCase):
+    def completed(self, contents: bytes) -> bytes:
+        image = read_image(contents)
+        data = bytearray(contents)
+        complete_header(image, data)
+        return bytes(data)
+
+    def test_a_load_command_is_added_and_a_flag_set_and_nothing_else_changes(self) -> None:
+        data = self.completed(_FILE)
+        self.assertEqual(struct.unpack_from("<3I", data, 16), (2, len(_COMMAND) + 24, 0x100085))
+        self.assertEqual(struct.unpack_from("<2I", data, 72), (0x1B, 24))
+        self.assertEqual(data[:16] + _FILE[16:28] + data[28:72] + bytes(24) + data[96:], _FILE)
+        self.assertTrue(read_image(data).has_uuid)
+
+    def test_the_same_contents_have_the_same_uuid_and_any_other_contents_another(self) -> None:
+        uuids = [self.completed(_FILE)[80:96], self.completed(_FILE)[80:96]]
+        self.assertEqual(uuids[0], uuids[1])
+        for place in (24, 40, len(_FILE) - 1):
+            other = bytearray(_FILE)
+            other[place] ^= 0x02
+            uuids.append(self.completed(bytes(other))[80:96])
+        self.assertEqual(len(set(uuids)), 4)
+
+    def test_the_uuid_knows_whether_an_import_is_weak(self) -> None:
+        data = _FILE + bytes(8)
+        at = len(_FILE)
+        strong = replace(read_image(data), binds=[Bind("_old", 1, 1, at)])
+        weak = replace(strong, binds=[Bind("_young", 2, 1, at)])
+        self.assertNotEqual(finished(strong, _LIBRARIES)[80:96], finished(weak, _LIBRARIES)[80:96])
 
 
 if __name__ == "__main__":
