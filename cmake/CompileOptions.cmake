@@ -6,7 +6,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 option(SPOTLIGHT_SANITIZE "Build with AddressSanitizer, UndefinedBehaviorSanitizer and leak checks" OFF)
 option(SPOTLIGHT_FUZZ "Build code that tells a fuzzer where it was" OFF)
-option(SPOTLIGHT_COVERAGE "Build code that counts how often it ran" OFF)
+option(SPOTLIGHT_COVERAGE "Build the product with code that counts how often it ran" OFF)
 
 add_compile_options(-m32 -msse2 -mfpmath=sse -fno-omit-frame-pointer)
 set(SPOTLIGHT_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Werror)
@@ -22,9 +22,4 @@ endif()
 
 if(SPOTLIGHT_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
-endif()
-
-if(SPOTLIGHT_COVERAGE)
-  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
-  add_link_options(-fprofile-instr-generate)
 endif()

@@ -9,6 +9,6 @@ function(add_python_tests prefix)
       COMMAND /usr/bin/python3 -B -m unittest --verbose ${file}
       WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
     set_tests_properties("${prefix}: ${name}" PROPERTIES ENVIRONMENT
-      "PYTHONPATH=${CMAKE_SOURCE_DIR}/platform/macho;SOURCE_TREE=${CMAKE_SOURCE_DIR};DYLIB=${SPOTLIGHT_DYLIB}")
+      "PYTHONPATH=${CMAKE_SOURCE_DIR}/platform/macho:${CMAKE_SOURCE_DIR}/tests/support;SOURCE_TREE=${CMAKE_SOURCE_DIR};DYLIB=${SPOTLIGHT_DYLIB}")
   endforeach()
 endfunction()

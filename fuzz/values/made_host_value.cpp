@@ -54,7 +54,7 @@ Object MakeDate(Making &making, Host &host) {
     const int32_t year = kind % 4 ? 1900 + input.Take<uint8_t>() : input.Take<int32_t>();
     const auto field = [&] { return kind % 4 ? int32_t{input.Take<int8_t>()} : input.Take<int32_t>(); };
     const int32_t month = field(), day = field(), hour = field(), minute = field(), second = field();
-    const Object date = host.NewDate({year, month, day, hour, minute, second});
+    Object date = host.NewDate({year, month, day, hour, minute, second});
     if (kind == 0xFF)
         date.MakeDateUnreadable();
     return date;
@@ -62,7 +62,7 @@ Object MakeDate(Making &making, Host &host) {
 
 Object MakeBlock(Input &input, Host &host) {
     const std::string bytes = MakeBytes(input);
-    const Object block = host.NewMemoryBlock(bytes);
+    Object block = host.NewMemoryBlock(bytes);
     const auto lie = input.Take<uint8_t>();
     if (lie == 1)
         block.ReportSize(input.Take<int32_t>() | INT32_MIN);
@@ -117,14 +117,14 @@ Object MakeArray(Making &making, Host &host) {
                                          "boolean", "integer", "int64",   "single", "double"};
     const std::string_view type = making.input.Choose(kTypes);
     making.isUnstable |= type == "integer" || type == "int64" || type == "single" || type == "double";
-    const Object array = host.NewArray(type);
+    Object array = host.NewArray(type);
     for (int left = making.input.Take<uint8_t>() % 6; left > 0 && making.budget > 0; left--)
         array.Append(ElementFor(type, making, host));
     return array;
 }
 
 Object MakeDictionary(Making &making, Host &host) {
-    const Object dictionary = host.NewDictionary();
+    Object dictionary = host.NewDictionary();
     for (int left = making.input.Take<uint8_t>() % 6; left > 0 && making.budget > 0; left--) {
         const Value key = MakeHostValue(making, host);
         dictionary.Store(key, MakeHostValue(making, host));
@@ -168,7 +168,7 @@ Value MakeHostValue(Making &making, Host &host) {
     if (kind < 4 || !making.MayNest())
         return MakeSimpleHostValue(making, host);
     making.depth++;
-    const Value value = kind < 6 ? MakeArray(making, host) : MakeDictionary(making, host);
+    Value value = kind < 6 ? MakeArray(making, host) : MakeDictionary(making, host);
     making.depth--;
     return value;
 }

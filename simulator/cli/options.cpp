@@ -148,35 +148,4 @@ Options ReadOptions(std::span<const char *const> words) {
     return options;
 }
 
-std::string HelpText() {
-    return R"(usage: ./dev run [FOLDER] [QUERY] [OPTION...]
-
-Loads the plugin into a stand-in host on a stand-in macOS and runs a live Spotlight
-query over the real files of FOLDER: its events as they arrive, a table of what was
-found, and then every change until Ctrl-C.
-
-  FOLDER              where to look; /etc when nothing is given
-  QUERY               what for; every file when only a folder is given
-
-  --once              end after the query has finished gathering
-  --live              stay live even when no terminal watches
-  --limit N           show at most N results, 0 for all (50)
-  --host-version V    be a host of that age: 2011.4, 2013.04, 3000 (2016.1), or none,
-                      a host that does not tell
-  --show FILE         print every attribute of one file
-  --attributes        print the schema: every attribute, its type and its name
-  --plugin LIBRARY    load another build of the plugin
-  --help              this text
-
-Some queries:
-  'kMDItemFSName == "*.png"c'
-  'kMDItemContentTypeTree == "public.text" && kMDItemFSSize > 10000'
-  'kMDItemFSContentChangeDate >= $time.today(-7)'
-  'kMDItemTextContent == "holiday*"cdw'
-
-Without a terminal the output is plain, its fields separated by tabs, and the run ends
-as with --once. Exit code 2 says that the command line was wrong.
-)";
-}
-
 } // namespace sim::cli

@@ -1,8 +1,4 @@
-"""./dev check-sdk compiles the product with the headers of the folder it is given, and with no others.
-
-No real SDK can be had here. The folders are put together from the platform's headers of this tree, arranged as an SDK
-has them.
-"""
+"""./dev check-sdk compiles the product with the headers of the folder it is given, and with no others."""
 
 from __future__ import annotations
 
@@ -12,6 +8,8 @@ import subprocess
 import tempfile
 import unittest
 from pathlib import Path
+
+import made_up_sdk
 
 _TREE = Path(os.environ["SOURCE_TREE"])
 _LIBCXX = Path("/usr/lib/llvm-14/include/c++/v1")
@@ -26,9 +24,7 @@ class CheckSdk(unittest.TestCase):
     def lay_out(self, frameworks: str, include: str) -> None:
         """Arranges the headers of this tree below these two folders."""
         self.frameworks = self.sdk / frameworks
-        for headers in (_TREE / "platform" / "include").iterdir():
-            shutil.copytree(headers, self.frameworks / f"{headers.name}.framework" / "Headers")
-        shutil.copytree(_TREE / "platform" / "libc", self.sdk / include)
+        made_up_sdk.lay_out(_TREE, self.sdk, frameworks, include)
 
     def check(self, *arguments: str) -> subprocess.CompletedProcess[str]:
         command = [str(_TREE / "dev"), "check-sdk", *arguments]

@@ -1,0 +1,95 @@
+"""The gate lets a tree through whose commands all do their work, and no other."""
+
+from __future__ import annotations
+
+import contextlib
+import io
+import os
+import shutil
+import tempfile
+import unittest
+from pathlib import Path
+
+import gate
+
+_TREE = Path(os.environ["SOURCE_TREE"])
+
+# A tree with three commands; each breaks in its own way when it finds a file that says so.
+_DEV = """#!/bin/bash
+home=$(cd "$(dirname "$0")" && pwd)
+case $1 in
+good) [[ ! -f $home/good-is-broken ]] ;;
+format) if [[ -f $home/format-is-broken ]]; then echo >>plugin/main.cpp; fi ;;
+build) mkdir -p "$home/build" && if [[ -f $home/build-is-broken ]]; then echo >>"$home/dev.commands"; fi ;;
+terminal) [[ ! -f $home/terminal-is-broken || ! -t 1 ]] ;;
+test)
+    failed=0
+    [[ ! -f $home/test-is-broken ]] || failed=1
+    echo "$((100 - failed * 10))% tests passed, $failed tests failed out of 10"
+    exit "$failed"
+    ;;
+esac
+"""
+_TABLE = """
+[good]
+right
+[format]
+right
+[build]
+right with {tree} {sdk}
+[test]
+long
+[terminal]
+right
+"""
+
+
+class TheGate(unittest.TestCase):
+    def setUp(self) -> None:
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.tree = Path(temporary.name).resolve() / "tree"
+        for folder in ("platform/include/Carbon", "platform/libc"):
+            (self.tree / folder).mkdir(parents=True)
+        (self.tree / "dev").write_text(_DEV, "utf-8")
+        (self.tree / "dev").chmod(0o755)
+        (self.tree / "dev.commands").write_text(_TABLE, "utf-8")
+
+    def _run(self) -> tuple[int, str]:
+        said = io.StringIO()
+        with contextlib.redirect_stdout(said):
+            code = gate.main(self.tree)
+        return code, said.getvalue()
+
+    def test_it_opens_for_commands_that_work_and_counts_trials_and_tests(self) -> None:
+        code, said = self._run()
+        self.assertEqual(code, 0, said)
+        # Four commands twice, the tests once and with their ten, the commits' subjects.
+        self.assertEqual(said.splitlines()[-1], "20 passed, 0 failed")
+
+    def test_each_broken_command_shuts_it(self) -> None:
+        for command, lines in (("good", 2), ("format", 2), ("build", 2), ("terminal", 1), ("test", 1)):
+            with self.subTest(command=command):
+                mark = self.tree / f"{command}-is-broken"
+                mark.touch()
+                code, said = self._run()
+                mark.unlink()
+                self.assertEqual(code, 1, said)
+                failed = [line for line in said.splitlines() if line.startswith("FAILED")]
+                self.assertTrue(all(f"./dev {command}" in line for line in failed), said)
+                self.assertEqual(len(failed), lines, said)
+                self.assertRegex(said.splitlines()[-1], r"\A\d+ passed, [1-9]\d* failed\Z")
+
+    def test_the_next_run_forgets_what_was_mended(self) -> None:
+        (self.tree / "good-is-broken").touch()
+        self.assertEqual(self._run()[0], 1)
+        (self.tree / "good-is-broken").unlink()
+        self.assertEqual(self._run()[0], 0)
+
+    def test_the_table_of_this_tree_is_understood(self) -> None:
+        shutil.copy(_TREE / "dev.commands", self.tree / "dev.commands")
+        self.assertIn("./dev check-sdk", self._run()[1])
+
+
+if __name__ == "__main__":
+    unittest.main()
