@@ -176,8 +176,10 @@ class Expression:
             member = self.words.pop(0)
             if found is None:
                 raise Problem(f"nothing has no {member}")
-            if found.is_array and member.lower() == "append":
-                found = self.call([Member((found.element(),), 1)], member)
+            if found.is_array and member.lower() in ("append", "indexof", "ubound"):
+                forms = {"append": Member((found.element(),), 1), "indexof": Member((found.element(),), 1, INTEGER),
+                         "ubound": Member(result=INTEGER)}
+                found = self.call([forms[member.lower()]], member)
                 continue
             members = {} if found.is_array else self.program.classes.members.get(found.name, {})
             forms = [form for form in members.get(member.lower(), []) if not form.is_shared]

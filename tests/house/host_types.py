@@ -82,12 +82,15 @@ def member_of(declaration: str, *, is_shared: bool = False, can_be_set: bool = F
 # Of the host itself: its classes and its functions.
 _HOST = {
     "date": ["Year as Integer", "Month as Integer", "Day as Integer"],
-    "dictionary": ["HasKey(key as Variant) as Boolean", "Value(key as Variant) as Variant"],
-    "folderitem": ["Child(name as String) as FolderItem"],
+    "dictionary": ["Count as Integer", "HasKey(key as Variant) as Boolean", "Value(key as Variant) as Variant"],
+    "folderitem": ["Child(name as String) as FolderItem", "Delete"],
     "specialfolder": ["Documents as FolderItem", "Pictures as FolderItem"],
     "variant": ["StringValue as String"],
     "nilobjectexception": ["Message as String"],
-    "": ["Str(value as Double) as String", "ReplaceAll(text as String, old as String, new as String) as String"],
+    "outofboundsexception": ["Message as String"],
+    "runtimeexception": ["Message as String"],
+    "": ["Str(value as Double) as String", "ReplaceAll(text as String, old as String, new as String) as String",
+         "Right(text as String, count as Integer) as String", "Quit"],
 }
 
 

@@ -9,16 +9,15 @@ from pathlib import Path
 
 from host_program import Program
 from host_types import Classes, Type
-from pages import blocks
+from snippets import snippets
 
 TREE = Path(os.environ["SOURCE_TREE"])
 
-# What a piece of code in the reference may take for granted.
+# What the lines of the tests below take for granted.
 KNOWN = {
     "query": Type("mdqueryqtx"),
     "self": Type("mdqueryqtx"),
     "item": Type("mditemqtx"),
-    "field": Type("string"),
 }
 
 
@@ -33,13 +32,12 @@ class HostPrograms(unittest.TestCase):
             with self.subTest(path.name):
                 self.assertEqual(Program(Classes(TREE), {}).problems(path.read_text("utf-8").splitlines()), [])
 
-    def test_every_piece_of_code_in_the_reference_does_so_too(self) -> None:
-        for path in sorted((TREE / "docs/reference").glob("*.md")):
-            for block in blocks(path.read_text("utf-8")):
-                if block.kind == "basic":
-                    with self.subTest(path.name):
-                        found = Program(Classes(TREE), KNOWN).problems(block.lines, block.first_line)
-                        self.assertEqual(found, [])
+    def test_every_piece_of_code_on_the_pages_does_so_too(self) -> None:
+        for path in sorted([TREE / "README.md", *(TREE / "docs/reference").glob("*.md")]):
+            for snippet in snippets(path.read_text("utf-8")):
+                with self.subTest(path.name, line=snippet.block.first_line):
+                    first_line = snippet.block.first_line - len(snippet.prepared)
+                    self.assertEqual(Program(Classes(TREE), {}).problems(snippet.lines(), first_line), [])
 
     def test_every_example_is_listed_beside_the_examples(self) -> None:
         listed = (TREE / "examples/README.md").read_text("utf-8")
