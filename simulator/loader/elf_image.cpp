@@ -2,7 +2,6 @@
 
 #include "simulator/loader/elf_imports.h"
 #include "simulator/loader/load_error.h"
-#include "simulator/loader/static_data.h"
 
 #include <cerrno>
 #include <cstring>
@@ -30,9 +29,22 @@ int DescriptorHolding(std::span<const uint8_t> bytes, std::string_view file) {
     return descriptor;
 }
 
+// Whether clang's instrumentation for coverage put its section there.
+bool HasCounters(std::span<const uint8_t> bytes) {
+    constexpr std::string_view kSection = "__llvm_prf_cnts";
+    return memmem(bytes.data(), bytes.size(), kSection.data(), kSection.size()) != nullptr;
+}
+
+ElfW(Addr) PageOf(ElfW(Addr) address) { return address & ~static_cast<ElfW(Addr)>(getpagesize() - 1); }
+
+int ProtectionOf(ElfW(Word) flags) {
+    return (flags & PF_R ? PROT_READ : 0) | (flags & PF_W ? PROT_WRITE : 0) | (flags & PF_X ? PROT_EXEC : 0);
+}
+
 } // namespace
 
-ElfImage::ElfImage(std::span<const uint8_t> bytes, std::string_view file, const std::set<std::string> &absent) {
+ElfImage::ElfImage(std::span<const uint8_t> bytes, std::string_view file, const std::set<std::string> &absent)
+    : counts_(HasCounters(bytes)) {
     std::vector<uint8_t> copy(bytes.begin(), bytes.end());
     HideImports(copy, absent, file);
     descriptor_ = DescriptorHolding(copy, file);
@@ -45,42 +57,79 @@ ElfImage::ElfImage(std::span<const uint8_t> bytes, std::string_view file, const 
         close(descriptor_);
         throw LoadError(file, reason.starts_with(path + ": ") ? reason.substr(path.size() + 2) : reason);
     }
+    FindSegments();
 }
 
 ElfImage::~ElfImage() {
-    for (const auto &data : StaticData())
-        KeepReachable(data);
+    if (resting_)
+        Wake();
+    staticData_->KeepReachable();
     dlclose(handle_);
     close(descriptor_);
 }
 
+void ElfImage::Rest() {
+    staticData_->Restore();
+    Protect(false);
+    resting_ = true;
+}
+
+void ElfImage::Wake() {
+    Protect(true);
+    resting_ = false;
+}
+
 void *ElfImage::Find(const std::string &name) const { return dlsym(handle_, name.c_str()); }
 
-std::vector<std::span<uint8_t>> ElfImage::StaticData() const {
+void ElfImage::FindSegments() {
     const link_map *map = nullptr;
     dlinfo(handle_, RTLD_DI_LINKMAP, &map);
-    std::vector<std::span<uint8_t>> result;
-    const auto collect = [&](const dl_phdr_info &info) {
-        for (unsigned i = 0; i < info.dlpi_phnum; ++i) {
-            const ElfW(Phdr) &segment = info.dlpi_phdr[i];
-            if (segment.p_type == PT_LOAD && (segment.p_flags & PF_W))
-                result.emplace_back(reinterpret_cast<uint8_t *>(info.dlpi_addr + segment.p_vaddr), segment.p_memsz);
-        }
-    };
     struct Search {
         const link_map *map;
-        const decltype(collect) *found;
-    } search{map, &collect};
+        ElfImage *image;
+    } search{map, this};
     dl_iterate_phdr(
         [](dl_phdr_info *info, size_t, void *context) {
             const auto *wanted = static_cast<Search *>(context);
             if (info->dlpi_addr != wanted->map->l_addr)
                 return 0;
-            (*wanted->found)(*info);
+            wanted->image->AddSegments(*info);
             return 1;
         },
         &search);
-    return result;
+}
+
+void ElfImage::AddSegments(const dl_phdr_info &info) {
+    const std::span segments(info.dlpi_phdr, info.dlpi_phnum);
+    // What only relocation writes to is read-only by now.
+    ElfW(Addr) relocatedBegin = 0;
+    ElfW(Addr) relocatedEnd = 0;
+    for (const ElfW(Phdr) & segment : segments)
+        if (segment.p_type == PT_GNU_RELRO) {
+            relocatedBegin = PageOf(segment.p_vaddr);
+            relocatedEnd = PageOf(segment.p_vaddr + segment.p_memsz);
+        }
+    std::vector<std::span<uint8_t>> data;
+    for (const ElfW(Phdr) & segment : segments) {
+        if (segment.p_type != PT_LOAD || !(segment.p_flags & (PF_W | PF_X)))
+            continue;
+        ElfW(Addr) begin = PageOf(segment.p_vaddr);
+        const ElfW(Addr) end = segment.p_vaddr + segment.p_memsz;
+        if (begin >= relocatedBegin && begin < relocatedEnd)
+            begin = relocatedEnd;
+        if (begin >= end)
+            continue;
+        auto *const first = reinterpret_cast<uint8_t *>(info.dlpi_addr + begin);
+        pages_.push_back({first, end - begin, ProtectionOf(segment.p_flags)});
+        if (segment.p_flags & PF_W)
+            data.emplace_back(first, end - begin);
+    }
+    staticData_.emplace(std::move(data));
+}
+
+void ElfImage::Protect(bool accessible) const {
+    for (const Pages &pages : pages_)
+        mprotect(pages.begin, pages.size, accessible ? pages.protection : PROT_NONE);
 }
 
 } // namespace sim::loader

@@ -69,10 +69,12 @@ uint32_t MappedImage::ReadWord(uint32_t address) const {
 }
 
 void MappedImage::Protect() const {
-    mprotect(memory_, size_, PROT_NONE); // gaps between segments belong to nobody
+    Forbid(); // gaps between segments belong to nobody
     for (const Extent &extent : extents_)
         mprotect(memory_ + extent.offset, WholePages(extent.size), extent.protection);
 }
+
+void MappedImage::Forbid() const { mprotect(memory_, size_, PROT_NONE); }
 
 std::vector<std::span<uint8_t>> MappedImage::StaticData() const {
     std::vector<std::span<uint8_t>> result;

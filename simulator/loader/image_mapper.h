@@ -30,6 +30,8 @@ public:
 
     // Gives every segment its own protection. Nothing outside the writable ones may be written from here on.
     void Protect() const;
+    // Takes every access away, until Protect.
+    void Forbid() const;
 
     // The memory of the segments that stay writable: the image's static data.
     std::vector<std::span<uint8_t>> StaticData() const;

@@ -3,7 +3,6 @@
 #include "simulator/loader/binder.h"
 #include "simulator/loader/image_reader.h"
 #include "simulator/loader/macho_format.h"
-#include "simulator/loader/static_data.h"
 
 #include <algorithm>
 #include <array>
@@ -32,17 +31,40 @@ MachOImage::MachOImage(std::span<const uint8_t> bytes, std::string_view file, co
     if (const Section *frames = image_.FindSection("__TEXT", "__eh_frame"))
         unwind_.emplace(std::span<const uint8_t>(mapped_.At(frames->address), frames->size), file);
     mapped_.Protect();
-    for (const auto &data : mapped_.StaticData())
-        BeginLeakRoot(data);
-    ForEachFunction(macho::kSectionInitialisers, [](Initialiser initialise) { initialise(); });
+    staticData_.emplace(mapped_.StaticData());
+    Begin();
 }
 
 MachOImage::~MachOImage() {
+    if (resting_)
+        return;
+    End();
+    staticData_->KeepReachable();
+}
+
+void MachOImage::Begin() {
+    for (const auto &part : staticData_->Parts())
+        BeginLeakRoot(part);
+    ForEachFunction(macho::kSectionInitialisers, [](Initialiser initialise) { initialise(); });
+}
+
+void MachOImage::End() {
     ForEachFunction(macho::kSectionTerminators, [](Initialiser terminate) { terminate(); });
-    for (const auto &data : mapped_.StaticData()) {
-        KeepReachable(data);
-        EndLeakRoot(data);
-    }
+    for (const auto &part : staticData_->Parts())
+        EndLeakRoot(part);
+}
+
+void MachOImage::Rest() {
+    End();
+    staticData_->Restore();
+    mapped_.Forbid();
+    resting_ = true;
+}
+
+void MachOImage::Wake() {
+    mapped_.Protect();
+    resting_ = false;
+    Begin();
 }
 
 void *MachOImage::Find(const std::string &name) const {

@@ -5,6 +5,7 @@
 #include "simulator/loader/image.h"
 #include "simulator/loader/image_mapper.h"
 #include "simulator/loader/library.h"
+#include "simulator/loader/static_data.h"
 #include "simulator/loader/unwind_table.h"
 
 #include <optional>
@@ -25,6 +26,13 @@ public:
     MachOImage &operator=(const MachOImage &) = delete;
     ~MachOImage(); // runs the terminators and takes everything away
 
+    static bool CanRest() { return true; }
+    // Between uses: ends this one as the destructor does, with static data as it was at first and all memory out of
+    // reach, so that whoever still holds an address of the image is caught.
+    void Rest();
+    // Begins the next use as the constructor does.
+    void Wake();
+
     // The address of an export by its C name, or null.
     void *Find(const std::string &name) const;
 
@@ -34,11 +42,15 @@ public:
 private:
     using Initialiser = void (*)();
 
+    void Begin();
+    void End();
     void ForEachFunction(uint32_t sectionType, void (*call)(Initialiser)) const;
 
     Image image_;
     MappedImage mapped_;
     std::optional<UnwindRegistration> unwind_;
+    std::optional<StaticData> staticData_;
+    bool resting_ = false;
 };
 
 } // namespace sim::loader

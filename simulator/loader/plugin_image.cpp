@@ -4,9 +4,12 @@
 #include "simulator/loader/macho_image.h"
 
 #include <cerrno>
+#include <compare>
 #include <cstring>
 #include <elf.h>
 #include <fstream>
+#include <map>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -24,6 +27,25 @@ std::vector<uint8_t> ReadFile(const std::filesystem::path &path) {
     if (!stream)
         throw LoadError(path.string(), "cannot be read");
     return bytes;
+}
+
+// What changes when a file is written anew.
+struct FileState {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    time_t seconds = 0;
+    long nanoseconds = 0;
+
+    auto operator<=>(const FileState &) const = default;
+};
+
+// All zero when there is no such file.
+FileState StateOf(const std::filesystem::path &path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
 bool IsElf(const std::vector<uint8_t> &bytes) {
@@ -47,6 +69,9 @@ public:
 
     virtual void *Find(const std::string &name) const = 0;
     virtual std::string Describe(const void *address) const = 0;
+    virtual bool CanRest() const = 0;
+    virtual void Rest() = 0;
+    virtual void Wake() = 0;
 };
 
 template <class Image> class PluginImage::KindOf : public Kind {
@@ -56,24 +81,68 @@ public:
 
     void *Find(const std::string &name) const override { return image_.Find(name); }
     std::string Describe(const void *address) const override { return image_.Describe(address); }
+    bool CanRest() const override { return image_.CanRest(); }
+    void Rest() override { image_.Rest(); }
+    void Wake() override { image_.Wake(); }
 
 private:
     Image image_;
+};
+
+// Keeps one image of a file while nobody uses it.
+class PluginImage::Lender {
+public:
+    static Lender &Of(const std::filesystem::path &path) {
+        Kind::Living(); // is to outlive the images kept here
+        static std::map<std::pair<std::filesystem::path, FileState>, Lender> lenders;
+        return lenders[{path, StateOf(path)}];
+    }
+
+    // The image in its first state, or null when it is lent already or there never was one.
+    std::unique_ptr<Kind> Lend() {
+        if (idle_)
+            idle_->Wake();
+        return std::move(idle_);
+    }
+
+    void TakeBack(std::unique_ptr<Kind> kind) {
+        if (idle_ || !kind->CanRest())
+            return; // it goes as any other
+        kind->Rest();
+        idle_ = std::move(kind);
+    }
+
+private:
+    std::unique_ptr<Kind> idle_;
 };
 
 PluginImage PluginImage::Load(const std::filesystem::path &path, const LoadOptions &options) {
     const std::vector<uint8_t> bytes = ReadFile(path);
     const std::string file = path.string();
     if (IsElf(bytes))
-        return {path, std::make_unique<KindOf<ElfImage>>(bytes, file, options.absentSymbols)};
-    return {path, std::make_unique<KindOf<MachOImage>>(bytes, file, options.openLibrary, options.absentSymbols)};
+        return {path, std::make_unique<KindOf<ElfImage>>(bytes, file, options.absentSymbols), nullptr};
+    return {path, std::make_unique<KindOf<MachOImage>>(bytes, file, options.openLibrary, options.absentSymbols),
+            nullptr};
 }
 
-PluginImage::PluginImage(std::filesystem::path path, std::unique_ptr<Kind> kind)
-    : path_(std::move(path)), kind_(std::move(kind)) {}
+PluginImage PluginImage::Borrow(const std::filesystem::path &path, const LibraryOpener &openLibrary) {
+    Lender &lender = Lender::Of(path);
+    if (auto kind = lender.Lend())
+        return {path, std::move(kind), &lender};
+    PluginImage image = Load(path, {.openLibrary = openLibrary});
+    image.lender_ = &lender;
+    return image;
+}
+
+PluginImage::PluginImage(std::filesystem::path path, std::unique_ptr<Kind> kind, Lender *lender)
+    : path_(std::move(path)), kind_(std::move(kind)), lender_(lender) {}
+
 PluginImage::PluginImage(PluginImage &&) noexcept = default;
-PluginImage &PluginImage::operator=(PluginImage &&) noexcept = default;
-PluginImage::~PluginImage() = default;
+
+PluginImage::~PluginImage() {
+    if (kind_ && lender_)
+        lender_->TakeBack(std::move(kind_));
+}
 
 PluginImage::EntryPointFunction PluginImage::EntryPoint() const {
     void *address = Find("REALPluginMain");

@@ -1,5 +1,6 @@
 // A plugin loaded into this process, whichever kind of file it comes from: the i386 Mach-O library that ships, or the
-// same sources built as a shared library of this system. Every load is a fresh copy with fresh static data.
+// same sources built as a shared library of this system. However it got here, its static data is its own and in its
+// first state.
 #pragma once
 
 #include "simulator/loader/library.h"
@@ -25,12 +26,16 @@ public:
     using Resolver = Function (*)(const char *name);
     using EntryPointFunction = void (*)(Resolver resolver);
 
-    // Loads the file, of the kind that its first four bytes tell. Throws LoadError.
+    // Loads a fresh copy of the file, of the kind that its first four bytes tell. Throws LoadError.
     static PluginImage Load(const std::filesystem::path &path, const LoadOptions &options = {});
 
+    // A copy in its first state for less work: one that was borrowed before and given back, if this file has not
+    // changed since, else a fresh one, loaded with `openLibrary`. For plugins none of whose code runs before their
+    // entry point is called.
+    static PluginImage Borrow(const std::filesystem::path &path, const LibraryOpener &openLibrary = OpenStandIn);
+
     PluginImage(PluginImage &&) noexcept;
-    PluginImage &operator=(PluginImage &&) noexcept;
-    // Takes the code away: nobody may be left who could call it.
+    // Takes the code away, or gives it back: nobody may be left who could call it.
     ~PluginImage();
 
     // REALPluginMain. Throws LoadError when the plugin does not export it.
@@ -46,10 +51,13 @@ private:
     class Kind;
     template <class Image> class KindOf;
 
-    PluginImage(std::filesystem::path path, std::unique_ptr<Kind> kind);
+    class Lender;
+
+    PluginImage(std::filesystem::path path, std::unique_ptr<Kind> kind, Lender *lender);
 
     std::filesystem::path path_;
     std::unique_ptr<Kind> kind_;
+    Lender *lender_; // null when it is nobody's
 };
 
 } // namespace sim::loader

@@ -18,11 +18,15 @@ const void *MakeCFString(const host::Text &text) {
                                    static_cast<CFIndex>(text.bytes.size()), text.encoding, false);
 }
 
+loader::PluginImage ImageFor(const SessionOptions &options) {
+    if (options.absentSymbols.empty())
+        return loader::PluginImage::Borrow(options.plugin);
+    return loader::PluginImage::Load(options.plugin, {.absentSymbols = options.absentSymbols});
+}
+
 } // namespace
 
-Session::Session(SessionOptions options)
-    : plugin_(loader::PluginImage::Load(options.plugin, {.absentSymbols = std::move(options.absentSymbols)})),
-      host_(Connected(std::move(options.host))) {
+Session::Session(SessionOptions options) : plugin_(ImageFor(options)), host_(Connected(std::move(options.host))) {
     macos::SetSymboliser(loader::PluginImage::Describe);
     if (options.start)
         Start();

@@ -29,11 +29,11 @@ struct SessionOptions {
 
 class Session {
 public:
-    /// Loads a fresh copy of the plugin and starts it. Throws loader::LoadError.
+    /// Takes a copy of the plugin in its first state and starts it. Throws loader::LoadError.
     explicit Session(SessionOptions options);
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
-    /// Objects and values of the host must be gone. The plugin's code is gone afterwards.
+    /// Objects and values of the host must be gone. The plugin's code is out of reach afterwards.
     ~Session();
 
     host::Host &Host() { return host_; }

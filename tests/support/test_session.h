@@ -1,4 +1,4 @@
-// The fixture of every test that looks at the plugin from outside: a host of a chosen age with a fresh copy of the
+// The fixture of every test that looks at the plugin from outside: a host of a chosen age with a copy of the
 // plugin under test, which is the native build or the library that ships. A test fails at its end when a reference of
 // the host or of the system is out of balance, and says which.
 #pragma once

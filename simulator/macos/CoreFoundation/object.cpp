@@ -45,12 +45,16 @@ Words WordsOf(CFTypeRef cf) {
     return words;
 }
 
+std::string Named(CFTypeID type, const std::string &description) {
+    return TypeName(type) + (description.empty() ? "" : " " + description);
+}
+
 [[noreturn]] void StopForDead(CFTypeRef cf, const char *caller) {
     std::optional<DeadObject> dead = Registry::Instance().Recall(cf);
     if (!dead)
         Stop(std::string(caller) + " was given an object that was released long ago");
-    Stop(std::string(caller) + " was given a dead object: " + dead->what + ", made by " + ToText(dead->made) +
-         ", released for the last time by " + ToText(dead->died));
+    Stop(std::string(caller) + " was given a dead object: " + Named(dead->type, dead->description) + ", made by " +
+         ToText(dead->made) + ", released for the last time by " + ToText(dead->died));
 }
 
 } // namespace
@@ -119,7 +123,7 @@ void Object::Destroy(Object *object) {
 }
 
 void Object::Bury(Object *object) {
-    DeadObject dead{Describe(object->As<CFTypeRef>()), object->made_, TakeTrace()};
+    DeadObject dead{object->serial_, object->TypeID(), object->Description(), object->made_, TakeTrace()};
     void *memory = dynamic_cast<void *>(object);
     object->~Object();
     const Words remains{nullptr, kDead};
@@ -161,8 +165,7 @@ std::string Describe(CFTypeRef cf) {
     if (IsConstantString(cf))
         return "CFString " + ConstantString::Of(cf).Description();
     const auto &object = *static_cast<const Object *>(cf);
-    std::string description = object.Description();
-    return TypeName(object.TypeID()) + (description.empty() ? "" : " " + description);
+    return Named(object.TypeID(), object.Description());
 }
 
 } // namespace sim::macos

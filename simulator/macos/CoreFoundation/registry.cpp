@@ -41,17 +41,18 @@ void Registry::Remove(Object &object) {
 
 void Registry::Remember(void *memory, DeadObject object) {
     std::lock_guard lock(mutex_);
-    dead_.insert_or_assign(memory, std::move(object));
-    burials_.push_back(memory);
+    const DeadObject *last = &graves_.emplace_back(Grave{memory, std::move(object)}).object;
+    dead_.insert_or_assign(memory, last);
     if (SIMULATOR_ADDRESS_SANITIZER)
         ::operator delete(memory);
-    if (burials_.size() <= kRemembered)
+    if (graves_.size() <= kRemembered)
         return;
-    void *oldest = burials_.front();
-    burials_.pop_front();
-    dead_.erase(oldest);
+    const Grave &oldest = graves_.front();
+    if (auto found = dead_.find(oldest.memory); found != dead_.end() && found->second == &oldest.object)
+        dead_.erase(found);
     if (!SIMULATOR_ADDRESS_SANITIZER)
-        ::operator delete(oldest);
+        ::operator delete(oldest.memory);
+    graves_.pop_front();
 }
 
 std::optional<DeadObject> Registry::Recall(CFTypeRef address) {
@@ -59,7 +60,15 @@ std::optional<DeadObject> Registry::Recall(CFTypeRef address) {
     auto found = dead_.find(address);
     if (found == dead_.end())
         return std::nullopt;
-    return found->second;
+    return *found->second;
+}
+
+std::optional<DeadObject> Registry::Recall(std::uint64_t serial) {
+    std::lock_guard lock(mutex_);
+    for (const Grave &grave : graves_)
+        if (grave.object.serial == serial)
+            return grave.object;
+    return std::nullopt;
 }
 
 std::size_t Registry::LiveCount() {
@@ -67,14 +76,13 @@ std::size_t Registry::LiveCount() {
     return count_;
 }
 
-std::vector<ledger::Entry> Registry::LiveObjects() {
+std::vector<ledger::Mark> Registry::LiveObjects() {
     std::lock_guard lock(mutex_);
-    std::vector<ledger::Entry> entries;
-    entries.reserve(count_);
+    std::vector<ledger::Mark> marks;
+    marks.reserve(count_);
     for (Object *object = first_; object; object = object->next_)
-        entries.push_back({object->serial_, object, TypeName(object->TypeID()), object->Description(),
-                           object->retainCount_, object->made_});
-    return entries;
+        marks.push_back({object->serial_, object, object->TypeID(), object->retainCount_, object->made_});
+    return marks;
 }
 
 } // namespace sim::macos

@@ -14,7 +14,9 @@ namespace sim::macos {
 
 /// What is remembered of a dead object.
 struct DeadObject {
-    std::string what; ///< Type and description.
+    std::uint64_t serial;
+    CFTypeID type;
+    std::string description;
     Trace made;
     Trace died;
 };
@@ -29,20 +31,29 @@ public:
     /// Remembers a dead object. The memory stays unused for as long as the object is remembered, so that its address
     /// cannot become another object's meanwhile; under AddressSanitizer it is freed at once, for that has its own way.
     void Remember(void *memory, DeadObject object);
+    /// The object that died last at an address which is no other's since.
     std::optional<DeadObject> Recall(CFTypeRef address);
+    /// Searches all that are remembered, those too whose address is in use again.
+    std::optional<DeadObject> Recall(std::uint64_t serial);
 
     std::size_t LiveCount();
-    std::vector<ledger::Entry> LiveObjects();
+    /// Newest first.
+    std::vector<ledger::Mark> LiveObjects();
 
 private:
+    struct Grave {
+        void *memory;
+        DeadObject object;
+    };
+
     static constexpr std::size_t kRemembered = 16384;
 
     std::mutex mutex_;
     Object *first_ = nullptr;
     std::size_t count_ = 0;
     std::uint64_t lastSerial_ = 0;
-    std::unordered_map<const void *, DeadObject> dead_;
-    std::deque<void *> burials_;
+    std::deque<Grave> graves_; // oldest first
+    std::unordered_map<const void *, const DeadObject *> dead_;
 };
 
 } // namespace sim::macos

@@ -3,6 +3,10 @@
 
 #include "simulator/macos/CoreFoundation/registry.h"
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+
 namespace sim::macos::ledger {
 
 std::string ToText(const Entry &entry) {
@@ -10,28 +14,47 @@ std::string ToText(const Entry &entry) {
            std::to_string(entry.retainCount) + ", made by " + macos::ToText(entry.made);
 }
 
-Snapshot Take() {
-    Snapshot snapshot;
-    for (Entry &entry : Registry::Instance().LiveObjects())
-        snapshot.objects.emplace(entry.serial, std::move(entry));
-    return snapshot;
+namespace {
+
+Entry EntryOf(const Mark &mark, std::string description) {
+    return {mark.serial, mark.object, TypeName(mark.type), std::move(description), mark.retainCount, mark.made};
 }
+
+Entry Living(const Mark &mark) { return EntryOf(mark, static_cast<const Object *>(mark.object)->Description()); }
+
+// Described by what its obituary says; only objects that died very long ago have none any more.
+Entry Gone(const Mark &mark) {
+    const std::optional<DeadObject> dead = Registry::Instance().Recall(mark.serial);
+    return EntryOf(mark, dead ? dead->description : "");
+}
+
+} // namespace
+
+Snapshot Take() { return {Registry::Instance().LiveObjects()}; }
 
 std::size_t LiveCount() { return Registry::Instance().LiveCount(); }
 
 Difference Since(const Snapshot &before) {
     Difference difference;
-    Snapshot now = Take();
-    for (const auto &[serial, entry] : now.objects) {
-        auto known = before.objects.find(serial);
-        if (known == before.objects.end())
-            difference.made.push_back(entry);
-        else if (known->second.retainCount != entry.retainCount)
-            difference.changed.push_back({known->second, entry});
+    const Snapshot now = Take();
+    auto known = before.objects.begin();
+    for (const Mark &mark : now.objects) {
+        for (; known != before.objects.end() && known->serial > mark.serial; ++known)
+            difference.gone.push_back(Gone(*known));
+        if (known == before.objects.end() || known->serial < mark.serial) {
+            difference.made.push_back(Living(mark));
+            continue;
+        }
+        if (known->retainCount != mark.retainCount)
+            difference.changed.push_back({Living(*known), Living(mark)});
+        ++known;
     }
-    for (const auto &[serial, entry] : before.objects)
-        if (!now.objects.contains(serial))
-            difference.gone.push_back(entry);
+    for (; known != before.objects.end(); ++known)
+        difference.gone.push_back(Gone(*known));
+    // The lists come newest first; a reader wants to know what went wrong first.
+    std::ranges::reverse(difference.made);
+    std::ranges::reverse(difference.gone);
+    std::ranges::reverse(difference.changed);
     return difference;
 }
 

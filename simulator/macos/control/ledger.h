@@ -8,7 +8,6 @@
 #include <CoreFoundation/CFBase.h>
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -27,9 +26,18 @@ struct Entry {
 /// "CFString "abc", retain count 1, made by CFStringCreateWithBytes < ..."
 std::string ToText(const Entry &entry);
 
-/// Which objects were alive, by serial number, and how often each was retained. Holds no reference.
+/// What a snapshot keeps of one object: enough to tell whether it changed, and what to call it when it is gone.
+struct Mark {
+    std::uint64_t serial;
+    CFTypeRef object; ///< Borrowed, and perhaps dead.
+    CFTypeID type;
+    CFIndex retainCount;
+    Trace made;
+};
+
+/// Which objects were alive and how often each was retained. Holds no reference and no text, so taking one is cheap.
 struct Snapshot {
-    std::map<std::uint64_t, Entry> objects;
+    std::vector<Mark> objects; ///< Newest first.
 };
 
 Snapshot Take();

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <cxxabi.h>
 #include <dlfcn.h>
 #include <pthread.h>
@@ -57,10 +58,14 @@ std::string NameOf(const void *address) {
     // A return address may be the first byte of the next function: ask for the call before it.
     const char *call = static_cast<const char *>(address) - 1;
     if (__sanitizer_symbolize_pc) {
-        char text[512] = "";
-        __sanitizer_symbolize_pc(const_cast<char *>(call), "%f %s:%l", text, sizeof text);
-        if (text[0] && text[0] != '<' && text[0] != ' ')
-            return text;
+        // One text after the other, the function that was called last: before it stand those inlined into it.
+        char text[2048] = "";
+        __sanitizer_symbolize_pc(const_cast<char *>(call), "%f %s:%l", text, sizeof text - 1);
+        const char *last = text;
+        for (const char *one = text; *one; one += std::strlen(one) + 1)
+            last = one;
+        if (*last && *last != '<' && *last != ' ')
+            return last;
     }
     Dl_info info{};
     if (dladdr(call, &info) != 0) {

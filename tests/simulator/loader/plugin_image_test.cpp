@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fstream>
 #include <stdexcept>
+#include <sys/wait.h>
 #include <typeinfo>
 #include <unistd.h>
 
@@ -68,6 +69,20 @@ template <class Work> void OnBoth(Work work) {
     }
 }
 
+class TemporaryFile {
+public:
+    explicit TemporaryFile(const Bytes &bytes) {
+        path_ = (std::filesystem::temp_directory_path() / ("loader-test-" + std::to_string(getpid()))).string();
+        std::ofstream(path_, std::ios::binary)
+            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+    ~TemporaryFile() { std::filesystem::remove(path_); }
+    const std::string &Path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
 struct UnderivedFailure {};
 
 TEST_CASE("The entry point runs and reaches the resolver that it is given") {
@@ -89,6 +104,66 @@ TEST_CASE("Two copies of one file share no static data, and a later one starts a
         const PluginImage third = PluginImage::Load(path, Options());
         CHECK(FunctionsOf(third).count() == 1);
     }
+}
+
+TEST_CASE("A copy that was borrowed and given back comes again, in its first state and with nothing leaked") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        const void *place = nullptr;
+        for (int round = 1; round <= 3; ++round) {
+            const PluginImage image = PluginImage::Borrow(path, Options().openLibrary);
+            const LibraryFunctions &functions = FunctionsOf(image);
+            CHECK(functions.count() == 1);
+            CHECK(functions.count() == 2);
+            CHECK(functions.pointed() == 11);
+            functions.keepBlock();
+            CHECK(std::string(functions.caught([] { throw std::out_of_range("far"); })) == "out_of_range");
+            if (place)
+                CHECK(place == &functions);
+            place = &functions;
+        }
+    }
+}
+
+TEST_CASE("While a copy is borrowed, whoever borrows the same file gets another") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        const PluginImage first = PluginImage::Borrow(path, Options().openLibrary);
+        const LibraryFunctions &functions = FunctionsOf(first);
+        CHECK(functions.count() == 1);
+        const PluginImage second = PluginImage::Borrow(path, Options().openLibrary);
+        CHECK(FunctionsOf(second).count() == 1);
+        CHECK(functions.count() == 2);
+    }
+}
+
+TEST_CASE("Whoever calls into a copy that was given back is stopped") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        int (*count)() = nullptr;
+        {
+            const PluginImage image = PluginImage::Borrow(path, Options().openLibrary);
+            count = FunctionsOf(image).count;
+        }
+        const pid_t child = fork();
+        if (child == 0) {
+            close(STDOUT_FILENO);
+            close(STDERR_FILENO);
+            count();
+            _exit(0);
+        }
+        int status = 0;
+        REQUIRE(waitpid(child, &status, 0) == child);
+        CHECK(status != 0);
+    }
+}
+
+TEST_CASE("A file that was written anew is loaded anew, also where a copy of the old one was given back") {
+    const TemporaryFile file(ImageBuilder().Build());
+    CHECK(PluginImage::Borrow(file.Path()).Find("REALPluginMain") == nullptr);
+    std::filesystem::remove(file.Path());
+    std::filesystem::copy_file(MACHO_LIBRARY, file.Path());
+    CHECK(PluginImage::Borrow(file.Path(), Options().openLibrary).Find("REALPluginMain") != nullptr);
 }
 
 TEST_CASE("Pointers in static data point into the copy") {
@@ -205,20 +280,6 @@ TEST_CASE("A path that leads to no library is refused with its name") {
     CHECK_THROWS_WITH_AS(PluginImage::Load("/"), "/: is not a regular file", LoadError);
     CHECK_THROWS_WITH_AS(PluginImage::Load("/dev/null"), "/dev/null: is not a regular file", LoadError);
 }
-
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const Bytes &bytes) {
-        path_ = (std::filesystem::temp_directory_path() / ("loader-test-" + std::to_string(getpid()))).string();
-        std::ofstream(path_, std::ios::binary)
-            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-    ~TemporaryFile() { std::filesystem::remove(path_); }
-    const std::string &Path() const { return path_; }
-
-private:
-    std::string path_;
-};
 
 TEST_CASE("A library without the entry point loads, but has none") {
     const TemporaryFile file(ImageBuilder().Build());
