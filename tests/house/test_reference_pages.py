@@ -265,6 +265,27 @@ class Index(unittest.TestCase):
                     self.assertIn(wanted, links(read(page)))
 
 
+class Handbook(unittest.TestCase):
+    """The page of the handbook and its table as data, which a test of the product tries row by row."""
+
+    def setUp(self) -> None:
+        self.rows = [line.split("\t") for line in read(REFERENCE / "attribute-handbook.tsv").splitlines()[1:]]
+
+    def test_the_page_shows_the_table(self) -> None:
+        listed = [row for row in table_rows(read(REFERENCE / "attribute-handbook.md"))
+                  if row[0].startswith("`kMDItem") and len(row) == 5]
+        wanted = [[f"`{key}`", host, sample or "not stated",
+                   f"`{query}`" if query else "none: use a [scope](../guides/scopes.md)", since]
+                  for key, _, _, since, host, sample, query in self.rows]
+        self.assertEqual(listed, wanted)
+
+    def test_types_and_first_systems_are_those_of_the_page_of_keys(self) -> None:
+        stated = {row[0].strip("`"): [row[1], row[2] or "no", row[3].split()[0]]
+                  for row in table_rows(read(REFERENCE / "attribute-keys.md")) if row[0].startswith("`")}
+        self.assertEqual({row[0]: row[1:4] for row in self.rows}, stated)
+        self.assertEqual(len(self.rows), len(stated))
+
+
 class Examples(unittest.TestCase):
     def test_every_program_on_a_page_is_followed_by_what_it_prints(self) -> None:
         for page in (*REFERENCE.glob("*.md"), *GUIDES.glob("*.md")):

@@ -64,7 +64,7 @@ CFRef<CFTypeRef> ListInAList() { return ListOf({ListOfTwo().Get()}); }
 
 /// Four names, of which the last is gone when it is read.
 Object ShrinkingNames(QueryProgram &program) {
-    const Object names = program.Strings({"a", "b", "c", "d"});
+    Object names = program.Strings({"a", "b", "c", "d"});
     program.Host().Before("RuntimeUBound", 5, [names] { names.Resize(2); });
     return names;
 }
@@ -86,13 +86,13 @@ Object ItemWith(QueryProgram &program, Maker value) { return program.NewItem(Fil
 /// A query that has found one file with that value, in its value list.
 Object QueryWith(QueryProgram &program, Maker value) {
     FileWith(program, value);
-    const Object query = program.NewQuery("kMDItemFSName == '*'", {"attribute"});
+    Object query = program.NewQuery("kMDItemFSName == '*'", {"attribute"});
     program.Gather(query);
     return query;
 }
 
 void AddQueryMethods(std::vector<Way> &ways) {
-    const auto add = [&ways](const char *method, std::function<std::vector<Value>(QueryProgram &)> arguments,
+    const auto add = [&ways](const char *method, const std::function<std::vector<Value>(QueryProgram &)> &arguments,
                              const char *cause = kNoQuery) {
         ways.push_back(
             {std::string("MDQueryQTX.") + method, cause, kQueryMessage, [method, arguments](QueryProgram &program) {
@@ -137,7 +137,7 @@ void AddQueryMethods(std::vector<Way> &ways) {
 }
 
 void AddItemMethods(std::vector<Way> &ways) {
-    const auto add = [&ways](const char *method, std::function<std::vector<Value>(QueryProgram &)> arguments) {
+    const auto add = [&ways](const char *method, const std::function<std::vector<Value>(QueryProgram &)> &arguments) {
         ways.push_back(
             {std::string("MDItemQTX.") + method, kNoItem, kItemMessage, [method, arguments](QueryProgram &program) {
                  WithoutItem(program).CallWith(method, arguments(program));
@@ -153,7 +153,7 @@ void AddItemMethods(std::vector<Way> &ways) {
 }
 
 void AddItemConstructor(std::vector<Way> &ways) {
-    const auto add = [&ways](const char *cause, const char *message, std::function<Value(QueryProgram &)> path) {
+    const auto add = [&ways](const char *cause, const char *message, const std::function<Value(QueryProgram &)> &path) {
         ways.push_back({"MDItemQTX.Constructor", cause, message, [path](QueryProgram &program) {
                             WithoutItem(program).CallWith("Constructor", {path(program)});
                         }});
@@ -260,7 +260,7 @@ void AddShrinkingArguments(std::vector<Way> &ways) {
 /// What a host throws while a text is built for it, and a class that it does not have.
 void AddHosts(std::vector<Way> &ways) {
     const auto add = [&ways](const char *cause, const std::string &message,
-                             std::vector<std::function<void()>> throwers) {
+                             const std::vector<std::function<void()>> &throwers) {
         ways.push_back({"*", cause, message, [throwers](QueryProgram &program) {
                             const Object query = program.NewQuery();
                             for (const auto &thrower : throwers) {
