@@ -1,5 +1,5 @@
-// Stands in for the fuzzing engine: runs the target once for each file of the folders that the command line names. At
-// least one file is expected; an empty corpus proves nothing.
+// Stands in for the fuzzing engine: runs the target once for each file of the folders that the command line names. Each
+// folder must hold one at least; an empty corpus proves nothing.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -11,7 +11,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size);
 
 int main(int argc, char **argv) {
     int count = 0;
-    for (int i = 1; i < argc; i++)
+    bool isAnyEmpty = argc < 2;
+    for (int i = 1; i < argc; i++) {
+        const int before = count;
         for (const auto &entry : std::filesystem::directory_iterator(argv[i])) {
             std::ifstream file(entry.path(), std::ios::binary);
             const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
@@ -21,6 +23,8 @@ int main(int argc, char **argv) {
             LLVMFuzzerTestOneInput(input.data(), input.size());
             count++;
         }
+        isAnyEmpty |= count == before;
+    }
     std::printf("%d inputs\n", count);
-    return count > 0 ? 0 : 1;
+    return isAnyEmpty ? 1 : 0;
 }
