@@ -1,5 +1,6 @@
 #include "convert/to_host_values.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -43,7 +44,8 @@ REALobjectStruct *HostDate(CFTypeRef value) {
     // Deliberate: no time zone, which means GMT.
     const CFGregorianDate fields =
         CFAbsoluteTimeGetGregorianDate(CFDateGetAbsoluteTime(static_cast<CFDateRef>(value)), nullptr);
-    const auto second = static_cast<int32_t>(fields.second);
+    // Of an infinite date, and of one that is no number, the second is no number either.
+    const int32_t second = std::isfinite(fields.second) ? static_cast<int32_t>(fields.second) : 0;
     auto date = OwnedObject::Adopt(REALnewInstance("Date"));
     if (!date)
         return nullptr;
@@ -102,6 +104,9 @@ REALobjectStruct *HostMemoryBlock(CFTypeRef value) {
 REALobjectStruct *HostArray(CFTypeRef value) {
     const auto values = static_cast<CFArrayRef>(value);
     const CFIndex count = CFArrayGetCount(values);
+    // Storing asks for the upper bound; a host that cannot tell it has no place for any element.
+    if (count > 0 && !REALGetArrayUBound)
+        return nullptr;
     auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray(static_cast<int32_t>(count - 1)));
     if (!array)
         return nullptr;

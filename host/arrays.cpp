@@ -25,6 +25,16 @@ template <class Element> Element *DirectElements(_REALarray *array) {
     return static_cast<Element *>(reinterpret_cast<const OldArray *>(array)->elements);
 }
 
+// Handles are used in place only on a host that adds references: what was taken without one must never be given up.
+REALobjectStruct **DirectObjects(_REALarray *array) {
+    auto *elements = DirectElements<REALobjectStruct *>(array);
+    return elements && REALLockObject ? elements : nullptr;
+}
+REALstringStruct **DirectStrings(_REALarray *array) {
+    auto *elements = DirectElements<REALstringStruct *>(array);
+    return elements && REALLockString ? elements : nullptr;
+}
+
 } // namespace
 
 _REALarrayString *NewStringArray() { return static_cast<_REALarrayString *>(REALCreateArray(kStringElements, kEmpty)); }
@@ -51,19 +61,19 @@ bool CheckArrayIndex(_REALarray *array, int32_t index) {
 REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index) {
     if (!array || !CheckArrayIndex(array, index))
         return nullptr;
-    if (auto *elements = DirectElements<REALstringStruct *>(array))
+    if (auto *elements = DirectStrings(array))
         return Hold(elements[index]).Give();
     return REALReadStringArray(array, index);
 }
 
 REALobjectStruct *ReadArrayObject(_REALarray *array, int32_t index) {
-    if (auto *elements = DirectElements<REALobjectStruct *>(array))
+    if (auto *elements = DirectObjects(array))
         return Hold(elements[index]).Give();
     return REALGetArrayValueObject(array, index);
 }
 
 REALstringStruct *ReadArrayString(_REALarray *array, int32_t index) {
-    if (auto *elements = DirectElements<REALstringStruct *>(array))
+    if (auto *elements = DirectStrings(array))
         return Hold(elements[index]).Give();
     return REALGetArrayValueString(array, index);
 }
@@ -77,14 +87,12 @@ bool ReadArrayBoolean(_REALarray *array, int32_t index) {
 void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object) {
     if (!CheckArrayIndex(array, index))
         return;
-    auto *elements = DirectElements<REALobjectStruct *>(array);
+    auto *elements = DirectObjects(array);
     if (!elements) {
-        REALSetArrayValueObject(array, index, object);
+        REALSetArrayValueObject(array, object, index);
         return;
     }
     auto kept = Hold(object);
-    if (object && !kept)
-        return;
     if (REALobjectStruct *previous = std::exchange(elements[index], nullptr))
         REALUnlockObject(previous);
     elements[index] = kept.Give();

@@ -1,6 +1,6 @@
 // Host arrays: making them, and reading and writing their elements on hosts of every age. Hosts before 2016 may keep
-// the elements in a table that is read without a call; later ones, and those without the table, are asked through the
-// element functions.
+// the elements in a table that is used without a call; where there is none, or where the host cannot add a reference to
+// what is taken from it, the host is asked.
 #pragma once
 
 #include "host/owned.h"
@@ -10,7 +10,8 @@ _REALarrayString *NewStringArray();
 /// A new object array, +1, or null.
 _REALarrayObject *NewObjectArray(int32_t upperBound = -1);
 
-/// Element `index`, +1, or null. An index outside the array raises "OutOfBoundsException".
+/// Element `index`, +1, or null. An index outside the array raises "OutOfBoundsException". A host that has to be asked
+/// is asked for the element itself, not for an element function.
 REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index);
 
 // One element read in place where the host allows it, else through the element function of its type. The index is taken
@@ -24,7 +25,7 @@ bool ReadArrayBoolean(_REALarray *array, int32_t index);
 /// Whether the elements lie in a table that is read without a host call.
 bool HasDirectElements(_REALarray *array);
 
-/// Stores an object, which the array locks for itself. An index above the upper bound raises "OutOfBoundsException" and
+/// Stores an object, which the array locks for itself. An index outside the array raises "OutOfBoundsException" and
 /// stores nothing.
 void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object);
 

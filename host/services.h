@@ -1,5 +1,7 @@
 // What the plugin asks of a host, one line a service: the name to call it by here, its shape, the name it is looked up
-// by, and the older name where it has one. "+1" marks a result whose reference the caller owns.
+// by, and the older name where it has one. "+1" marks a result whose reference the caller owns. Two services are not
+// here, because start-up calls them before anything else, in plugin/main.cpp: the host's version is read and the
+// declaration layout is told.
 #pragma once
 
 #include <CoreServices/CoreServices.h>
@@ -71,6 +73,7 @@ inline constinit EntryPoint<REALstringStruct *(const void *bytes, int32_t length
 inline constinit EntryPoint<const UInt8 *(REALstringStruct *)> REALGetStringContents{"StringGetCString"};
 
 // Arrays. Elements come out with a reference of their own (+1) and go in without giving theirs away.
+/// +1.
 inline constinit EntryPoint<_REALarray *(int32_t elementType, int32_t upperBound)> REALCreateArray{
     "RuntimeArrayCreateSingleDimBoundedArray"};
 inline constinit EntryPoint<int32_t(_REALarray *)> REALGetArrayUBound{"RuntimeUBound"};
@@ -91,12 +94,14 @@ inline constinit ArrayGetter<REALstringStruct *> REALGetArrayValueString{"Plugin
 inline constinit ArrayGetter<REALobjectStruct *> REALGetArrayValueObject{"PluginObjectArrayGetProc",
                                                                          "RuntimeArrayDirectGetGetProc"};
 
-template <class Value> using ArrayStorer = ArrayEntryPoint<void(_REALarray *, int32_t index, Value)>;
-inline constinit ArrayStorer<REALstringStruct *> REALInsertArrayValueString{"PluginStringArrayInsertProc",
-                                                                            "RuntimeArrayDirectGetInsertProc"};
-inline constinit ArrayStorer<REALobjectStruct *> REALInsertArrayValueObject{"PluginObjectArrayInsertProc",
-                                                                            "RuntimeArrayDirectGetInsertProc"};
-inline constinit ArrayStorer<REALobjectStruct *> REALSetArrayValueObject{"PluginObjectArraySetProc",
+template <class Value> using ArrayInserter = ArrayEntryPoint<void(_REALarray *, int32_t index, Value)>;
+inline constinit ArrayInserter<REALstringStruct *> REALInsertArrayValueString{"PluginStringArrayInsertProc",
+                                                                              "RuntimeArrayDirectGetInsertProc"};
+inline constinit ArrayInserter<REALobjectStruct *> REALInsertArrayValueObject{"PluginObjectArrayInsertProc",
+                                                                              "RuntimeArrayDirectGetInsertProc"};
+/// Unlike insert and get, set takes the index last.
+template <class Value> using ArraySetter = ArrayEntryPoint<void(_REALarray *, Value, int32_t index)>;
+inline constinit ArraySetter<REALobjectStruct *> REALSetArrayValueObject{"PluginObjectArraySetProc",
                                                                          "RuntimeArrayDirectGetSetProc"};
 
 // Variants. Making one gives +1.

@@ -66,7 +66,8 @@ struct CompanionClass {
     uint32_t dataSize = 12;
 };
 
-/// What the set function of an object array expects behind the array.
+/// What the set function of an object array expects behind the array. Hosts take the element first; the other order is
+/// there to show what becomes of a plugin that has it wrong.
 enum class SetterOrder { kValueThenIndex, kIndexThenValue };
 
 struct HostOptions {
@@ -80,7 +81,7 @@ struct HostOptions {
     /// Whether arrays of a host below 2016.0 (or without a version) let their element storage be seen. Newer hosts
     /// never do.
     bool directArrayStorage = true;
-    SetterOrder setterOrder = SetterOrder::kIndexThenValue;
+    SetterOrder setterOrder = SetterOrder::kValueThenIndex;
     /// Names that the resolver answers with null, or loadable declarations (see Services in host.h) that are not found.
     std::set<std::string, std::less<>> withheld = {};
     /// Leaves out every first name of a service that has an older second name.

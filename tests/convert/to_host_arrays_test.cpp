@@ -1,4 +1,5 @@
 // Core Foundation arrays on their way to the host, and how elements are stored on hosts of every age.
+#include "simulator/host/stop.h"
 #include "tests/convert/value_session.h"
 
 #include <doctest/doctest.h>
@@ -128,9 +129,52 @@ TEST_CASE("An element beyond the array's present upper bound raises and is not s
     }
 }
 
-TEST_CASE("A host that cannot add references is given no element that its array would have to keep") {
-    ValueSession session(HostOptions{.withheld = {"REALLockObject"}});
-    CHECK(session.TextInHost(CoreArray({CoreInteger(1)})) == "[nil]");
+TEST_CASE(
+    "Where the host adds no references, nothing is stored in place: the set function is asked, whatever its age") {
+    for (int which = 0; which < 3; which++) {
+        HostOptions options = Hosts(which);
+        options.withheld = {"REALLockObject"};
+        ValueSession session(options);
+        CHECK(session.TextInHost(CoreArray({CoreInteger(1), CoreInteger(2)})) == "[Integer 1, Integer 2]");
+        CHECK(session.Host().CallCount("object array set") == 2);
+    }
+}
+
+TEST_CASE("The set function gets the array, the element and the index, and a host that takes the index first refuses") {
+    static std::string reason;
+    const auto previous = sim::host::SetStopHandler([](const std::string &why) {
+        reason = why;
+        throw std::string(why);
+    });
+    for (const auto order : {sim::host::SetterOrder::kValueThenIndex, sim::host::SetterOrder::kIndexThenValue}) {
+        reason.clear();
+        ValueSession session(HostOptions{.version = 2016.0, .setterOrder = order});
+        std::string seen;
+        try {
+            seen = session.TextInHost(CoreArray({CoreInteger(1), CoreInteger(2)}));
+        } catch (const std::string &) {
+        }
+        if (order == sim::host::SetterOrder::kValueThenIndex) {
+            CHECK(seen == "[Integer 1, Integer 2]");
+            CHECK(reason == "");
+        } else {
+            CHECK(reason == "the set function of an array takes the index, then the element");
+        }
+    }
+    sim::host::SetStopHandler(previous);
+}
+
+TEST_CASE("Where the host cannot tell upper bounds a list gives nil and nothing is raised, unless it is empty") {
+    for (int which = 0; which < 3; which++) {
+        HostOptions options = Hosts(which);
+        options.withheld = {"RuntimeUBound"};
+        ValueSession session(options);
+        CHECK(session.ToHost(CoreArray({CoreInteger(1)})).IsNil());
+        CHECK(session.ToHost(Mixed()).IsNil());
+        CHECK(session.ToHost(CoreArray({tests::CoreNull()})).IsNil());
+        CHECK_FALSE(session.ToHost(CoreArray({})).IsNil());
+        CHECK(session.TakeException() == "");
+    }
 }
 
 TEST_CASE("An element without a host form leaves its slot nil, on hosts of every age") {
