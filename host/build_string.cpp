@@ -21,8 +21,12 @@ OwnedString BuildTagged(const void *bytes, int32_t length, CFStringEncoding enco
     return string;
 }
 
-REALstringStruct *ConvertToUTF8(const OwnedString &string) {
-    return string ? REALConvertString(string.Get(), kCFStringEncodingUTF8) : nullptr;
+/// +1, or null. The intermediate string is given up before the caller sees the result, so that an exception of the host
+/// on the way loses neither.
+REALstringStruct *ConvertToUTF8(OwnedString string) {
+    auto converted = OwnedString::Adopt(string ? REALConvertString(string.Get(), kCFStringEncodingUTF8) : nullptr);
+    Release(string);
+    return converted.Give();
 }
 
 bool IsSurrogate(uint32_t codePoint) { return (codePoint & 0xFFFFF800) == 0xD800; }
@@ -89,20 +93,6 @@ REALstringStruct *Build(const UInt8 *bytes, int32_t length, CFStringEncoding enc
     }
 }
 
-/// Raising builds the exception's message by REALBuildUnicodeString, from whose catch block it is called. A host that
-/// cannot build any string then gets an exception without a message, not an endless chain of them.
-void RaiseCaughtExceptionOnce() {
-    static constinit bool isRaising = false;
-    struct Raising {
-        Raising() { isRaising = true; }
-        ~Raising() { isRaising = false; }
-    };
-    if (isRaising)
-        return;
-    const Raising raising;
-    RaiseCaughtException();
-}
-
 } // namespace
 
 REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFStringEncoding encoding) {
@@ -111,7 +101,7 @@ REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFSt
     try {
         return Build(static_cast<const UInt8 *>(bytes), static_cast<int32_t>(length), encoding);
     } catch (...) {
-        RaiseCaughtExceptionOnce();
+        RaiseCaughtException();
         return nullptr;
     }
 }

@@ -21,6 +21,37 @@ OwnedObject NewException(const char *name) {
     return exception;
 }
 
+// What the host throws while a property is set is dropped: the raise goes on without it.
+void SetMessage(REALobjectStruct *exception, REALstringStruct *message) {
+    try {
+        REALSetPropValueString(exception, "Message", message);
+    } catch (...) {
+    }
+}
+void SetErrorNumber(REALobjectStruct *exception) {
+    try {
+        // Deliberate: the number is 0 whatever the caller passed.
+        REALSetPropValueInteger(exception, "ErrorNumber", 0);
+    } catch (...) {
+    }
+}
+
+/// Raises for a C++ exception. One that is caught while the message of another is built is raised without a message, so
+/// that the chain ends there on a host that cannot build any.
+void RaiseCaught(const char *name, const char *message) {
+    static constinit bool isRaising = false;
+    if (isRaising) {
+        RaiseException(name, nullptr);
+        return;
+    }
+    struct Raising {
+        Raising() { isRaising = true; }
+        ~Raising() { isRaising = false; }
+    };
+    const Raising raising;
+    RaiseException(name, message);
+}
+
 } // namespace
 
 void RaiseException(const char *name, const char *message, uint32_t, int32_t) {
@@ -33,9 +64,8 @@ void RaiseException(const char *name, const char *message, uint32_t, int32_t) {
     if (!exception)
         return;
     if (text)
-        REALSetPropValueString(exception.Get(), "Message", text.Get());
-    // Deliberate: the number is 0 whatever the caller passed.
-    REALSetPropValueInteger(exception.Get(), "ErrorNumber", 0);
+        SetMessage(exception.Get(), text.Get());
+    SetErrorNumber(exception.Get());
     REALRaiseException(exception.Get());
 }
 
@@ -57,18 +87,18 @@ void RaiseCaughtException() {
     try {
         throw;
     } catch (const std::range_error &error) {
-        RaiseException("OutOfBoundsException", error.what());
+        RaiseCaught("OutOfBoundsException", error.what());
     } catch (const std::out_of_range &error) {
-        RaiseException("OutOfBoundsException", error.what());
+        RaiseCaught("OutOfBoundsException", error.what());
     } catch (const std::overflow_error &error) {
-        RaiseException("OutOfBoundsException", error.what());
+        RaiseCaught("OutOfBoundsException", error.what());
     } catch (const std::underflow_error &error) {
-        RaiseException("OutOfBoundsException", error.what());
+        RaiseCaught("OutOfBoundsException", error.what());
     } catch (const std::bad_cast &error) {
-        RaiseException("IllegalCastException", error.what());
+        RaiseCaught("IllegalCastException", error.what());
     } catch (const std::exception &error) {
-        RaiseException("RuntimeException", error.what());
+        RaiseCaught("RuntimeException", error.what());
     } catch (...) {
-        RaiseException("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
+        RaiseCaught("RuntimeException", "Sorry, but there was an unnamed C++ Exception.");
     }
 }

@@ -12,5 +12,6 @@ void RaiseException(const char *name, const char *message, uint32_t errorNumber 
 void RaiseOutOfBoundsException(int64_t value, int64_t count, int64_t lowerBound = 0, const char *prefix = "",
                                const char *suffix = "");
 
-/// Only inside a catch block: raises the host exception that stands for the C++ exception being handled.
+/// Only inside a catch block: raises the host exception that stands for the C++ exception being handled. Inside another
+/// such raise it comes without a message.
 void RaiseCaughtException();

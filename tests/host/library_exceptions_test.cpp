@@ -106,7 +106,8 @@ TEST_CASE("A description-less library exception inside string building surfaces 
     CHECK(session.TakeException() == "RuntimeException: Sorry, but there was an unnamed C++ Exception.");
 }
 
-TEST_CASE("A host that throws whenever a string is built gets one exception without a message, not an endless chain") {
+TEST_CASE("A host that throws whenever a string is built gets that exception and the one out of its message, both "
+          "without a message, and no endless chain") {
     for (const Kind &kind : Kinds()) {
         CAPTURE(kind.name);
         TestSession session;
@@ -114,11 +115,65 @@ TEST_CASE("A host that throws whenever a string is built gets one exception with
         session.Host().Throw("REALBuildString", kind.thrower);
         CHECK(query.GetValue("QueryString").IsNil());
         const auto raised = session.Host().TakeRaised();
-        REQUIRE(raised.size() == 1);
-        CHECK(raised.front().className == kind.raised.substr(0, kind.raised.find(':')));
-        CHECK_FALSE(raised.front().message);
-        CHECK(raised.front().errorNumber == 0);
+        REQUIRE(raised.size() == 2);
+        for (const RaisedException &exception : raised) {
+            CHECK(exception.className == kind.raised.substr(0, kind.raised.find(':')));
+            CHECK_FALSE(exception.message);
+            CHECK(exception.errorNumber == 0);
+        }
+        CHECK(session.Host().CallCount("REALBuildString") == 2);
     }
+}
+
+TEST_CASE("An exception caught while another one's message is built is raised as well, first and without a message") {
+    TestSession session;
+    const Object query = NewQuery(session);
+    int builds = 0;
+    session.Host().Throw("REALBuildString", [&builds] {
+        if (++builds == 1)
+            throw std::range_error("the first");
+        throw std::bad_cast();
+    });
+    CHECK(query.GetValue("QueryString").IsNil());
+    const auto raised = session.Host().TakeRaised();
+    REQUIRE(raised.size() == 2);
+    CHECK(raised[0].className == "IllegalCastException");
+    CHECK_FALSE(raised[0].message);
+    CHECK(raised[1].className == "OutOfBoundsException");
+    CHECK_FALSE(raised[1].message);
+}
+
+TEST_CASE("A host that throws while an exception's properties are set gets the exception without them") {
+    for (const bool fromCaught : {false, true})
+        for (const char *service : {"REALSetPropValueString", "REALSetPropValueInteger"}) {
+            CAPTURE(fromCaught);
+            CAPTURE(service);
+            TestSession session;
+            const Object query = fromCaught ? NewQuery(session) : NilQuery(session);
+            session.Host().ThrowFrom(service, NoDescription());
+            if (fromCaught)
+                session.Host().Throw(
+                    "REALBuildString", [] { throw std::range_error("a range"); }, 1, 1);
+            CHECK(query.GetValue("QueryString").IsNil());
+            const auto raised = session.Host().TakeRaised();
+            REQUIRE(raised.size() == 1);
+            CHECK(raised.front().className == (fromCaught ? "OutOfBoundsException" : "NilObjectException"));
+            const bool hasMessage = std::string_view(service) == "REALSetPropValueInteger";
+            CHECK(raised.front().message.has_value() == hasMessage);
+            CHECK(raised.front().errorNumber.has_value() == !hasMessage);
+        }
+}
+
+TEST_CASE("A host that throws again while a string is given up because it threw before gets the first exception only") {
+    TestSession session;
+    const Object query = NewQuery(session);
+    session.Host().Throw(
+        "REALSetStringEncoding", [] { throw std::range_error("the first"); }, 1, 1);
+    session.Host().Throw(
+        "REALUnlockString", [] { throw std::bad_cast(); }, 1, 1);
+    session.Host().ExpectLeft("string", 1);
+    CHECK(query.GetValue("QueryString").IsNil());
+    CHECK(session.TakeException() == "OutOfBoundsException: the first");
 }
 
 TEST_CASE("A C++ exception while another exception's message is built takes the message away, not the exception") {
