@@ -55,6 +55,8 @@ public:
 
     /// Empty when it names nothing.
     std::string path;
+    /// What the File Manager is told instead of the path's last part.
+    std::optional<std::u16string> name;
 };
 
 class ExceptionInstance : public Instance {

@@ -143,6 +143,13 @@ Object Host::NewFolderItem(std::string_view path) {
     return Object::Adopt(&item);
 }
 
+Object Host::NewFolderItem(std::string_view folder, std::u16string_view name) {
+    auto &item = RequireBuiltIn<FolderItemInstance>(*runtime_, "FolderItem");
+    item.path = std::string(folder) + "/" + ToUTF8(name);
+    item.name = name;
+    return Object::Adopt(&item);
+}
+
 Object Host::NewVariant(int32_t typeCode, const Value &held) {
     if (held.Is<Object>())
         throw ProgramError("an object is its own variant");

@@ -133,6 +133,9 @@ public:
     Object NewMemoryBlock(std::string_view bytes);
     /// A folder item for that path, whether anything is there or not. An empty path makes one that names nothing.
     Object NewFolderItem(std::string_view path);
+    /// A folder item of something in that folder that does not exist. Its name is these UTF-16 units, well-formed or
+    /// not, as the File Manager's record holds them.
+    Object NewFolderItem(std::string_view folder, std::u16string_view name);
     /// A variant of any type code that holds any scalar or text, sensible or not: code 11 with the number 256, code 10
     /// with a text. Its conversions are those of what it holds.
     Object NewVariant(int32_t typeCode, const Value &held);

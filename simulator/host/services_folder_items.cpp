@@ -52,7 +52,7 @@ uint32_t ReferenceFromItem(const void *item, void *reference, UnicodeName *name)
     auto parts = ParentAndName(folderItem.path);
     if (!parts)
         return Truth(false);
-    std::u16string units = SwapSeparators(ToUTF16(parts->second));
+    std::u16string units = folderItem.name.value_or(SwapSeparators(ToUTF16(parts->second)));
     if (units.size() > kLongestName || !MakeReference(parts->first, reference))
         return Truth(false);
     name->length = static_cast<uint16_t>(units.size());

@@ -115,6 +115,40 @@ TEST_CASE("A name as long as the record holds is appended, and a longer one give
     CHECK(URLOf(session, folder.PathOf(longest + "n")) == "none");
 }
 
+TEST_CASE("A name with half of a surrogate pair in it gives no URL, and whole pairs are appended") {
+    const ScratchFolder folder;
+    ValueSession session;
+    const auto urlOf = [&](std::u16string_view name) {
+        const Object query = NewQuery(session);
+        const Object items = session.Host().NewArray("folderitem", {session.Host().NewFolderItem(folder.Path(), name)});
+        query.CallWith("SetSearchScope", {items, nullptr});
+        CFArrayRef scope = sim::macos::SearchScopeOf(std::bit_cast<MDQueryRef>(query.Get<int32_t>("Handle")));
+        const sim::macos::OwnCalls own;
+        return CFArrayGetCount(scope) == 0
+                   ? std::string("none")
+                   : sim::macos::Utf8Of(CFURLGetString(static_cast<CFURLRef>(CFArrayGetValueAtIndex(scope, 0))));
+    };
+    constexpr char16_t kHigh = 0xD83D, kLow = 0xDE00, kHighest = 0xDBFF, kLowest = 0xDC00;
+    for (const std::u16string &name : std::initializer_list<std::u16string>{{kHigh},
+                                                                            {kLow},
+                                                                            {kHigh, u'a'},
+                                                                            {u'a', kHigh},
+                                                                            {kLow, u'a'},
+                                                                            {u'a', kLow},
+                                                                            {kHigh, kHigh, kLow},
+                                                                            {kHigh, kLow, kLow},
+                                                                            {kLow, kHigh},
+                                                                            {kHighest},
+                                                                            {kLowest}}) {
+        CAPTURE(name.size());
+        CHECK(urlOf(name) == "none");
+    }
+    CHECK(urlOf(std::u16string{kHigh, kLow}) == FileURL(folder.PathOf("%F0%9F%98%80")));
+    CHECK(urlOf(std::u16string{u'a', kHighest, kLowest, u'b'}) == FileURL(folder.PathOf("a%F4%8F%B0%80b")));
+    CHECK(urlOf(std::u16string{0xD7FF, 0xE000}) == FileURL(folder.PathOf("%ED%9F%BF%EE%80%80")));
+    CHECK(session.TakeException() == "");
+}
+
 TEST_CASE("A host without \"REALFSRefFromFolderItem\" gives no URLs, and is asked again for each try") {
     const ScratchFolder folder;
     ValueSession session(HostOptions{.withheld = {kService}});

@@ -1,4 +1,5 @@
 // Folder items of a host that gives a name longer than the File Manager's records hold.
+#include "simulator/macos/control/faults.h"
 #include <doctest/doctest.h>
 
 #include "convert/folder_items.h"
@@ -43,4 +44,14 @@ TEST_CASE("A name of up to 255 units is appended to its folder, and a longer one
     }
     for (const UInt16 length : {UInt16{0}, UInt16{256}, UInt16{0xFFFF}})
         CHECK_FALSE(URLOfNameOfLength(length));
+}
+
+TEST_CASE("For a name longer than the record nobody else is asked") {
+    sim::macos::faults::Reset();
+    sim::macos::faults::FailEvery("CFURLCreateFromFSRef");
+    CHECK_FALSE(URLOfNameOfLength(256));
+    CHECK(sim::macos::faults::Failed() == 0);
+    CHECK_FALSE(URLOfNameOfLength(255));
+    CHECK(sim::macos::faults::Failed() == 1);
+    sim::macos::faults::Reset();
 }
