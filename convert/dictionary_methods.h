@@ -18,7 +18,7 @@ extern DictionaryGetter LastDictionaryGetter;
 extern DictionaryKeyGetter LastDictionaryKeyGetter;
 
 /// Makes the cache hold this dictionary's methods. The three are always loaded as a group; one that the host lacks
-/// stays null for the rest of this dictionary.
+/// stays null until the group is loaded again.
 void LoadDictionaryMethods(REALobjectStruct *dictionary);
 
 /// Empties the cache at the end of its scope.

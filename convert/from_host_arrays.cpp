@@ -70,9 +70,9 @@ template <class Kind> CFTypeRef CopyArray(_REALarray *array) {
     });
 }
 
-// Deliberate: the numbers of the result are not those of the host array. The element getter is called and its answer
-// dropped; each number is made from a local variable that then takes the new number's reference in its low half. The
-// variable has eight bytes, so that any number type stays inside it.
+// Deliberate: the numbers of the result are not those of the host array. The element getter, where the elements do not
+// lie in a table, is called and its answer dropped; each number is made from a local variable that then takes the new
+// number's reference in its low half. The variable has eight bytes, so that any number type stays inside it.
 template <auto &getElement, CFNumberType type> CFTypeRef CopyNumericArray(_REALarray *array) {
     alignas(int64_t) UInt8 local[8] = {};
     return WalkArray(array, [array, &local](int32_t index, bool isReadable) -> CFTypeRef {

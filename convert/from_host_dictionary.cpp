@@ -36,8 +36,8 @@ CFTypeRef CopyDictionary(REALobjectStruct *dictionary) {
 
     const DictionaryMethodsScope methods;
     for (int32_t i = 0; i < count; i++) {
-        // A value that is itself a dictionary empties the cache, so both reads look at it. The key is released before
-        // the value.
+        // Both reads look at the cache: it was emptied if the entry before held a dictionary, and by whatever the host
+        // ran in between. The key is released before the value.
         OwnedObject value;
         const auto key = KeyAt(dictionary, i);
         value = ValueOf(dictionary, key);

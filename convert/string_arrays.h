@@ -5,7 +5,8 @@
 
 #include "host/handles.h"
 
-/// +1; null for a null array. A string that does not convert leaves the empty string in its place.
+/// +1; null for a null array, or when no array can be created. A string that does not convert leaves the empty string
+/// in its place, and so does one that is gone because the array shrinks meanwhile, which raises "OutOfBoundsException".
 [[nodiscard]] CFMutableArrayRef NewCFStringArray(_REALarrayString *array);
 
 /// Inserts the strings of a Core Foundation array at the front of a host array, in their order. Null elements are

@@ -7,7 +7,7 @@
 
 /// A variant for scalars and strings, a host object for dates, folder items, arrays, dictionaries, memory blocks and
 /// references without a natural host value: +1, or null for nil. The value is borrowed. Data that finds no memory
-/// raises "OutOfMemoryException".
+/// raises "OutOfMemoryException", a list whose host array shrinks meanwhile "OutOfBoundsException".
 [[nodiscard]] REALobjectStruct *GetCFTypeAsVariant(CFTypeRef value);
 
 /// Stores one pair in the host dictionary that `context` is. The shape is that of a dictionary applier.

@@ -1,5 +1,6 @@
-// URLs to folder items. The host makes a folder item from a parent folder and a name, or, for the root of a volume,
-// which has no parent to name, from the older file specification.
+// URLs to folder items. The host makes a folder item from a parent folder and a name, or, where these cannot be had
+// (the root of a volume has no parent to name, and the catalogue may give no answer), from the older file
+// specification.
 #include <algorithm>
 
 #include <CoreServices/CoreServices.h>

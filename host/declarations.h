@@ -13,7 +13,8 @@ using CodeWord = void *;
 /// In place of a property's getter or setter: the host reads or writes the field itself.
 inline const CodeWord kHostStandard = reinterpret_cast<CodeWord>(-1);
 
-/// Pointer and count, two words, always made from the array they describe.
+/// Pointer and count, two words. Here they are made from the array they describe; registration puts other rows into the
+/// place of these, and the count stays.
 template <class Row> struct Table {
     Row *rows = nullptr;
     uint32_t count = 0;
@@ -51,11 +52,17 @@ struct REALmethodDefinition {
 
 struct REALevent {
     const char *declaration;
-    /// Filled in by the host: what it knows the event by. On old hosts the address of the converted copy, whose own
-    /// second word the host filled in.
+    /// Filled in by the host: what it knows the event by. On old hosts the address of the converted copy, an
+    /// OldREALevent, into which the host wrote that; 0 when there was no memory for the copy.
     uint32_t forSystemUse;
     uint32_t attributeCount;
     const void *attributes;
+};
+
+/// An event's record in the layout of old hosts.
+struct OldREALevent {
+    const char *declaration;
+    uint32_t forSystemUse;
 };
 
 struct REALconstant {
@@ -100,6 +107,7 @@ static_assert(sizeof(void *) == kWord, "the host's records are made of 32-bit wo
 static_assert(sizeof(REALproperty) == 12 * kWord && offsetof(REALproperty, param) == 6 * kWord);
 static_assert(sizeof(REALmethodDefinition) == 6 * kWord && offsetof(REALmethodDefinition, mFlags) == 3 * kWord);
 static_assert(sizeof(REALevent) == 4 * kWord && offsetof(REALevent, forSystemUse) == 1 * kWord);
+static_assert(sizeof(OldREALevent) == 2 * kWord && offsetof(OldREALevent, forSystemUse) == 1 * kWord);
 static_assert(sizeof(REALconstant) == 5 * kWord);
 static_assert(sizeof(REALmoduleDefinition) == 24 * kWord && offsetof(REALmoduleDefinition, methods) == 2 * kWord);
 static_assert(sizeof(REALclassDefinition) == 29 * kWord);

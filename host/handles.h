@@ -1,6 +1,6 @@
 // What the host hands out: opaque 32-bit handles. Arrays, folder items and dates are host objects and convert to the
-// object handle by themselves. Nobody looks inside, except that a class finds its plugin data in its instances
-// (host/instance_data.h), and that strings and arrays are read in place on hosts old enough to have a known layout.
+// object handle by themselves. Nobody looks inside, except where plugin data lies in instances (host/instance_data.h),
+// and where strings and arrays are used in place on hosts old enough to have a known layout.
 #pragma once
 
 #include <cstdint>

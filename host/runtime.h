@@ -15,9 +15,9 @@ extern int32_t CurrentREALControlVersion;
 /// The layout of hosts before 2012: records are shorter, and registration converts them.
 constexpr int32_t kOldDeclarationLayout = 9;
 
-/// With 2012 came "REALBuildStringWithEncoding", and CFStrings made by the host.
+/// From 2012 on the host builds strings of any encoding, and is asked twice for a string's CFString.
 inline bool HostSpeaksCFStrings() { return rbversion >= 2012.0; }
 /// Hosts before 2013 cannot convert UTF-32 themselves.
 inline bool HostConvertsUTF32() { return rbversion >= 2013.0; }
-/// From 2016 on, strings and arrays are read through services only; before, their memory layout is known.
+/// From 2016 on, strings and arrays are used through services only; before, their memory layout is known.
 inline bool HostHidesLayouts() { return rbversion >= 2016.0; }

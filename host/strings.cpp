@@ -21,7 +21,7 @@ struct OldString {
 
 constinit HostFunction<int32_t(REALstringStruct *)> LenB{"LenB( s as string ) as integer"};
 
-/// The bytes of a host string, held by a reference while they are read.
+/// The bytes of a host string, held by a reference while they are read if the host can add one.
 struct HostText {
     const UInt8 *bytes;
     CFIndex length;

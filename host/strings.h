@@ -1,5 +1,6 @@
 // Strings between the host and Core Foundation. Encodings are Core Foundation's numbers on both sides. A conversion
-// that fails gives null and raises nothing; what null means is for the caller to say.
+// that fails gives null and raises nothing, unless it fails because the host throws a C++ exception while it builds a
+// string; what null means is for the caller to say.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -12,7 +13,8 @@ constexpr CFStringEncoding kHostUnknownEncoding = 0xFFFF;
 /// +1; null for a null string or for bytes that Core Foundation rejects.
 [[nodiscard]] CFStringRef RBString2CFString(REALstringStruct *string);
 
-/// +1; null for a null or empty string.
+/// +1; null for a null or empty string, one without a UTF-8 form, or a host that cannot build it. C++ exceptions of the
+/// host come out as host exceptions.
 [[nodiscard]] REALstringStruct *CFString2RBString(CFStringRef string);
 
 /// +1; null for no bytes, a length outside 1 to 0x7FFFFFFF, or a host that cannot build it. C++ exceptions of the host
@@ -20,5 +22,5 @@ constexpr CFStringEncoding kHostUnknownEncoding = 0xFFFF;
 [[nodiscard]] REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFStringEncoding encoding);
 
 /// A host string with the UTF-8 form of UTF-16 text in host byte order, +1, or null. The length is in bytes, 0 to
-/// 0x7FFFFFFF.
+/// 0x7FFFFFFF. C++ exceptions of the host pass through.
 [[nodiscard]] REALstringStruct *REALBuildUnicodeStringUTF16(const void *bytes, int64_t length);

@@ -1,4 +1,4 @@
-// Buffers for texts that are too long for the stack.
+// Zeroed buffers on the heap: for texts that are too long for the stack, and for those that the interface puts there.
 #pragma once
 
 #include <cstdlib>

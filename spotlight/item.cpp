@@ -13,13 +13,16 @@ void rbMDItemCreate(REALobjectStruct *self, REALfolderItemStruct *path) {
         RaiseException("NilObjectException", "Folderitem is nil");
         return;
     }
-    const auto url = OwnedCF<CFURLRef>::Adopt(CreateCFURLfromFolderItem(path));
+    auto url = OwnedCF<CFURLRef>::Adopt(CreateCFURLfromFolderItem(path));
     if (!url) {
         RaiseException("NilObjectException", "Folderitem is invalid");
         return;
     }
-    ItemData(self).Handle = MDItemCreateWithURL(kCFAllocatorDefault, url.Get());
-    RequireItem(self);
+    const MDItemRef item = MDItemCreateWithURL(kCFAllocatorDefault, url.Get());
+    ItemData(self).Handle = item;
+    Release(url);
+    if (!item)
+        RaiseNoItem();
 }
 
 void MDItemDestructor(REALobjectStruct *self) {

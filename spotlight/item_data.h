@@ -17,8 +17,10 @@ extern REALclassDefinition MDItemClass;
 
 inline MDItemData &ItemData(REALobjectStruct *item) { return InstanceData<MDItemData>(item, MDItemClass); }
 
-/// The item of an instance, borrowed. Without one, a null instance included, it raises "NilObjectException" and gives
-/// null.
+/// Raises the "NilObjectException" of an object without an item.
+void RaiseNoItem();
+
+/// The item of an instance, borrowed. Without one, a null instance included, it raises and gives null.
 MDItemRef RequireItem(REALobjectStruct *self);
 
 /// A new host object that keeps the item alive; null for a null item or a host that cannot make one.

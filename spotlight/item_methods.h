@@ -4,6 +4,7 @@
 
 #include "host/handles.h"
 
+/// Raises "NilObjectException" when the folder item is null, has no URL or leads to no item; the object then has none.
 void rbMDItemCreate(REALobjectStruct *self, REALfolderItemStruct *path);
 void MDItemDestructor(REALobjectStruct *self);
 

@@ -2,10 +2,12 @@
 
 #include "host/exceptions.h"
 
+void RaiseNoItem() { RaiseException("NilObjectException", "MDItem Reference is nil"); }
+
 MDItemRef RequireItem(REALobjectStruct *self) {
     const MDItemRef item = self ? ItemData(self).Handle : nullptr;
     if (!item)
-        RaiseException("NilObjectException", "MDItem Reference is nil");
+        RaiseNoItem();
     return item;
 }
 

@@ -18,5 +18,5 @@ extern REALevent MDQueryEvents[3];
 
 inline MDQueryData &QueryData(REALobjectStruct *query) { return InstanceData<MDQueryData>(query, MDQueryClass); }
 
-/// The query of an instance, borrowed. Without one it raises "NilObjectException" and gives null.
+/// The query of an instance, which is not null; borrowed. Without one it raises "NilObjectException" and gives null.
 MDQueryRef RequireQuery(REALobjectStruct *self);

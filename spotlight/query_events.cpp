@@ -27,12 +27,13 @@ const REALevent *EventOf(CFStringRef name) {
     return nullptr;
 }
 
-/// What the host knows the event by. An old host knows the copy that it was given, to which the record points.
-uint32_t EventIdentifier(const REALevent &event) {
+/// What host code attached to an event of an object, or null. An old host knows the event by the copy that it was
+/// given, to which the record points; an event without a copy is unknown to it.
+HostCode HandlerOf(REALobjectStruct *self, const REALevent &event) {
     if (CurrentREALControlVersion != kOldDeclarationLayout)
-        return event.forSystemUse;
-    const auto *copy = reinterpret_cast<const uint32_t *>(event.forSystemUse);
-    return copy ? copy[1] : 0;
+        return REALGetEventInstance(self, event.forSystemUse);
+    const auto *copy = reinterpret_cast<const OldREALevent *>(event.forSystemUse);
+    return copy ? REALGetEventInstance(self, copy->forSystemUse) : nullptr;
 }
 
 OwnedCF<CFArrayRef> RetainedItems(CFDictionaryRef userInfo, CFStringRef key) {
@@ -68,7 +69,7 @@ void MyCallBack(CFNotificationCenterRef, void *observer, CFStringRef name, const
     if (!event)
         return;
     auto *self = static_cast<REALobjectStruct *>(observer);
-    const HostCode handler = REALGetEventInstance(self, EventIdentifier(*event));
+    const HostCode handler = HandlerOf(self, *event);
     if (!handler)
         return;
     if (event == &MDQueryEvents[kFinish])

@@ -22,6 +22,7 @@ bool rbMDQueryExecute(REALobjectStruct *self, int32_t flags);
 void rbMDQueryStop(REALobjectStruct *self);
 void rbMDQueryDisableUpdates(REALobjectStruct *self);
 void rbMDQueryEnableUpdates(REALobjectStruct *self);
+void rbMDQuerySetMaxCount(REALobjectStruct *self, int32_t size);
 bool rbMDQueryIsGatheringComplete(REALobjectStruct *self);
 int32_t rbMDQueryGetResultCount(REALobjectStruct *self);
 REALstringStruct *rbMDQueryCopyQueryString(REALobjectStruct *self);
@@ -41,7 +42,6 @@ _REALarrayObject *rbMDQueryCopyValuesOfAttribute(REALobjectStruct *self, REALstr
 // Configuration.
 REALobjectStruct *rbMDQueryBatchingParams(REALobjectStruct *self);
 void rbMDQuerySetBatchingParameters(REALobjectStruct *self, REALobjectStruct *parameters);
-void rbMDQuerySetMaxCount(REALobjectStruct *self, int32_t size);
 void rbMDQuerySetSearchScope(REALobjectStruct *self, _REALarrayFolderitem *paths, _REALarrayString *options);
 int32_t rbMDQueryGetSortOptionFlagsForAttribute(REALobjectStruct *self, REALstringStruct *fieldName);
 bool rbMDQuerySetSortOptionFlagsForAttribute(REALobjectStruct *self, REALstringStruct *fieldName, uint32_t flags);

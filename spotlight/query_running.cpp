@@ -25,6 +25,11 @@ void rbMDQueryEnableUpdates(REALobjectStruct *self) {
         MDQueryEnableUpdates(query);
 }
 
+void rbMDQuerySetMaxCount(REALobjectStruct *self, int32_t size) {
+    if (const MDQueryRef query = RequireQuery(self))
+        MDQuerySetMaxCount(query, size);
+}
+
 bool rbMDQueryIsGatheringComplete(REALobjectStruct *self) {
     const MDQueryRef query = RequireQuery(self);
     return query && MDQueryIsGatheringComplete(query);

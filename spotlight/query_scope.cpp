@@ -1,4 +1,4 @@
-// Where a query looks, and how much it may find.
+// Where a query looks.
 #include "convert/folder_items.h"
 #include "host/arrays.h"
 #include "host/exceptions.h"
@@ -20,10 +20,11 @@ public:
         const CFIndex index = count_++;
         if (index >= kMaximum)
             RaiseOutOfBoundsException(index, kMaximum);
-        else if (entries_)
+        else
             CFArrayAppendValue(entries_.Get(), entry);
     }
 
+    /// Null when no array could be created; nothing may be appended then.
     CFArrayRef Entries() const { return entries_.Get(); }
 
 private:
@@ -63,13 +64,9 @@ void rbMDQuerySetSearchScope(REALobjectStruct *self, _REALarrayFolderitem *paths
     if (!query)
         return;
     Scope scope;
+    if (!scope.Entries())
+        return;
     AppendFolders(scope, paths);
     AppendNames(scope, options);
-    if (scope.Entries())
-        MDQuerySetSearchScope(query, scope.Entries(), 0);
-}
-
-void rbMDQuerySetMaxCount(REALobjectStruct *self, int32_t size) {
-    if (const MDQueryRef query = RequireQuery(self))
-        MDQuerySetMaxCount(query, size);
+    MDQuerySetSearchScope(query, scope.Entries(), 0);
 }

@@ -18,7 +18,7 @@ REALstringStruct *CopyText(REALstringStruct *name, CFStringRef (*copyText)(CFStr
     return CFString2RBString(text.Get());
 }
 
-OwnedCF<CFDictionaryRef> CopyDescription(REALstringStruct *name) {
+OwnedCF<CFDictionaryRef> CopyMetaAttributes(REALstringStruct *name) {
     const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
     if (!attribute)
         return {};
@@ -59,8 +59,8 @@ _REALarrayString *rbMDSchemaCopyAllAttributes() {
 }
 
 REALstringStruct *GetAttributeType(REALstringStruct *name) {
-    const auto description = CopyDescription(name);
-    const void *value = description ? CFDictionaryGetValue(description.Get(), kMDAttributeType) : nullptr;
+    const auto attributes = CopyMetaAttributes(name);
+    const void *value = attributes ? CFDictionaryGetValue(attributes.Get(), kMDAttributeType) : nullptr;
     int32_t type = 0;
     if (!value || !CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberIntType, &type))
         return nullptr;
@@ -71,7 +71,7 @@ REALstringStruct *GetAttributeType(REALstringStruct *name) {
 }
 
 bool GetAttributeMultiValued(REALstringStruct *name) {
-    const auto description = CopyDescription(name);
-    const void *value = description ? CFDictionaryGetValue(description.Get(), kMDAttributeMultiValued) : nullptr;
+    const auto attributes = CopyMetaAttributes(name);
+    const void *value = attributes ? CFDictionaryGetValue(attributes.Get(), kMDAttributeMultiValued) : nullptr;
     return value && CFBooleanGetValue(static_cast<CFBooleanRef>(value));
 }

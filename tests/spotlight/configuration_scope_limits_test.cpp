@@ -1,6 +1,7 @@
 // Scopes of more than twenty entries, and arrays that change while they are read.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/control/faults.h"
 #include "simulator/macos/control/query_scope.h"
 #include "tests/spotlight/support/query_program.h"
 
@@ -112,6 +113,24 @@ TEST_CASE("An array of folder items that is emptied while it is read raises with
     query.Call<void>("SetSearchScope", paths, Object());
     CHECK(ScopeOf(query) == Names{"file:///usr/"}); // read before, and held meanwhile
     CHECK(TakeMessages(program) == TooBig(1, 1, 0));
+}
+
+TEST_CASE("A scope for which no array can be created raises nothing and sets nothing, whatever its length") {
+    namespace faults = sim::macos::faults;
+    for (const int32_t entries : {0, 1, 20, 21, 30}) {
+        CAPTURE(entries);
+        QueryProgram program;
+        Object query = program.NewQuery();
+        query.Call<void>("SetSearchScope", program.FolderItems({}), program.Strings({"before"}));
+        const Object options = program.Strings(Numbered(0, entries));
+        faults::Reset();
+        faults::FailEvery("CFArrayCreateMutable");
+        query.Call<void>("SetSearchScope", Folders(program, entries), options);
+        CHECK(faults::Failed() == 1);
+        faults::Reset();
+        CHECK(ScopeOf(query) == Names{"before"});
+        CHECK(program.Host().Raised().empty());
+    }
 }
 
 TEST_CASE("An array that grows while it is read is read as far as it reached at the beginning") {

@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/control/faults.h"
+#include "simulator/macos/control/ledger.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
 
@@ -83,6 +84,19 @@ TEST_CASE("An existing file that the system cannot describe raises the nil refer
     faults::Reset();
     CHECK(session.TakeException() == kNilItem);
     CHECK(HandleOf(item) == 0);
+}
+
+TEST_CASE("By the time the missing item is raised its URL is gone") {
+    const ItemFolder folder;
+    TestSession session;
+    size_t urls = 0;
+    session.Host().Before("RuntimeRaiseException", 1, [&urls] {
+        for (const auto &[serial, entry] : sim::macos::ledger::Take().objects)
+            urls += entry.type == "CFURL";
+    });
+    ConstructItem(session.Host(), folder.PathOf("missing"));
+    CHECK(session.TakeException() != "");
+    CHECK(urls == 0);
 }
 
 TEST_CASE("The constructor's exceptions carry an ASCII message and the number 0") {
