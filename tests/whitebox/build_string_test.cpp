@@ -300,7 +300,8 @@ TEST_CASE(
         host.Before("REALBuildString", kind.thrower);
         CHECK(Build(host, "abc", kUTF8) == std::nullopt);
         const HostException bare = {kind.raised.className, std::nullopt, 0};
-        CHECK(host.raised == std::vector{bare, bare});
+        // Nothing is built for an empty description, so nothing throws a second time.
+        CHECK(host.raised == std::vector<HostException>(kind.raised.message ? 2 : 1, bare));
         CHECK(host.Alive() == 0);
     }
 }

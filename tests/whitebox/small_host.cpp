@@ -202,7 +202,7 @@ struct SmallHost::Services {
             String::Of(string)->references++;
         Array::Of(array)->upperBound = static_cast<int32_t>(elements.size()) - 1;
     }
-    static ArrayStorer<REALstringStruct *>::ElementFunction StringArrayInsertProc(_REALarray *) {
+    static ArrayInserter<REALstringStruct *>::ElementFunction StringArrayInsertProc(_REALarray *) {
         Host().Enter("PluginStringArrayInsertProc");
         return InsertString;
     }
