@@ -2,16 +2,16 @@
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 option(SPOTLIGHT_SANITIZE "Build with AddressSanitizer, UndefinedBehaviorSanitizer and leak checks" OFF)
 option(SPOTLIGHT_FUZZ "Build code that tells a fuzzer where it was" OFF)
 option(SPOTLIGHT_COVERAGE "Build the product with code that counts how often it ran" OFF)
 
-add_compile_options(-m32 -msse2 -mfpmath=sse -fno-omit-frame-pointer)
+# All alike, programs too, so that they can share precompiled headers.
+add_compile_options(-m32 -msse2 -mfpmath=sse -fno-omit-frame-pointer -fPIC)
 set(SPOTLIGHT_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Werror)
 add_compile_options(${SPOTLIGHT_WARNINGS})
-add_link_options(-m32)
+add_link_options(-m32 -fuse-ld=lld-13)
 
 if(SPOTLIGHT_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined)

@@ -4,13 +4,9 @@
 #pragma once
 
 #include "simulator/session/session.h"
-
-#include <filesystem>
+#include "tests/support/plugin_path.h"
 
 namespace tests {
-
-/// The library under test, as the command line names it.
-const std::filesystem::path &PluginPath();
 
 class TestSession : public sim::Session {
 public:

@@ -40,7 +40,7 @@ function(add_macho_library target source own_imports)
   set(unit ${folder}/unit)
   add_custom_command(OUTPUT ${unit}.dylib
     COMMAND ${CMAKE_CXX_COMPILER} ${target_flags} -std=c++20 -O2 -fvisibility=hidden -fno-stack-protector
-      -fno-threadsafe-statics -nostdinc++ -nostdlibinc -D_LIBCPP_DISABLE_AVAILABILITY -D_LIBCPP_HAS_NO_THREADS
+      -fno-threadsafe-statics -fno-zero-initialized-in-bss -nostdinc++ -nostdlibinc -D_LIBCPP_DISABLE_AVAILABILITY -D_LIBCPP_HAS_NO_THREADS
       -D_LIBCPP_HAS_NO_LOCALIZATION -D_LIBCPP_HAS_NO_WIDE_CHARACTERS -I${CMAKE_SOURCE_DIR}
       -isystem ${LIBCXX_HEADERS} -isystem ${CMAKE_SOURCE_DIR}/platform/libc
       -MD -MT ${unit}.dylib -MF ${unit}.d -S ${CMAKE_CURRENT_SOURCE_DIR}/${source} -o ${unit}.compiled.s
@@ -52,7 +52,7 @@ function(add_macho_library target source own_imports)
       ${unit}.o ${unit}.thunks.o ${stubs} -o ${unit}.linked.dylib
     COMMAND ${python} ${tools}/finish.py --imports ${imports} --export _REALPluginMain
       ${unit}.linked.dylib ${unit}.dylib
-    DEPENDS ${source} ${stubs} ${tools}/rewrite.py ${tools}/thunks.py ${tools}/finish.py ${tools}/image.py
+    DEPENDS ${source} ${stubs} ${tools}/rewrite.py ${tools}/thunks.py ${tools}/finish.py ${tools}/header.py ${tools}/image.py
     DEPFILE ${unit}.d VERBATIM)
   add_custom_target(${target} DEPENDS ${unit}.dylib)
   set(${target}_FILE ${unit}.dylib PARENT_SCOPE)

@@ -1,0 +1,30 @@
+# Headers that nearly every source includes, read by the compiler once instead of once for each source. A compiler cache
+# does better without: it could not share what was compiled with the precompiled headers of another tree. Sources must
+# still include what they use, which ./dev lint sees to.
+option(SPOTLIGHT_PRECOMPILE "Compile with precompiled headers" ON)
+if(CMAKE_CXX_COMPILER_LAUNCHER)
+  set(SPOTLIGHT_PRECOMPILE OFF)
+endif()
+
+# add_precompiled_headers(<name> <header>...): for targets that are compiled with the options of the current folder.
+function(add_precompiled_headers name)
+  if(SPOTLIGHT_PRECOMPILE)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "// Nothing but its headers.\n")
+    add_library(${name} OBJECT ${source})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(${name} PRIVATE platform_headers)
+    target_precompile_headers(${name} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
+# use_precompiled_headers(<name> <target>...)
+function(use_precompiled_headers name)
+  if(SPOTLIGHT_PRECOMPILE)
+    foreach(target ${ARGN})
+      target_precompile_headers(${target} REUSE_FROM ${name})
+      # The name that CMake defines for a shared library would make it another compilation.
+      set_target_properties(${target} PROPERTIES DEFINE_SYMBOL "")
+    endforeach()
+  endif()
+endfunction()

@@ -1,0 +1,135 @@
+"""Runs clang-tidy on the sources that the lint preset compiles, each once: what it found nothing in is remembered.
+
+What is remembered of a source is one number, made from everything that the outcome depends on: the source and all that
+it includes of this tree, how it is compiled, the checks, and the versions of the tools and of the headers around it.
+"""
+
+from __future__ import annotations
+
+import argparse
+import functools
+import hashlib
+import json
+import os
+import re
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+_TIDY = "clang-tidy-14"
+_INCLUDE = re.compile(rb'^[ \t]*#[ \t]*(?:include|import)[ \t]*["<]([^">]+)[">]', re.MULTILINE)
+# The packages whose headers sources include; a new version may mean other findings.
+_PACKAGES = ("clang-tidy-14", "libstdc++-12-dev", "libc6-dev", "libicu-dev", "doctest-dev", "libbenchmark-dev")
+
+
+class Tree:
+    """The sources of one tree and what each depends on."""
+
+    def __init__(self, root: Path) -> None:
+        self.root = root.resolve()
+        self.build = self.root / "build" / "lint"
+        self.commands: dict[Path, str] = {}
+        for entry in json.loads((self.build / "compile_commands.json").read_text("utf-8")):
+            # The same source in two programs is read as the first of them compiles it.
+            self.commands.setdefault(Path(entry["file"]), entry["command"])
+        self._surroundings = _surroundings(self.root)
+
+    @functools.cache
+    def _contents(self, path: Path) -> tuple[str, tuple[Path, ...]]:
+        """A digest of the file, and the files of this tree that it includes, wherever it does so."""
+        contents = path.read_bytes()
+        included = []
+        for match in _INCLUDE.finditer(contents):
+            name = match[1].decode("utf-8", "replace")
+            for folder in (path.parent, self.root, self.root / "platform" / "include"):
+                if (candidate := folder / name).is_file():
+                    included.append(candidate.resolve())
+                    break
+        return hashlib.sha256(contents).hexdigest(), tuple(included)
+
+    def closure(self, source: Path) -> set[Path]:
+        """The source and everything of this tree that it includes, directly or not."""
+        found = {source}
+        waiting = [source]
+        while waiting:
+            for included in self._contents(waiting.pop())[1]:
+                if included not in found:
+                    found.add(included)
+                    waiting.append(included)
+        return found
+
+    def key(self, source: Path) -> str:
+        """The number that stands for the source and all that the findings in it depend on."""
+        command = self.commands[source].replace(str(self.root), "")
+        lines = [self._surroundings, command]
+        for path in sorted(self.closure(source)):
+            lines.append(f"{path.relative_to(self.root)} {self._contents(path)[0]}")
+        return hashlib.sha256("\n".join(lines).encode()).hexdigest()
+
+
+def _output(*command: str, cwd: Path | None = None) -> str:
+    return subprocess.run(command, cwd=cwd, capture_output=True, text=True).stdout
+
+
+def _surroundings(root: Path) -> str:
+    versions = _output("dpkg-query", "-W", "-f=${Package} ${Version}\n", *_PACKAGES)
+    return versions + (root / ".clang-tidy").read_text("utf-8")
+
+
+def changed_since(root: Path, reference: str) -> set[Path]:
+    """The files that differ from where this branch left that one, those that git does not know yet among them."""
+    base = _output("git", "merge-base", reference, "HEAD", cwd=root).strip() or reference
+    names = _output("git", "diff", "--name-only", "-z", base, cwd=root)
+    names += _output("git", "ls-files", "-z", "--others", "--exclude-standard", cwd=root)
+    return {root / name for name in names.split("\0") if name}
+
+
+def chosen(tree: Tree, changed: set[Path]) -> list[Path]:
+    """The changed sources, and for each changed header the sources named like it, or one that includes it."""
+    found = {source for source in tree.commands if source in changed}
+    for header in sorted(path for path in changed if path.suffix in (".h", ".def")):
+        users = sorted(source for source in tree.commands if header in tree.closure(source))
+        if users and not found.intersection(users):
+            found.add(next((user for user in users if user.stem == header.stem), users[0]))
+    return sorted(found)
+
+
+def tidy(tree: Tree, sources: list[Path]) -> bool:
+    """Whether nothing is found in these. Prints what is."""
+    clean = tree.build / "clean"
+    clean.mkdir(exist_ok=True)
+
+    def examine(source: Path) -> bool:
+        mark = clean / tree.key(source)
+        if mark.exists():
+            mark.touch()
+            return True
+        command = [_TIDY, "-p", str(tree.build), "--quiet", "--warnings-as-errors=*", str(source)]
+        examined = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        if examined.returncode == 0 and not examined.stdout:
+            mark.touch()
+            return True
+        sys.stdout.write(examined.stdout or f"{source}: {_TIDY} ended with {examined.returncode}\n")
+        sys.stdout.flush()
+        return False
+
+    with ThreadPoolExecutor(os.cpu_count()) as pool:
+        return all(list(pool.map(examine, sources)))
+
+
+def main() -> None:
+    """Command line: tidy.py TREE [--changed-since REFERENCE]. Exits with 1 if anything is found."""
+    parser = argparse.ArgumentParser()
+    parser.add_argument("tree", type=Path)
+    parser.add_argument("--changed-since")
+    arguments = parser.parse_args()
+    tree = Tree(arguments.tree)
+    sources = sorted(tree.commands)
+    if arguments.changed_since:
+        sources = chosen(tree, changed_since(tree.root, arguments.changed_since))
+    sys.exit(0 if tidy(tree, sources) else 1)
+
+
+if __name__ == "__main__":
+    main()
