@@ -91,7 +91,7 @@ TEST_CASE("By the time the missing item is raised its URL is gone") {
     TestSession session;
     size_t urls = 0;
     session.Host().Before("RuntimeRaiseException", 1, [&urls] {
-        for (const auto &[serial, entry] : sim::macos::ledger::Take().objects)
+        for (const auto &entry : sim::macos::ledger::Since({}).made) // all that are alive
             urls += entry.type == "CFURL";
     });
     ConstructItem(session.Host(), folder.PathOf("missing"));
