@@ -47,6 +47,10 @@ const std::vector<ServiceCall> &Host::Calls() const { return runtime_->services.
 int32_t Host::CallCount(std::string_view name) const { return runtime_->services.CallCount(name); }
 void Host::ClearLog() { runtime_->services.ClearLog(); }
 
+void Host::Listen(std::function<void(const std::string &call)> listener) {
+    runtime_->services.listener = std::move(listener);
+}
+
 std::vector<std::string> Host::CallNames(bool withArguments) const {
     std::vector<std::string> names;
     for (const ServiceCall &call : Calls())

@@ -79,6 +79,9 @@ public:
     /// The names of the calls since the last ClearLog, in order; with their arguments where `withArguments`.
     std::vector<std::string> CallNames(bool withArguments = false) const;
     void ClearLog();
+    /// Tells of each call as it begins, with its arguments: texts, numbers, the contents of strings and the classes of
+    /// objects. An empty function ends it.
+    void Listen(std::function<void(const std::string &call)> listener);
     /// Every service of this stand-in, offered or not.
     static std::vector<std::string> ServiceNames();
 

@@ -1,7 +1,9 @@
 #include "simulator/host/services.h"
 
+#include "simulator/host/array_entity.h"
 #include "simulator/host/runtime.h"
 #include "simulator/host/stop.h"
+#include "simulator/host/string_entity.h"
 
 #include <algorithm>
 
@@ -38,6 +40,24 @@ void LeaveService() { Runtime::Current().services.Leave(); }
 int IndexOfService(const char *name) { return Services::IndexOf(name); }
 
 bool RecordsCalls() { return Runtime::Current().options.recordCalls; }
+
+bool HasListener() { return static_cast<bool>(Runtime::Current().services.listener); }
+
+void TellListener(const std::string &call) { Runtime::Current().services.listener(call); }
+
+std::string DescribeHandle(const void *handle) {
+    Heap &heap = Runtime::Current().heap;
+    if (!handle)
+        return "null";
+    if (!heap.IsLive(handle))
+        return "...";
+    Entity &entity = heap.At(handle, "an argument");
+    if (const auto *string = dynamic_cast<const StringEntity *>(&entity))
+        return "\"" + ToUTF8(string->GetText()) + "\"";
+    if (const auto *array = dynamic_cast<const ArrayEntity *>(&entity))
+        return array->ClassName() + '[' + std::to_string(array->Count()) + ']';
+    return entity.ClassName();
+}
 
 void RequireLoaded(const void *object, const char *name) {
     auto &instance = Runtime::Current().heap.Require<Instance>(object, "the object of a loaded method");

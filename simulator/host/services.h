@@ -47,6 +47,12 @@ void LeaveService();
 /// The place of a service in the table; asked once per process.
 int IndexOfService(const char *name);
 bool RecordsCalls();
+/// Whether somebody listens to the calls, and telling them.
+bool HasListener();
+void TellListener(const std::string &call);
+/// What a handle stands for: the text of a string, the class of an array and how many elements it has,
+/// the class of an object; "..." for what is no handle.
+std::string DescribeHandle(const void *handle);
 /// Stops unless that method was loaded on that very object.
 void RequireLoaded(const void *object, const char *name);
 
@@ -64,6 +70,16 @@ template <class T> void AppendArgument(std::string &text, T argument) {
         text += (text.empty() ? "" : ", ") + std::to_string(argument);
 }
 
+template <class T> void AppendHeard(std::string &text, T argument) {
+    text += text.empty() ? "" : ", ";
+    if constexpr (std::is_same_v<T, const char *>)
+        text += argument ? std::string("\"") + argument + "\"" : "null";
+    else if constexpr (std::is_arithmetic_v<T>)
+        text += std::to_string(argument);
+    else
+        text += DescribeHandle(reinterpret_cast<const void *>(argument));
+}
+
 struct LeaveAtEnd {
     ~LeaveAtEnd() { LeaveService(); }
 };
@@ -79,6 +95,11 @@ struct Thunk<name, reach, function> {
         std::string text;
         if (RecordsCalls())
             (detail::AppendArgument(text, arguments), ...);
+        if (HasListener()) {
+            std::string heard;
+            (detail::AppendHeard(heard, arguments), ...);
+            TellListener(name.text + ("(" + heard + ")"));
+        }
         if constexpr (reach == Reach::kObjectMethod)
             RequireLoaded(std::get<0>(std::tie(arguments...)), name.text);
         bool proceed = EnterService(index, RecordsCalls() ? &text : nullptr);
@@ -139,6 +160,8 @@ public:
     int32_t RequestCount(std::string_view name) const;
     int32_t CallCount(std::string_view name) const;
     void ClearLog();
+
+    std::function<void(const std::string &call)> listener;
 
     static std::span<const ServiceRow> Table();
     static int IndexOf(std::string_view name);

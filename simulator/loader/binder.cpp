@@ -13,8 +13,8 @@ std::string CName(const std::string &symbol) { return symbol.starts_with('_') ? 
 class Binder {
 public:
     Binder(const Image &image, const MappedImage &mapped, const LibraryOpener &open,
-           const std::set<std::string> &absent, std::string_view file)
-        : image_(image), mapped_(mapped), absent_(absent), file_(file) {
+           const std::set<std::string> &absent, ImportStubs &stubs, std::string_view file)
+        : image_(image), mapped_(mapped), absent_(absent), stubs_(stubs), file_(file) {
         for (const Dylib &dylib : image.dylibs) {
             libraries_.push_back(Open(open, dylib.installName));
             if (!libraries_.back() && !dylib.weak)
@@ -48,6 +48,7 @@ private:
         void *address = absent_.contains(CName(import.symbol)) ? nullptr : Find(import);
         if (!address && !import.weak)
             NoteUnmet(import);
+        address = stubs_.InFrontOf(CName(import.symbol), address);
         return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(address));
     }
 
@@ -78,6 +79,7 @@ private:
     const Image &image_;
     const MappedImage &mapped_;
     const std::set<std::string> &absent_;
+    ImportStubs &stubs_;
     std::string_view file_;
     std::vector<std::unique_ptr<Library>> libraries_; // in the order of image.dylibs
     std::string unmet_;
@@ -86,8 +88,8 @@ private:
 } // namespace
 
 void BindImports(const Image &image, const MappedImage &mapped, const LibraryOpener &open,
-                 const std::set<std::string> &absent, std::string_view file) {
-    Binder(image, mapped, open, absent, file).Bind();
+                 const std::set<std::string> &absent, ImportStubs &stubs, std::string_view file) {
+    Binder(image, mapped, open, absent, stubs, file).Bind();
 }
 
 } // namespace sim::loader

@@ -41,10 +41,17 @@ int ProtectionOf(ElfW(Word) flags) {
     return (flags & PF_R ? PROT_READ : 0) | (flags & PF_W ? PROT_WRITE : 0) | (flags & PF_X ? PROT_EXEC : 0);
 }
 
+const link_map &MapOf(void *handle) {
+    const link_map *map = nullptr;
+    dlinfo(handle, RTLD_DI_LINKMAP, &map);
+    return *map;
+}
+
 } // namespace
 
-ElfImage::ElfImage(std::span<const uint8_t> bytes, std::string_view file, const std::set<std::string> &absent)
-    : counts_(HasCounters(bytes)) {
+ElfImage::ElfImage(std::span<const uint8_t> bytes, std::string_view file, const std::set<std::string> &absent,
+                   ImportWatch *watch)
+    : stubs_(watch), counts_(HasCounters(bytes)) {
     std::vector<uint8_t> copy(bytes.begin(), bytes.end());
     HideImports(copy, absent, file);
     descriptor_ = DescriptorHolding(copy, file);
@@ -57,6 +64,7 @@ ElfImage::ElfImage(std::span<const uint8_t> bytes, std::string_view file, const 
         close(descriptor_);
         throw LoadError(file, reason.starts_with(path + ": ") ? reason.substr(path.size() + 2) : reason);
     }
+    stubs_.PutInFrontOf(MapOf(handle_));
     FindSegments();
 }
 
@@ -82,8 +90,7 @@ void ElfImage::Wake() {
 void *ElfImage::Find(const std::string &name) const { return dlsym(handle_, name.c_str()); }
 
 void ElfImage::FindSegments() {
-    const link_map *map = nullptr;
-    dlinfo(handle_, RTLD_DI_LINKMAP, &map);
+    const link_map *map = &MapOf(handle_);
     struct Search {
         const link_map *map;
         ElfImage *image;

@@ -2,6 +2,7 @@
 // when the same file was loaded before.
 #pragma once
 
+#include "simulator/loader/import_watch.h"
 #include "simulator/loader/static_data.h"
 
 #include <cstdint>
@@ -19,8 +20,9 @@ namespace sim::loader {
 class ElfImage {
 public:
     // Loads a copy of the library in `bytes`. Its imports of the C names in `absent` are not met: weak ones become
-    // null, others fail the load. Throws LoadError.
-    ElfImage(std::span<const uint8_t> bytes, std::string_view file, const std::set<std::string> &absent);
+    // null, others fail the load. `watch` hears of its calls and may be null. Throws LoadError.
+    ElfImage(std::span<const uint8_t> bytes, std::string_view file, const std::set<std::string> &absent,
+             ImportWatch *watch = nullptr);
     ElfImage(const ElfImage &) = delete;
     ElfImage &operator=(const ElfImage &) = delete;
     ~ElfImage();
@@ -51,6 +53,7 @@ private:
     void AddSegments(const dl_phdr_info &info);
     void Protect(bool accessible) const;
 
+    ImportStubs stubs_;
     bool counts_;
     int descriptor_;
     void *handle_ = nullptr;

@@ -25,9 +25,9 @@ std::string Demangled(const std::string &symbol) {
 } // namespace
 
 MachOImage::MachOImage(std::span<const uint8_t> bytes, std::string_view file, const LibraryOpener &open,
-                       const std::set<std::string> &absent)
-    : image_(ReadImage(bytes, file)), mapped_(image_, bytes, file) {
-    BindImports(image_, mapped_, open, absent, file);
+                       const std::set<std::string> &absent, ImportWatch *watch)
+    : stubs_(watch), image_(ReadImage(bytes, file)), mapped_(image_, bytes, file) {
+    BindImports(image_, mapped_, open, absent, stubs_, file);
     if (const Section *frames = image_.FindSection("__TEXT", "__eh_frame"))
         unwind_.emplace(std::span<const uint8_t>(mapped_.At(frames->address), frames->size), file);
     mapped_.Protect();

@@ -4,6 +4,7 @@
 
 #include "simulator/loader/image.h"
 #include "simulator/loader/image_mapper.h"
+#include "simulator/loader/import_watch.h"
 #include "simulator/loader/library.h"
 #include "simulator/loader/static_data.h"
 #include "simulator/loader/unwind_table.h"
@@ -18,10 +19,10 @@ namespace sim::loader {
 
 class MachOImage {
 public:
-    // Brings the library in `bytes` to life; they are not needed afterwards. `absent` as for BindImports. Throws
-    // LoadError.
+    // Brings the library in `bytes` to life; they are not needed afterwards. `absent` as for BindImports; `watch`
+    // hears of its calls and may be null. Throws LoadError.
     MachOImage(std::span<const uint8_t> bytes, std::string_view file, const LibraryOpener &open,
-               const std::set<std::string> &absent);
+               const std::set<std::string> &absent, ImportWatch *watch = nullptr);
     MachOImage(const MachOImage &) = delete;
     MachOImage &operator=(const MachOImage &) = delete;
     ~MachOImage(); // runs the terminators and takes everything away
@@ -46,6 +47,7 @@ private:
     void End();
     void ForEachFunction(uint32_t sectionType, void (*call)(Initialiser)) const;
 
+    ImportStubs stubs_;
     Image image_;
     MappedImage mapped_;
     std::optional<UnwindRegistration> unwind_;

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <map>
 #include <sys/stat.h>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -92,10 +93,10 @@ private:
 // Keeps one image of a file while nobody uses it.
 class PluginImage::Lender {
 public:
-    static Lender &Of(const std::filesystem::path &path) {
+    static Lender &Of(const std::filesystem::path &path, const ImportWatch *watch) {
         Kind::Living(); // is to outlive the images kept here
-        static std::map<std::pair<std::filesystem::path, FileState>, Lender> lenders;
-        return lenders[{path, StateOf(path)}];
+        static std::map<std::tuple<std::filesystem::path, FileState, const ImportWatch *>, Lender> lenders;
+        return lenders[{path, StateOf(path), watch}];
     }
 
     // The image in its first state, or null when it is lent already or there never was one.
@@ -120,16 +121,19 @@ PluginImage PluginImage::Load(const std::filesystem::path &path, const LoadOptio
     const std::vector<uint8_t> bytes = ReadFile(path);
     const std::string file = path.string();
     if (IsElf(bytes))
-        return {path, std::make_unique<KindOf<ElfImage>>(bytes, file, options.absentSymbols), nullptr};
-    return {path, std::make_unique<KindOf<MachOImage>>(bytes, file, options.openLibrary, options.absentSymbols),
-            nullptr};
+        return {path, std::make_unique<KindOf<ElfImage>>(bytes, file, options.absentSymbols, options.watch), nullptr};
+    return {
+        path,
+        std::make_unique<KindOf<MachOImage>>(bytes, file, options.openLibrary, options.absentSymbols, options.watch),
+        nullptr};
 }
 
-PluginImage PluginImage::Borrow(const std::filesystem::path &path, const LibraryOpener &openLibrary) {
-    Lender &lender = Lender::Of(path);
+PluginImage PluginImage::Borrow(const std::filesystem::path &path, const LibraryOpener &openLibrary,
+                                ImportWatch *watch) {
+    Lender &lender = Lender::Of(path, watch);
     if (auto kind = lender.Lend())
         return {path, std::move(kind), &lender};
-    PluginImage image = Load(path, {.openLibrary = openLibrary});
+    PluginImage image = Load(path, {.openLibrary = openLibrary, .watch = watch});
     image.lender_ = &lender;
     return image;
 }

@@ -3,6 +3,7 @@
 // first state.
 #pragma once
 
+#include "simulator/loader/import_watch.h"
 #include "simulator/loader/library.h"
 #include "simulator/loader/load_error.h"
 
@@ -18,6 +19,8 @@ struct LoadOptions {
     std::set<std::string> absentSymbols = {};
     // What stands in for the libraries that a Mach-O image names. A shared library of this system finds its own.
     LibraryOpener openLibrary = OpenStandIn;
+    // Hears of the plugin's calls; borrowed for as long as the plugin is loaded.
+    ImportWatch *watch = nullptr;
 };
 
 class PluginImage {
@@ -31,8 +34,9 @@ public:
 
     // A copy in its first state for less work: one that was borrowed before and given back, if this file has not
     // changed since, else a fresh one, loaded with `openLibrary`. For plugins none of whose code runs before their
-    // entry point is called.
-    static PluginImage Borrow(const std::filesystem::path &path, const LibraryOpener &openLibrary = OpenStandIn);
+    // entry point is called. Who hears of its calls hears of those of later borrowers too, and must live for ever.
+    static PluginImage Borrow(const std::filesystem::path &path, const LibraryOpener &openLibrary = OpenStandIn,
+                              ImportWatch *watch = nullptr);
 
     PluginImage(PluginImage &&) noexcept;
     // Takes the code away, or gives it back: nobody may be left who could call it.

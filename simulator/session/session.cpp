@@ -20,8 +20,8 @@ const void *MakeCFString(const host::Text &text) {
 
 loader::PluginImage ImageFor(const SessionOptions &options) {
     if (options.absentSymbols.empty())
-        return loader::PluginImage::Borrow(options.plugin);
-    return loader::PluginImage::Load(options.plugin, {.absentSymbols = options.absentSymbols});
+        return loader::PluginImage::Borrow(options.plugin, loader::OpenStandIn, options.watch);
+    return loader::PluginImage::Load(options.plugin, {.absentSymbols = options.absentSymbols, .watch = options.watch});
 }
 
 } // namespace

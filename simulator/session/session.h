@@ -23,6 +23,8 @@ struct SessionOptions {
     host::HostOptions host = {};
     /// C names of symbols that the running system lacks. What is found by name at run time is the system's own affair.
     std::set<std::string> absentSymbols = {};
+    /// Hears of the plugin's calls of the system; borrowed for the life of the session.
+    loader::ImportWatch *watch = nullptr;
     /// Ends after loading; the test calls Start itself.
     bool start = true;
 };

@@ -45,6 +45,24 @@ TEST_CASE("Calls are counted and kept in their order with their texts and intege
     CHECK(host.CallCount("PluginNewInstance") == 0);
 }
 
+TEST_CASE("A listener is told of each call as it begins: texts, numbers, and what the handles stand for") {
+    HostUnderTest host;
+    auto setInteger = Ask<uint32_t(void *, const char *, int32_t)>("REALSetPropValueInteger");
+    auto upperBound = Ask<int32_t(void *)>("RuntimeUBound");
+    std::vector<std::string> heard;
+    host.Listen([&](const std::string &call) { heard.push_back(call); });
+    const Object date = host.NewDate({.year = 2014}), array = host.NewArray("string", {"a", "b"});
+    setInteger(date.Address(), "Year", -1);
+    upperBound(array.Address());
+    void *const string = host.NewString({"text"});
+    Ask<void(void *)>("REALUnlockString")(string);
+    Ask<void(void *)>("REALUnlockString")(nullptr);
+    host.Listen({});
+    upperBound(array.Address());
+    CHECK(heard == std::vector<std::string>{"REALSetPropValueInteger(Date, \"Year\", -1)", "RuntimeUBound(string()[2])",
+                                            "REALUnlockString(\"text\")", "REALUnlockString(null)"});
+}
+
 TEST_CASE("Every service that a plugin may ask for is offered by a modern host") {
     HostOptions options;
     options.version = 2016.1;

@@ -50,7 +50,8 @@ Bound BindAll(const ImageBuilder &builder, const std::set<std::string> &absent =
     const Image image = ReadImage(bytes, "file");
     result.image.emplace(image, bytes, "file");
     try {
-        BindImports(image, *result.image, open, absent, "file");
+        ImportStubs none(nullptr);
+        BindImports(image, *result.image, open, absent, none, "file");
     } catch (const LoadError &error) {
         result.fault = error.what();
     }

@@ -178,6 +178,39 @@ TEST_CASE("Functions and variables of other libraries are reached, and call-back
     });
 }
 
+class FriendsWatch final : public ImportWatch {
+public:
+    bool Wants(const std::string &name) const override { return name == "friendsFunction"; }
+    bool Hear(const char *name, const uint32_t *arguments) noexcept override {
+        heard.push_back(std::string(name) + " " + std::to_string(arguments[0]));
+        return lets;
+    }
+
+    std::vector<std::string> heard;
+    bool lets = true;
+};
+
+TEST_CASE("Whoever watches the imports hears of each call before it is made, and can keep it from being made") {
+    for (const char *path : kBothKinds) {
+        CAPTURE(path);
+        FriendsWatch watch;
+        LoadOptions options = Options();
+        options.watch = &watch;
+        const PluginImage image = PluginImage::Load(path, options);
+        const LibraryFunctions &functions = FunctionsOf(image);
+        CHECK(functions.datum() == 42);
+        CHECK(watch.heard.empty());
+        const auto same = [](int number) { return number; };
+        CHECK(functions.sum(same, 4) == 1010);
+        CHECK(watch.heard == std::vector<std::string>{"friendsFunction 10"});
+        watch.lets = false;
+        CHECK(functions.sum(same, 2) == 0);
+        watch.lets = true;
+        CHECK(functions.sum(same, 1) == 1001);
+        CHECK(watch.heard == std::vector<std::string>{"friendsFunction 10", "friendsFunction 3", "friendsFunction 1"});
+    }
+}
+
 TEST_CASE("Exceptions thrown by Linux code are caught in the library by their type") {
     OnBoth([](const LibraryFunctions &functions) {
         const auto caught = [&](void (*throwing)()) { return std::string(functions.caught(throwing)); };
