@@ -1,5 +1,7 @@
 #include "tests/support/test_session.h"
 
+#include "tests/support/plugin_watch.h"
+
 #include <doctest/doctest.h>
 
 namespace tests {
@@ -9,6 +11,7 @@ namespace {
 sim::SessionOptions Options(sim::host::HostOptions host, std::set<std::string> absentSymbols) {
     sim::SessionOptions options;
     options.plugin = PluginPath();
+    options.watch = &PluginWatch::Instance();
     options.host = std::move(host);
     options.absentSymbols = std::move(absentSymbols);
     return options;

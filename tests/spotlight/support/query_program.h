@@ -5,6 +5,7 @@
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/control/scripted_store.h"
+#include "tests/support/printed_lists.h"
 #include "tests/support/test_session.h"
 
 #include <CoreServices/CoreServices.h>
@@ -87,17 +88,3 @@ private:
 };
 
 } // namespace tests
-
-namespace doctest {
-
-/// What a failed check prints of lists.
-template <class Element> struct StringMaker<std::vector<Element>> {
-    static String convert(const std::vector<Element> &elements) {
-        String text = "{";
-        for (const Element &element : elements)
-            text += String(" ") + toString(element);
-        return text + " }";
-    }
-};
-
-} // namespace doctest
