@@ -105,14 +105,29 @@ TEST_CASE("On an old host each event of the plugin's table points at the convert
     }
 }
 
-TEST_CASE("A table that a class does not have stays null, count and all, in both layouts") {
-    constexpr size_t kTables[] = {9, 11, 13, 18, 21, 23};
-    for (const double version : {2011.4, 2013.04}) {
+TEST_CASE("What a class does not have is null, not empty: no superclass, no group, no table, no count") {
+    const struct {
+        const char *name;
+        std::vector<size_t> absentTables;
+    } classes[] = {{"MDItemQTX", {11, 13, 16, 18, 21}},
+                   {"MDQueryQTX", {13, 16, 21, 23}},
+                   {"MDQueryBatchingParamsQTX", {9, 11, 13, 16, 18, 21, 23}}};
+    for (const double version : {2011.4, 2012.5, 2013.04}) {
         TestSession session(version);
-        const auto words = WordsNow(session.Host().Arrived().Class("MDQueryBatchingParamsQTX"));
-        for (const size_t table : kTables) {
-            CHECK(words[table] == 0);
-            CHECK(words[table + 1] == 0);
+        for (const auto &row : classes) {
+            CAPTURE(row.name);
+            const auto &record = session.Host().Arrived().Class(row.name);
+            const auto words = WordsNow(record);
+            constexpr size_t kSuperName = 2, kConstructor = 5, kInterfaces = 15;
+            CHECK(words[kSuperName] == 0);
+            CHECK(words[kConstructor] == 0);
+            CHECK(words[kInterfaces] == 0);
+            for (const size_t table : row.absentTables) {
+                CHECK(words[table] == 0);
+                CHECK(words[table + 1] == 0);
+            }
+            for (const auto &property : record.properties)
+                CHECK(property.words[0] == 0); // the group
         }
     }
 }
