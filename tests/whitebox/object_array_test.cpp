@@ -1,0 +1,79 @@
+// Storing into an old host's array in place: what is held and given up, in which order, and what the array shows of it
+// meanwhile.
+#include <doctest/doctest.h>
+
+#include "host/arrays.h"
+#include "tests/whitebox/fake_resolver.h"
+#include "tests/whitebox/restored.h"
+
+#include <string>
+#include <vector>
+
+using whitebox::FakeResolver;
+using whitebox::Restored;
+
+namespace {
+
+/// An array of one element as hosts before 2016 lay it out.
+struct OldArray {
+    uint32_t others[7] = {};
+    REALobjectStruct **elements;
+};
+
+char firstObject, secondObject;
+REALobjectStruct *const kPrevious = reinterpret_cast<REALobjectStruct *>(&firstObject);
+REALobjectStruct *const kStored = reinterpret_cast<REALobjectStruct *>(&secondObject);
+
+REALobjectStruct *element = nullptr;
+std::vector<std::string> events;
+
+std::string NameOf(REALobjectStruct *object) {
+    return !object ? "nothing" : object == kPrevious ? "previous" : "stored";
+}
+
+void Note(const char *what, REALobjectStruct *object) {
+    events.push_back(std::string(what) + " " + NameOf(object) + ", in its place " + NameOf(element));
+}
+
+/// What happens while an object, or null, is stored where the previous one is.
+std::vector<std::string> EventsOfStoring(REALobjectStruct *object, REALobjectStruct *previous) {
+    FakeResolver resolver;
+    const Restored bound(REALGetArrayUBound);
+    const Restored lock(REALLockObject), unlock(REALUnlockObject);
+    resolver.Offer(
+        "RuntimeUBound", +[](_REALarray *) -> int32_t { return 0; });
+    resolver.Offer(
+        "REALLockObject", +[](REALobjectStruct *locked) { Note("lock", locked); });
+    resolver.Offer(
+        "REALUnlockObject", +[](REALobjectStruct *unlocked) { Note("unlock", unlocked); });
+    rbversion = 2013.04;
+    element = previous;
+    events.clear();
+    OldArray array = {.elements = &element};
+    StoreArrayObject(reinterpret_cast<_REALarray *>(&array), 0, object);
+    rbversion = 0;
+    return events;
+}
+
+using Events = std::vector<std::string>;
+
+} // namespace
+
+TEST_CASE("An object is held before the one in its place is given up, and the place is empty meanwhile") {
+    CHECK(EventsOfStoring(kStored, kPrevious) ==
+          Events{"lock stored, in its place previous", "unlock previous, in its place nothing"});
+    CHECK(element == kStored);
+}
+
+TEST_CASE("The object that is there already is stored again without being lost") {
+    CHECK(EventsOfStoring(kPrevious, kPrevious) ==
+          Events{"lock previous, in its place previous", "unlock previous, in its place nothing"});
+    CHECK(element == kPrevious);
+}
+
+TEST_CASE("Where nothing was, nothing is given up, and storing nothing empties the place") {
+    CHECK(EventsOfStoring(kStored, nullptr) == Events{"lock stored, in its place nothing"});
+    CHECK(element == kStored);
+    CHECK(EventsOfStoring(nullptr, kPrevious) == Events{"unlock previous, in its place nothing"});
+    CHECK(element == nullptr);
+}
