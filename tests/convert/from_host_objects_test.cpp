@@ -223,3 +223,21 @@ TEST_CASE("Companions' data is read where the host says that root classes begin,
     const CoreValue held = tests::CoreText("held");
     CHECK(session.TextInCore(NewWrapper(session, "CFObjectQTX", held.Get())) == "\"held\"");
 }
+
+TEST_CASE("The place of companions' data is read anew at each conversion") {
+    HostOptions options;
+    options.companions = {{.name = "CGPointQTX", .wraps = false, .dataSize = 64}};
+    ValueSession session(options);
+    const Object point = session.Host().Create("CGPointQTX");
+    auto *const bytes = static_cast<char *>(point.Data());
+    const double early[] = {1, 2}, late[] = {3, 4};
+    std::memcpy(bytes, early, sizeof early);
+    std::memcpy(bytes + 32, late, sizeof late);
+    const auto begin = static_cast<int32_t>(bytes - static_cast<char *>(point.Address()));
+    const std::string earlyText = "Data 0000803f00000040", lateText = "Data 0000404000008040";
+    CHECK(session.TextInCore(point) == earlyText);
+    session.Host().SetForSystemUse("MDItemQTX", begin + 32);
+    CHECK(session.TextInCore(point) == lateText);
+    session.Host().SetForSystemUse("MDItemQTX", begin);
+    CHECK(session.TextInCore(point) == earlyText);
+}

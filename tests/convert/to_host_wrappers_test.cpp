@@ -177,12 +177,34 @@ TEST_CASE("An instance without a wrapper's tag gives nil: it is left as it is, a
     }
 }
 
-TEST_CASE("A wrapper's data is found where the host says that root classes begin, asked at each conversion") {
+TEST_CASE("A wrapper's data is found where the host says that root classes begin") {
     HostOptions options = tests::WithCompanions({"CFUUIDQTX", "CGImageQTX"});
     options.rootDataOffset = 40;
     ValueSession session(options);
     CheckWrapped(session, "CFUUID", "CFUUIDQTX");
     CheckWrapped(session, "CGImage", "CGImageQTX");
+}
+
+TEST_CASE("Where a wrapper's data is found is asked at each conversion") {
+    // Not declared as a wrapper, so that the host leaves what is written there to this test.
+    HostOptions options;
+    options.companions = {{.name = "CGImageQTX", .wraps = false, .dataSize = 64}};
+    ValueSession session(options);
+    const CoreValue image = CoreInstance("CGImage");
+    int32_t begin = 0;
+    for (const int32_t further : {0, 32, 0}) {
+        CAPTURE(further);
+        if (begin != 0)
+            session.Host().SetForSystemUse("MDItemQTX", begin + further);
+        Object item = session.ItemWith(image.Get());
+        const auto wrapper = item.Call<Object>("GetAttribute", "value");
+        const auto *const bytes = static_cast<const char *>(wrapper.Data());
+        begin = static_cast<int32_t>(bytes - static_cast<const char *>(wrapper.Address()));
+        CFTypeRef held = nullptr;
+        std::memcpy(&held, bytes + further, sizeof held);
+        REQUIRE(held == image.Get());
+        CFRelease(held);
+    }
 }
 
 TEST_CASE("A host that cannot make instances gives nil for every reference") {
