@@ -2,6 +2,7 @@
 
 #include "simulator/host/instance.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -52,6 +53,7 @@ std::string TextOfObject(const Object &object) {
     if (name == "Dictionary") {
         for (const auto &[key, value] : object.Entries())
             parts.push_back(TextOf(key) + ": " + TextOf(value));
+        std::sort(parts.begin(), parts.end());
         return "{" + Joined(parts) + "}";
     }
     if (name == "Date")
@@ -115,6 +117,7 @@ std::string TextOf(CFTypeRef value) {
     if (const auto *dictionary = Cast<Dictionary>(value)) {
         for (const auto &[key, held] : dictionary->Pairs())
             parts.push_back(TextOf(key) + ": " + TextOf(held));
+        std::sort(parts.begin(), parts.end());
         return "{" + Joined(parts) + "}";
     }
     return TypeName(type);

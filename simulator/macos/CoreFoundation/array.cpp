@@ -68,9 +68,10 @@ CFArrayRef CFArrayCreate(CFAllocatorRef, const void **values, CFIndex count, con
     if (create.Fails())
         return nullptr;
     auto *array = new Array(callBacks, false);
+    auto held = CFRef<CFArrayRef>::Adopt(array->As<CFArrayRef>());
     for (CFIndex index = 0; index < count; ++index)
         array->Append(values[index]);
-    return array->As<CFArrayRef>();
+    return held.Give();
 }
 
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex capacity, const CFArrayCallBacks *callBacks) {

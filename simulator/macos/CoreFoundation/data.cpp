@@ -10,11 +10,6 @@
 
 namespace sim::macos {
 
-Data::Data(std::span<const UInt8> bytes) {
-    bytes_.reserve(std::max<std::size_t>(bytes.size(), 1)); // an address even when there is nothing at it
-    bytes_.assign(bytes.begin(), bytes.end());
-}
-
 bool Data::EqualTo(const Object &other) const { return bytes_ == static_cast<const Data &>(other).bytes_; }
 
 CFHashCode Data::Hash() const {
@@ -52,14 +47,17 @@ CFTypeID CFDataGetTypeID() {
 }
 
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8 *bytes, CFIndex length) {
-    if (length < 0 || (length > 0 && !bytes))
-        Stop("CFDataCreate was given no bytes, or less than none");
-    if (create.Fails())
+    if (length > 0 && !bytes)
+        Stop("CFDataCreate was given no bytes");
+    if (create.Fails() || length < 0)
         return nullptr;
     return MakeData({bytes, static_cast<std::size_t>(length)}).Give();
 }
 
-const UInt8 *CFDataGetBytePtr(CFDataRef data) { return Expect<Data>(data).Bytes().data(); }
+const UInt8 *CFDataGetBytePtr(CFDataRef data) {
+    const std::span<const UInt8> bytes = Expect<Data>(data).Bytes();
+    return bytes.empty() ? nullptr : bytes.data();
+}
 
 CFIndex CFDataGetLength(CFDataRef data) {
     const auto length = static_cast<CFIndex>(Expect<Data>(data).Bytes().size());

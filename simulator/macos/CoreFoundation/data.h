@@ -1,4 +1,4 @@
-// Byte buffers: a copy of the bytes they were made from, never changed. An empty buffer has a byte pointer too.
+// Byte buffers: a copy of the bytes they were made from, never changed. An empty buffer has no byte pointer.
 #pragma once
 
 #include "simulator/macos/CoreFoundation/object.h"
@@ -13,7 +13,7 @@ namespace sim::macos {
 
 class Data final : public Object {
 public:
-    explicit Data(std::span<const UInt8> bytes);
+    explicit Data(std::span<const UInt8> bytes) : bytes_(bytes.begin(), bytes.end()) {}
 
     CFTypeID TypeID() const override { return CFDataGetTypeID(); }
     bool EqualTo(const Object &other) const override;

@@ -3,6 +3,8 @@
 
 #include "simulator/macos/control/faults.h"
 
+#include <algorithm>
+
 namespace sim::macos {
 
 Dictionary::Dictionary(const CFDictionaryKeyCallBacks *keyCallBacks, const CFDictionaryValueCallBacks *valueCallBacks,
@@ -17,12 +19,8 @@ Dictionary::Dictionary(const CFDictionaryKeyCallBacks *keyCallBacks, const CFDic
 }
 
 Dictionary::~Dictionary() {
-    for (const Pair &pair : pairs_) {
-        if (keyCallBacks_.release)
-            keyCallBacks_.release(kCFAllocatorSystemDefault, pair.key);
-        if (valueCallBacks_.release)
-            valueCallBacks_.release(kCFAllocatorSystemDefault, pair.value);
-    }
+    for (const Pair &pair : pairs_)
+        Release(pair);
 }
 
 bool Dictionary::EqualTo(const Object &other) const {
@@ -59,16 +57,32 @@ const Dictionary::Pair *Dictionary::Find(const void *key) const {
 void Dictionary::Set(const void *key, const void *value) {
     if (applications_ > 0)
         Stop("a dictionary cannot be changed while a function is applied to it");
-    const void *kept = valueCallBacks_.retain ? valueCallBacks_.retain(kCFAllocatorSystemDefault, value) : value;
+    const CFHashCode hash = HashOf(key);
+    const Pair pair{keyCallBacks_.retain ? keyCallBacks_.retain(kCFAllocatorSystemDefault, key) : key,
+                    valueCallBacks_.retain ? valueCallBacks_.retain(kCFAllocatorSystemDefault, value) : value};
     if (const Pair *known = Find(key)) {
-        const void *before = std::exchange(pairs_[static_cast<std::size_t>(known - pairs_.data())].value, kept);
-        if (valueCallBacks_.release)
-            valueCallBacks_.release(kCFAllocatorSystemDefault, before);
+        Release(std::exchange(pairs_[static_cast<std::size_t>(known - pairs_.data())], pair));
         return;
     }
-    const CFHashCode hash = HashOf(key);
-    pairs_.push_back({keyCallBacks_.retain ? keyCallBacks_.retain(kCFAllocatorSystemDefault, key) : key, kept});
+    pairs_.push_back(pair);
     places_.emplace(hash, pairs_.size() - 1);
+}
+
+void Dictionary::Release(const Pair &pair) const {
+    if (keyCallBacks_.release)
+        keyCallBacks_.release(kCFAllocatorSystemDefault, pair.key);
+    if (valueCallBacks_.release)
+        valueCallBacks_.release(kCFAllocatorSystemDefault, pair.value);
+}
+
+std::vector<Dictionary::Pair> Dictionary::InHashOrder() const {
+    std::vector<Pair> pairs = pairs_;
+    const auto isEarlier = [&](const Pair &one, const Pair &other) { return HashOf(one.key) < HashOf(other.key); };
+    if (std::is_sorted(pairs.begin(), pairs.end(), isEarlier))
+        std::reverse(pairs.begin(), pairs.end());
+    else
+        std::stable_sort(pairs.begin(), pairs.end(), isEarlier);
+    return pairs;
 }
 
 void Dictionary::Apply(CFDictionaryApplierFunction applier, void *context) {
@@ -77,7 +91,7 @@ void Dictionary::Apply(CFDictionaryApplierFunction applier, void *context) {
         explicit Application(int &applications) : count(applications) { ++count; }
         ~Application() { --count; }
     } application(applications_);
-    for (const Pair &pair : pairs_)
+    for (const Pair &pair : InHashOrder())
         applier(pair.key, pair.value, context);
 }
 

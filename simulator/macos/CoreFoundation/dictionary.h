@@ -1,6 +1,7 @@
 // Dictionaries of pointers with the callbacks they were made with. The real system applies a function to the pairs in
-// an order it does not promise; here it is always the order in which the keys were first set, so that runs can be
-// compared. Changing a dictionary while a function is applied to it is refused.
+// an order it does not promise. Here it is the order of the keys' hashes, so that runs can be compared, and never that
+// in which they were set, so that nobody comes to rely on it. Changing a dictionary while a function is applied to it
+// is refused.
 #pragma once
 
 #include "simulator/macos/CoreFoundation/object.h"
@@ -35,12 +36,14 @@ public:
     std::span<const Pair> Pairs() const { return pairs_; }
     bool IsMutable() const { return isMutable_; }
     const Pair *Find(const void *key) const;
-    /// Retains as the callbacks say. A key that is there already stays; its value is replaced.
+    /// Retains as the callbacks say. An equal key that is there already is replaced, and its value with it.
     void Set(const void *key, const void *value);
     void Apply(CFDictionaryApplierFunction applier, void *context);
 
 private:
     CFHashCode HashOf(const void *key) const;
+    std::vector<Pair> InHashOrder() const;
+    void Release(const Pair &pair) const;
 
     std::vector<Pair> pairs_;
     std::unordered_multimap<CFHashCode, std::size_t> places_;
@@ -50,8 +53,7 @@ private:
     bool isMutable_;
 };
 
-/// A new immutable dictionary that retains the given objects. None of them may be null; of equal keys the first stays,
-/// with the value of the last.
+/// A new immutable dictionary that retains the given objects. None of them may be null; of equal keys the last stays.
 CFRef<CFDictionaryRef> MakeDictionary(std::span<const std::pair<CFTypeRef, CFTypeRef>> pairs);
 
 } // namespace sim::macos

@@ -2,13 +2,14 @@
 #include "simulator/macos/CoreFoundation/url.h"
 
 #include "simulator/macos/CoreFoundation/file_system.h"
+#include "simulator/macos/CoreFoundation/string_encoding.h"
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/CoreFoundation/utf8.h"
 #include "simulator/macos/control/faults.h"
 
 #include <strings.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -34,22 +35,21 @@ std::string_view WithoutFinalSlashes(std::string_view path) {
     return path;
 }
 
-// The part after the last slash, slashes at the end aside; "/" when there is nothing else.
+// The part after the last slash, one slash at the end aside; "/" when there is nothing else.
 std::string_view LastComponent(std::string_view path) {
-    path = WithoutFinalSlashes(path);
-    return path == "/" ? path : path.substr(path.find_last_of('/') + 1);
+    if (path == "/")
+        return path;
+    if (path.ends_with('/'))
+        path.remove_suffix(1);
+    return path.substr(path.find_last_of('/') + 1);
 }
 
 std::string WithoutLastComponent(std::string_view path) {
-    path = WithoutFinalSlashes(path);
     const std::string_view last = LastComponent(path);
-    if (path == "/")
-        return "/../";
-    if (last == "..")
-        return std::string(path) + "/../";
-    if (last == ".")
-        return std::string(path.substr(0, path.size() - 1)) + "../";
-    path.remove_suffix(last.size());
+    const std::string_view slash = path.empty() || path.ends_with('/') ? "" : "/";
+    if (last.empty() || last == "/" || last == "." || last == "..")
+        return std::string(path) + std::string(slash) + "../";
+    path = path.substr(0, static_cast<std::size_t>(last.data() - path.data()));
     return path.empty() ? "./" : std::string(path);
 }
 
@@ -72,18 +72,26 @@ std::string WithoutDotSegments(std::string_view path) {
     return text + (isDirectory && !kept.empty() ? "/" : "");
 }
 
-bool IsLegal(std::u16string_view text) {
-    constexpr std::u16string_view kIllegal = u"\"<>\\^`{|}";
-    constexpr std::u16string_view kHex = u"0123456789abcdefABCDEF";
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        const char16_t unit = text[index];
-        if (unit <= u' ' || unit > u'~' || kIllegal.find(unit) != std::u16string_view::npos)
-            return false;
-        if (unit == u'%' && (index + 2 >= text.size() || kHex.find(text[index + 1]) == std::u16string_view::npos ||
-                             kHex.find(text[index + 2]) == std::u16string_view::npos))
-            return false;
+// The text of a URL in ASCII: brackets and what ASCII lacks escaped. Nothing when there are other illegal characters,
+// a second number sign or half an escape.
+std::optional<std::string> LegalText(std::u16string_view text) {
+    constexpr std::string_view kIllegal = "\"<>\\^`{|}\x7F";
+    constexpr std::string_view kHex = "0123456789abcdefABCDEF";
+    const std::optional<std::string> bytes = Encode(text, kCFStringEncodingUTF8);
+    if (!bytes || std::count(bytes->begin(), bytes->end(), '#') > 1)
+        return std::nullopt;
+    std::string legal;
+    for (std::size_t index = 0; index < bytes->size(); ++index) {
+        const char byte = (*bytes)[index];
+        if ((byte >= 0 && byte <= ' ') || kIllegal.find(byte) != std::string_view::npos)
+            return std::nullopt;
+        if (byte == '%' && (index + 2 >= bytes->size() || kHex.find((*bytes)[index + 1]) == std::string_view::npos ||
+                            kHex.find((*bytes)[index + 2]) == std::string_view::npos))
+            return std::nullopt;
+        const bool escaped = byte < 0 || byte == '[' || byte == ']';
+        legal += escaped ? EscapedPath({&byte, 1}) : std::string(1, byte);
     }
-    return true;
+    return legal;
 }
 
 std::string CurrentFolder() {
@@ -95,7 +103,7 @@ std::string CurrentFolder() {
 
 // UTF-8 text as a string; null for other bytes.
 CFStringRef StringFromBytes(std::string_view bytes) {
-    const std::optional<std::u16string> text = DecodeUtf8(bytes);
+    const std::optional<std::u16string> text = Decode(bytes, kCFStringEncodingUTF8, false);
     return text ? MakeString(*text).Give() : nullptr;
 }
 
@@ -131,16 +139,19 @@ UrlParts Url::Absolute() const {
     if (parts_.authority) {
         absolute.authority = parts_.authority;
         absolute.path = WithoutDotSegments(parts_.path);
-        absolute.query = parts_.query;
-    } else if (parts_.path.empty()) {
+    } else if (!parts_.path.empty()) {
+        const std::string folder = absolute.path.substr(0, absolute.path.find_last_of('/') + 1);
+        if (parts_.path.starts_with('/') || !folder.empty())
+            absolute.path = WithoutDotSegments(parts_.path.starts_with('/') ? parts_.path : folder + parts_.path);
+        else // the real system leaves the dots of what follows a bare host
+            absolute.path = (absolute.authority ? "/" : "") + parts_.path;
+    } else if (!parts_.parameters) {
         if (parts_.query)
             absolute.query = parts_.query;
-    } else {
-        const std::string folder = absolute.path.substr(0, absolute.path.find_last_of('/') + 1);
-        const std::string start = absolute.authority && folder.empty() ? "/" : folder;
-        absolute.path = WithoutDotSegments(parts_.path.starts_with('/') ? parts_.path : start + parts_.path);
-        absolute.query = parts_.query;
+        return absolute;
     }
+    absolute.parameters = parts_.parameters;
+    absolute.query = parts_.query;
     return absolute;
 }
 
@@ -167,24 +178,23 @@ CFTypeID CFURLGetTypeID() {
 
 CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef string, CFURLRef base) {
     StringText text(string);
-    if (createWithString.Fails() || !IsLegal(text.View()) || (text.View().empty() && !base))
+    const std::optional<std::string> legal = LegalText(text.View());
+    if (createWithString.Fails() || !legal || legal->empty())
         return nullptr;
-    return NewUrl(Utf8(text.View()), base);
+    return NewUrl(*legal, base);
 }
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle style, Boolean isDirectory) {
     RequirePosixStyle(style);
     StringText text(path);
-    const std::optional<std::string> bytes = EncodeUtf8(text.View());
+    const std::optional<std::string> bytes = Encode(text.View(), kCFStringEncodingUTF8);
     if (createWithFileSystemPath.Fails() || !bytes || bytes->empty())
         return nullptr;
     const std::string_view trimmed = WithoutFinalSlashes(*bytes);
     if (trimmed.starts_with('/'))
         return MakeFileUrl(trimmed, isDirectory).Give();
-    // A colon in the first name would make a scheme of it.
-    const bool ambiguous = trimmed.substr(0, trimmed.find('/')).find(':') != std::string_view::npos;
-    const auto base = MakeFileUrl(CurrentFolder(), true);
-    return NewUrl((ambiguous ? "./" : "") + EscapedPath(trimmed) + (isDirectory ? "/" : ""), base.Get());
+    // A colon in the first name makes a scheme of it, as on the real system.
+    return NewUrl(EscapedPath(trimmed) + (isDirectory ? "/" : ""), MakeFileUrl(CurrentFolder(), true).Get());
 }
 
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef *ref) {
@@ -221,7 +231,7 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style) {
 CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url, CFStringRef component,
                                                Boolean isDirectory) {
     const Url &whole = Expect<Url>(url);
-    const std::optional<std::string> bytes = EncodeUtf8(StringText(component).View());
+    const std::optional<std::string> bytes = Encode(StringText(component).View(), kCFStringEncodingUTF8);
     UrlParts parts = whole.Parts();
     if (createAppending.Fails() || parts.IsOpaque() || !bytes)
         return nullptr;
@@ -236,7 +246,7 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url, CFS
 CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {
     const Url &whole = Expect<Url>(url);
     UrlParts parts = whole.Parts();
-    if (createDeleting.Fails() || parts.IsOpaque() || parts.path.empty())
+    if (createDeleting.Fails() || parts.IsOpaque() || (parts.path.empty() && !parts.authority))
         return nullptr;
     parts.path = WithoutLastComponent(parts.path);
     return NewUrl(parts.ToString(), whole.Base());

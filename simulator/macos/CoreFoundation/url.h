@@ -1,5 +1,6 @@
 // URLs: a string of legal characters and, for a relative one, the URL it is relative to. The parts are found by the
-// generic syntax; nothing is known of particular schemes but that "file" names files of this system.
+// older generic syntax, in which a semicolon ends the path; nothing is known of particular schemes but that "file"
+// names files of this system.
 #pragma once
 
 #include "simulator/macos/CoreFoundation/object.h"
@@ -18,8 +19,9 @@ struct UrlParts {
     std::optional<std::string> scheme;    ///< Without the colon.
     std::optional<std::string> authority; ///< Without the slashes; there may be an empty one.
     std::string path;
-    std::optional<std::string> query;    ///< Without the question mark.
-    std::optional<std::string> fragment; ///< Without the number sign.
+    std::optional<std::string> parameters; ///< Without the semicolon.
+    std::optional<std::string> query;      ///< Without the question mark.
+    std::optional<std::string> fragment;   ///< Without the number sign.
 
     static UrlParts Parse(std::string_view text);
     std::string ToString() const;

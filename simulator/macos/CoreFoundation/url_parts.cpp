@@ -25,7 +25,7 @@ int HexValue(char character) {
     return character >= 'A' && character <= 'F' ? character - 'A' + 10 : -1;
 }
 
-// What may stand in a path as it is. A semicolon may too, but is escaped by the real system.
+// What may stand in a path as it is.
 bool StaysInPath(char character) {
     constexpr std::string_view kMarks = "-_.!~*'():@&=+$,/";
     return IsLetter(character) || IsDigit(character) || kMarks.find(character) != std::string_view::npos;
@@ -41,6 +41,10 @@ UrlParts UrlParts::Parse(std::string_view text) {
     }
     if (const std::size_t mark = text.find('?'); mark != std::string_view::npos) {
         parts.query = text.substr(mark + 1);
+        text = text.substr(0, mark);
+    }
+    if (const std::size_t mark = text.find(';'); mark != std::string_view::npos) {
+        parts.parameters = text.substr(mark + 1);
         text = text.substr(0, mark);
     }
     const std::size_t colon = text.find(':');
@@ -59,8 +63,8 @@ UrlParts UrlParts::Parse(std::string_view text) {
 }
 
 std::string UrlParts::ToString() const {
-    return (scheme ? *scheme + ":" : "") + (authority ? "//" + *authority : "") + path + (query ? "?" + *query : "") +
-           (fragment ? "#" + *fragment : "");
+    return (scheme ? *scheme + ":" : "") + (authority ? "//" + *authority : "") + path +
+           (parameters ? ";" + *parameters : "") + (query ? "?" + *query : "") + (fragment ? "#" + *fragment : "");
 }
 
 bool UrlParts::IsOpaque() const { return scheme && !authority && !path.starts_with('/'); }
