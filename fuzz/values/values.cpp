@@ -8,6 +8,7 @@
 #include "convert/from_host.h"
 #include "convert/to_host.h"
 #include "simulator/macos/control/ledger.h"
+#include "simulator/session/core_foundation_text.h"
 #include "simulator/session/system_files.h"
 #include "spotlight/item_data.h"
 #include "tests/convert/value_text.h"
@@ -46,8 +47,7 @@ HostOptions ChosenHost(Input &input) {
     options.files = &files;
     options.makeCFString = [](const sim::host::Text &text) -> const void * {
         const sim::macos::OwnCalls own;
-        return CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8 *>(text.bytes.data()),
-                                       static_cast<CFIndex>(text.bytes.size()), text.encoding, false);
+        return sim::NewCFString(text);
     };
     for (const auto &[name, count] :
          {std::pair("CGRectQTX", 4U), std::pair("CGSizeQTX", 2U), std::pair("CGPointQTX", 2U)})

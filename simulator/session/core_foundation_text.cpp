@@ -4,9 +4,16 @@
 
 namespace sim {
 
-CFStringRef NewCFString(const std::string &text) {
-    return CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(text.data()),
-                                   static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false);
+CFStringRef NewCFString(const std::string &text) { return NewCFString(host::Text{text, kCFStringEncodingUTF8}); }
+
+CFStringRef NewCFString(const host::Text &text) {
+    CFStringEncoding encoding = text.encoding;
+    if (encoding == kCFStringEncodingUTF16)
+        encoding = kCFStringEncodingUTF16LE;
+    else if (encoding == kCFStringEncodingUTF32)
+        encoding = kCFStringEncodingUTF32LE;
+    return CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(text.bytes.data()),
+                                   static_cast<CFIndex>(text.bytes.size()), encoding, false);
 }
 
 std::string FromCFString(CFStringRef string) {

@@ -3,6 +3,7 @@
 #include "simulator/macos/control/faults.h"
 #include "simulator/macos/control/notifications.h"
 #include "simulator/macos/control/trace.h"
+#include "simulator/session/core_foundation_text.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -14,8 +15,7 @@ namespace {
 
 const void *MakeCFString(const host::Text &text) {
     const macos::OwnCalls own;
-    return CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(text.bytes.data()),
-                                   static_cast<CFIndex>(text.bytes.size()), text.encoding, false);
+    return NewCFString(text);
 }
 
 loader::PluginImage ImageFor(const SessionOptions &options) {

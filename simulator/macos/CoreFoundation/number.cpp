@@ -3,6 +3,7 @@
 
 #include "simulator/macos/control/faults.h"
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -29,18 +30,13 @@ template <class T> bool StoreInteger(void *place, std::int64_t value) {
     return narrow == value;
 }
 
-// Towards zero, and to the nearest end of the range for what lies outside it.
+// Towards zero; what lies outside the range leaves what the processor leaves, which nobody may rely on.
 template <class T> bool StoreInteger(void *place, double value) {
     const double bound = std::ldexp(1.0, std::numeric_limits<T>::digits);
-    T result = 0;
-    if (value >= bound)
-        result = std::numeric_limits<T>::max();
-    else if (value < -bound)
-        result = std::numeric_limits<T>::min();
-    else if (!std::isnan(value))
-        result = static_cast<T>(value);
+    const bool fits = value > -bound - 1 && value < bound;
+    const T result = fits ? static_cast<T>(value) : std::numeric_limits<T>::min();
     Store(place, result);
-    return value < bound && static_cast<double>(result) == value;
+    return fits && static_cast<double>(result) == value;
 }
 
 bool StoreFloat32(void *place, double value) {
@@ -62,29 +58,55 @@ bool StoreFloat(CFNumberType form, void *place, std::int64_t value) {
     return whole;
 }
 
-Number *NewNumber(CFNumberType type, const void *value) {
+// One for each small integer, made before any program can ask for one, so that the ledger knows them from the start.
+const std::array<Number *, kLargestShared - kSmallestShared + 1> kShared = [] {
+    std::array<Number *, kLargestShared - kSmallestShared + 1> numbers{};
+    std::int64_t integer = kSmallestShared;
+    for (Number *&number : numbers)
+        number = new Number(kCFNumberSInt32Type, integer++);
+    return numbers;
+}();
+
+Number *NewFloat(CFNumberType form, double real) {
+    return new Number(std::isfinite(real) ? form : kCFNumberFloat64Type, real);
+}
+
+// +1.
+Number *IntegerNumber(CFNumberType form, std::int64_t integer) {
+    if (integer < kSmallestShared || integer > kLargestShared)
+        return new Number(form, integer);
+    Number *shared = kShared[static_cast<std::size_t>(integer - kSmallestShared)];
+    shared->Retain();
+    return shared;
+}
+
+// +1.
+Number *NumberOf(CFNumberType type, const void *value) {
     const CFNumberType form = StoredForm(type);
-    std::int64_t integer = 0;
     switch (form) {
     case kCFNumberSInt8Type:
-        integer = Load<std::int8_t>(value);
-        break;
+        return IntegerNumber(form, Load<std::int8_t>(value));
     case kCFNumberSInt16Type:
-        integer = Load<std::int16_t>(value);
-        break;
+        return IntegerNumber(form, Load<std::int16_t>(value));
     case kCFNumberSInt32Type:
-        integer = Load<std::int32_t>(value);
-        break;
+        return IntegerNumber(form, Load<std::int32_t>(value));
     case kCFNumberSInt64Type:
-        integer = Load<std::int64_t>(value);
-        break;
+        return IntegerNumber(form, Load<std::int64_t>(value));
     case kCFNumberFloat32Type:
-        return new Number(form, static_cast<double>(Load<float>(value)));
+        return NewFloat(form, static_cast<double>(Load<float>(value)));
     default:
-        return new Number(form, Load<double>(value));
+        return NewFloat(form, Load<double>(value));
     }
-    const bool shared = integer >= kSmallestShared && integer <= kLargestShared;
-    return new Number(shared ? kCFNumberSInt32Type : form, integer);
+}
+
+bool SameReal(double one, double other) {
+    return std::isnan(one) ? std::isnan(other) : one == other && std::signbit(one) == std::signbit(other);
+}
+
+// Exactly: 2^53 + 1 is another number than the float 2^53.
+bool SameValue(std::int64_t integer, double real) {
+    std::int64_t whole = 0;
+    return StoreInteger<std::int64_t>(&whole, real) && whole == integer && !(real == 0 && std::signbit(real));
 }
 
 FallibleCall create("CFNumberCreate");
@@ -135,12 +157,12 @@ std::size_t SizeOf(CFNumberType storedForm) {
 
 bool Number::EqualTo(const Object &other) const {
     const auto &number = static_cast<const Number &>(other);
-    if (!IsFloat() && !number.IsFloat())
-        return integer_ == number.integer_;
-    return AsDouble() == number.AsDouble();
+    if (IsFloat() != number.IsFloat())
+        return IsFloat() ? SameValue(number.integer_, real_) : SameValue(integer_, number.real_);
+    return IsFloat() ? SameReal(real_, number.real_) : integer_ == number.integer_;
 }
 
-CFHashCode Number::Hash() const { return std::hash<double>()(AsDouble()); }
+CFHashCode Number::Hash() const { return std::isnan(AsDouble()) ? 0 : std::hash<double>()(AsDouble()); }
 
 std::string Number::Description() const { return IsFloat() ? std::to_string(real_) : std::to_string(integer_); }
 
@@ -166,7 +188,7 @@ bool Number::Read(CFNumberType form, void *value) const {
 }
 
 CFRef<CFNumberRef> MakeNumber(CFNumberType type, const void *value) {
-    return CFRef<CFNumberRef>::Adopt(NewNumber(type, value)->As<CFNumberRef>());
+    return CFRef<CFNumberRef>::Adopt(NumberOf(type, value)->As<CFNumberRef>());
 }
 
 CFRef<CFNumberRef> MakeNumber(std::int64_t value) { return MakeNumber(kCFNumberSInt64Type, &value); }

@@ -1,5 +1,6 @@
-// Numbers: a signed integer of 8 to 64 bits or a float of 32 or 64, stored in the form it was made in. Integers from -1
-// to 12 are stored as 32-bit integers whatever they were made as, as the real system shares one object for each.
+// Numbers: a signed integer of 8 to 64 bits or a float of 32 or 64, stored in the form it was made in. But for each
+// integer from -1 to 12 there is one object, a 32-bit integer, whatever it was made as; and infinities and what is no
+// number are 64-bit floats. Numbers are equal when their values are, exactly; 0.0 and -0.0 differ, and NaN is NaN.
 #pragma once
 
 #include "simulator/macos/CoreFoundation/object.h"
@@ -44,7 +45,7 @@ CFNumberType StoredForm(CFNumberType type);
 /// In bytes.
 std::size_t SizeOf(CFNumberType storedForm);
 
-/// A new number.
+/// A number, new or shared; +1 either way.
 CFRef<CFNumberRef> MakeNumber(CFNumberType type, const void *value);
 CFRef<CFNumberRef> MakeNumber(std::int64_t value);
 CFRef<CFNumberRef> MakeNumber(double value);

@@ -1,5 +1,5 @@
 // The string object and the calls that make, measure and copy strings. Encodings are in string_bytes.cpp, comparison in
-// string_compare.cpp, normalization in string_normalize.cpp.
+// string_compare.cpp, normalization in normalization.cpp.
 #include "simulator/macos/CoreFoundation/string.h"
 
 #include "simulator/macos/CoreFoundation/constant_string.h"
@@ -27,6 +27,11 @@ void String::SetText(std::u16string text) {
     text_ = std::move(text);
 }
 
+CFStringRef EmptyString() {
+    static const auto *empty = new String(Object::Immortal{});
+    return empty->As<CFStringRef>();
+}
+
 CFHashCode HashOf(std::u16string_view text) { return std::hash<std::u16string_view>()(text); }
 
 namespace {
@@ -50,9 +55,10 @@ CFStringRef CFStringCreateWithCharacters(CFAllocatorRef, const UniChar *characte
         Stop("CFStringCreateWithCharacters was given no characters, or less than none");
     if (createWithCharacters.Fails())
         return nullptr;
+    if (count == 0)
+        return EmptyString();
     std::u16string text(static_cast<std::size_t>(count), u'\0');
-    if (count > 0)
-        std::memcpy(text.data(), characters, text.size() * sizeof(char16_t));
+    std::memcpy(text.data(), characters, text.size() * sizeof(char16_t));
     return (new String(std::move(text)))->As<CFStringRef>();
 }
 

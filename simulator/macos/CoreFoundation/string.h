@@ -15,6 +15,8 @@ class String final : public Object {
 public:
     /// Immutable.
     explicit String(std::u16string text) : text_(std::move(text)) {}
+    /// The empty string that nobody can free.
+    explicit String(Immortal immortal) : Object(immortal) {}
     /// Mutable, and never longer than the limit; 0 means no limit.
     String(std::u16string text, CFIndex limit);
 
@@ -32,6 +34,9 @@ private:
     CFIndex limit_ = 0;
     bool isMutable_ = false;
 };
+
+/// A string of no bytes or characters, whatever the encoding: always the same object, which nobody can free.
+CFStringRef EmptyString();
 
 /// The hash of a string with this text, whatever kind of string it is.
 CFHashCode HashOf(std::u16string_view text);

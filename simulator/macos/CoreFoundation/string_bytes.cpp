@@ -4,6 +4,7 @@
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/control/faults.h"
 
+#include <algorithm>
 #include <cstring>
 
 using namespace sim::macos;
@@ -14,6 +15,8 @@ FallibleCall createWithBytes("CFStringCreateWithBytes");
 FallibleCall createWithCString("CFStringCreateWithCString");
 
 CFStringRef NewString(std::string_view bytes, CFStringEncoding encoding, bool isExternal) {
+    if (bytes.empty())
+        return EmptyString();
     std::optional<std::u16string> text = Decode(bytes, encoding, isExternal);
     return text ? (new String(std::move(*text)))->As<CFStringRef>() : nullptr;
 }
@@ -41,6 +44,9 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex bufferSize,
     if (!buffer)
         Stop("CFStringGetCString was given no buffer");
     const std::optional<std::string> bytes = Encode(text.View(), encoding);
+    const bool isAscii = std::all_of(text.View().begin(), text.View().end(), [](char16_t unit) { return unit < 0x80; });
+    if (bytes && bufferSize == 1 && !isAscii)
+        return true; // as the real system says, and writes nothing
     if (!bytes || bufferSize < 1 || bytes->size() > static_cast<std::size_t>(bufferSize) - 1)
         return false;
     std::memcpy(buffer, bytes->c_str(), bytes->size() + 1);

@@ -1,4 +1,4 @@
-// Comparison of strings: literal by default, by character; equivalent sequences, case, numbers and the order of a
+// Comparison of strings: literal by default, by UTF-16 unit; equivalent sequences, case, numbers and the order of a
 // language by option. The language is none in particular (the root of the Unicode collation), whatever the machine is
 // set to. Options of searches, which mean nothing to a comparison, are refused.
 #include "simulator/macos/CoreFoundation/normalization.h"
@@ -7,7 +7,6 @@
 
 #include <unicode/ucol.h>
 #include <unicode/ustring.h>
-#include <unicode/utf16.h>
 
 #include <algorithm>
 
@@ -39,27 +38,19 @@ int CompareNumbers(std::u16string_view one, std::u16string_view other) {
     return one.compare(other);
 }
 
-UChar32 TakeCharacter(std::u16string_view &text) {
-    std::size_t count = 0;
-    UChar32 character;
-    U16_NEXT(text.data(), count, text.size(), character);
-    text.remove_prefix(count);
-    return character;
-}
-
-int CompareByCharacter(std::u16string_view one, std::u16string_view other, bool numerically) {
-    while (!one.empty() && !other.empty()) {
-        if (numerically && IsDigit(one.front()) && IsDigit(other.front())) {
+int CompareByUnit(std::u16string_view one, std::u16string_view other, bool numerically) {
+    while (numerically && !one.empty() && !other.empty()) {
+        if (IsDigit(one.front()) && IsDigit(other.front())) {
             if (const int order = CompareNumbers(TakeNumber(one), TakeNumber(other)))
                 return order;
             continue;
         }
-        const UChar32 first = TakeCharacter(one);
-        const UChar32 second = TakeCharacter(other);
-        if (first != second)
-            return first < second ? -1 : 1;
+        if (one.front() != other.front())
+            break;
+        one.remove_prefix(1);
+        other.remove_prefix(1);
     }
-    return one.empty() ? (other.empty() ? 0 : -1) : 1;
+    return one.compare(other);
 }
 
 std::u16string WithoutCase(const std::u16string &text) {
@@ -128,6 +119,6 @@ CFComparisonResult CFStringCompare(CFStringRef string1, CFStringRef string2, CFS
         return ResultOf(Collation::For(options).Compare(one.View(), other.View()));
     const bool numerically = options & kCFCompareNumerically;
     if (!(options & (kCFCompareNonliteral | kCFCompareCaseInsensitive)))
-        return ResultOf(CompareByCharacter(one.View(), other.View(), numerically));
-    return ResultOf(CompareByCharacter(Prepared(one.View(), options), Prepared(other.View(), options), numerically));
+        return ResultOf(CompareByUnit(one.View(), other.View(), numerically));
+    return ResultOf(CompareByUnit(Prepared(one.View(), options), Prepared(other.View(), options), numerically));
 }

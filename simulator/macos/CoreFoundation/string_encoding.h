@@ -1,4 +1,5 @@
-// Bytes to text and back, for every encoding that the platform header names. Other numbers stand for no encoding.
+// Bytes to text and back, for the encodings that the Unicode library has a converter for. Other numbers stand for no
+// encoding.
 #pragma once
 
 #include <CoreFoundation/CFString.h>
@@ -9,10 +10,10 @@
 
 namespace sim::macos {
 
-/// The text of the bytes. With external representation a byte-order mark of UTF-8, UTF-16 or UTF-32 is consumed, and
-/// the latter two are big-endian without one; otherwise they are in the order of this machine and a mark is text. Bytes
-/// at the end that do not fill a UTF-16 or UTF-32 unit are ignored. Nothing for malformed bytes and for a number that
-/// is no encoding; text in UTF-16 may have lone surrogates.
+/// The text of the bytes. A byte-order mark is consumed, and UTF-16 and UTF-32 are big-endian without one; but UTF-16
+/// that is no external representation is in the order of this machine, and a mark is text in it. Bytes at the end that
+/// do not fill a UTF-16 or UTF-32 unit are ignored. Nothing for malformed bytes and for a number that is no encoding;
+/// text in UTF-16 may have lone surrogates.
 std::optional<std::u16string> Decode(std::string_view bytes, CFStringEncoding encoding, bool isExternal);
 
 /// The bytes of the text in an encoding whose units are bytes. Nothing when a character cannot be written; stops for

@@ -4,46 +4,33 @@
 #include "simulator/macos/CoreFoundation/constant_string.h"
 #include "simulator/macos/CoreFoundation/string.h"
 
-#include <unicode/utf16.h>
-#include <unicode/utf8.h>
+#include <unicode/ustring.h>
 
 namespace sim::macos {
 
+namespace {
+
+constexpr UChar32 kReplacement = 0xFFFD;
+
+} // namespace
+
 std::u16string Utf16(std::string_view utf8) {
-    constexpr UChar32 kReplacement = 0xFFFD;
-    std::u16string text;
-    text.reserve(utf8.size());
-    const auto length = static_cast<std::int32_t>(utf8.size());
-    const auto *bytes = reinterpret_cast<const std::uint8_t *>(utf8.data());
-    for (std::int32_t index = 0; index < length;) {
-        UChar32 character;
-        U8_NEXT(bytes, index, length, character);
-        if (character < 0)
-            character = kReplacement;
-        if (U_IS_BMP(character)) {
-            text += static_cast<char16_t>(character);
-        } else {
-            text += static_cast<char16_t>(U16_LEAD(character));
-            text += static_cast<char16_t>(U16_TRAIL(character));
-        }
-    }
+    UErrorCode error = U_ZERO_ERROR;
+    std::u16string text(utf8.size(), u'\0');
+    std::int32_t length = 0;
+    u_strFromUTF8WithSub(text.data(), static_cast<std::int32_t>(text.size()), &length, utf8.data(),
+                         static_cast<std::int32_t>(utf8.size()), kReplacement, nullptr, &error);
+    text.resize(static_cast<std::size_t>(length));
     return text;
 }
 
 std::string Utf8(std::u16string_view utf16) {
-    constexpr UChar32 kReplacement = 0xFFFD;
-    std::string text;
-    text.reserve(utf16.size());
-    for (std::size_t index = 0; index < utf16.size();) {
-        UChar32 character;
-        U16_NEXT(utf16.data(), index, utf16.size(), character);
-        if (U_IS_SURROGATE(character))
-            character = kReplacement;
-        std::uint8_t bytes[U8_MAX_LENGTH];
-        std::int32_t count = 0;
-        U8_APPEND_UNSAFE(bytes, count, character);
-        text.append(reinterpret_cast<const char *>(bytes), static_cast<std::size_t>(count));
-    }
+    UErrorCode error = U_ZERO_ERROR;
+    std::string text(3 * utf16.size(), '\0');
+    std::int32_t length = 0;
+    u_strToUTF8WithSub(text.data(), static_cast<std::int32_t>(text.size()), &length, utf16.data(),
+                       static_cast<std::int32_t>(utf16.size()), kReplacement, nullptr, &error);
+    text.resize(static_cast<std::size_t>(length));
     return text;
 }
 

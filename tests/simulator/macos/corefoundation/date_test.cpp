@@ -30,25 +30,7 @@ void CheckFields(CFAbsoluteTime at, SInt32 year, int month, int day, int hour, i
 
 } // namespace
 
-TEST_CASE_FIXTURE(Balanced, "2014-06-30 23:30:59.9 is 425863859.9 and comes back with the same fields") {
-    CHECK_EQ(At(2014, 6, 30, 23, 30, 59.9), 425863859.9);
-    CheckFields(425863859.9, 2014, 6, 30, 23, 30);
-    CHECK_EQ(FieldsOf(425863859.9).second, doctest::Approx(59.9).epsilon(1e-9));
-}
-
-TEST_CASE_FIXTURE(Balanced, "2009-02-30 12:00:00 is 257688000.0, which reads as 2009-03-02: days run on") {
-    CHECK_EQ(At(2009, 2, 30, 12), 257688000.0);
-    CheckFields(257688000.0, 2009, 3, 2, 12, 0);
-}
-
-TEST_CASE_FIXTURE(Balanced, "Month 13, day 40, 25:61:61 of 2009 is 287460121.0: nothing is checked") {
-    CHECK_EQ(At(2009, 13, 40, 25, 61, 61), 287460121.0);
-}
-
-TEST_CASE_FIXTURE(Balanced, "Fields at and below zero run backwards") {
-    CHECK_EQ(At(2009, 0, 1), At(2008, 12, 1));
-    CHECK_EQ(At(2009, -11, 1), At(2008, 1, 1));
-    CHECK_EQ(At(2009, -12, 1), At(2007, 12, 1));
+TEST_CASE_FIXTURE(Balanced, "Days and hours at and below zero run backwards") {
     CHECK_EQ(At(2009, 3, 0), At(2009, 2, 28));
     CHECK_EQ(At(2009, 1, 1, -1), At(2008, 12, 31, 23));
 }
@@ -81,7 +63,7 @@ TEST_CASE_FIXTURE(Balanced, "The last moment of a minute belongs to it") {
     CHECK_LT(FieldsOf(-1e-9).second, 60);
 }
 
-TEST_CASE_FIXTURE(Balanced, "Times without a calendar date give the nearest one there is") {
+TEST_CASE_FIXTURE(Balanced, "Times without a calendar date give the nearest year there is") {
     CHECK_EQ(FieldsOf(std::numeric_limits<double>::infinity()).year, std::numeric_limits<SInt32>::max());
     CHECK_EQ(FieldsOf(-1e300).year, std::numeric_limits<SInt32>::min());
     CHECK_EQ(FieldsOf(std::nan("")).year, 2001);
