@@ -4,7 +4,6 @@
 #include "simulator/loader/macho_image.h"
 
 #include <cerrno>
-#include <compare>
 #include <cstring>
 #include <elf.h>
 #include <fstream>
@@ -30,16 +29,8 @@ std::vector<uint8_t> ReadFile(const std::filesystem::path &path) {
     return bytes;
 }
 
-// What changes when a file is written anew.
-struct FileState {
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    time_t seconds = 0;
-    long nanoseconds = 0;
-
-    auto operator<=>(const FileState &) const = default;
-};
+// What changes when a file is written anew: device, inode, size, and when, in seconds and nanoseconds.
+using FileState = std::tuple<dev_t, ino_t, off_t, time_t, long>;
 
 // All zero when there is no such file.
 FileState StateOf(const std::filesystem::path &path) {
