@@ -288,7 +288,7 @@ class Handbook(unittest.TestCase):
 
 class Examples(unittest.TestCase):
     def test_every_program_on_a_page_is_followed_by_what_it_prints(self) -> None:
-        for page in (*REFERENCE.glob("*.md"), *GUIDES.glob("*.md")):
+        for page in (TREE / "README.md", *REFERENCE.glob("*.md"), *GUIDES.glob("*.md")):
             for snippet in snippets(read(page)):
                 with self.subTest(page=page.name, line=snippet.block.first_line):
                     prints = any(re.search(r"\bPrint\b", line) for line in snippet.lines())
@@ -296,7 +296,7 @@ class Examples(unittest.TestCase):
                     self.assertEqual(snippet.output is not None, prints and not prepares)
 
     def test_every_output_belongs_to_a_program(self) -> None:
-        for page in (*REFERENCE.glob("*.md"), *GUIDES.glob("*.md")):
+        for page in (TREE / "README.md", *REFERENCE.glob("*.md"), *GUIDES.glob("*.md")):
             text = read(page)
             outputs = [block for block in blocks(text) if block.kind == "output"]
             with self.subTest(page.name):
