@@ -1,6 +1,5 @@
 # Test programs, and the ctest tests that run them: one for each of their *_test.cpp files, so that files run side by side
 # and ctest names the one that failed. The list of them all, for ./dev test, goes to tests.txt in the build tree.
-include(Precompiled)
 
 # list_test(<room> <file> <test> <target>...): what people call the test, what ctest calls it, and what it needs built.
 function(list_test room file test)
