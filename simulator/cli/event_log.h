@@ -1,9 +1,9 @@
-// Prints a query's events as they arrive, with what they bring. Keeps the names of the results it has seen, since a
-// removed item can no longer tell its own.
+// Prints a query's events as they arrive, with what they bring. Keeps what it has seen of the results, since a removed
+// item can no longer tell its path, and a changed one no longer what it was.
 #pragma once
 
+#include "simulator/cli/item_reader.h"
 #include "simulator/cli/screen.h"
-#include "simulator/host/host.h"
 
 #include <chrono>
 #include <map>
@@ -13,8 +13,8 @@ namespace sim::cli {
 
 class EventLog {
 public:
-    /// Takes the query's three events. Both must outlive their use by the query; Detach ends that.
-    EventLog(host::Object query, const Screen &screen);
+    /// Takes the query's three events, and gives them back at its end. The screen must live as long.
+    EventLog(host::Host &host, host::Object query, std::filesystem::path folder, const Screen &screen);
     EventLog(const EventLog &) = delete;
     EventLog &operator=(const EventLog &) = delete;
     ~EventLog();
@@ -22,32 +22,41 @@ public:
     bool HasFinished() const { return hasFinished_; }
     size_t UpdateCount() const { return updateCount_; }
 
-    /// Learns the names of all present results, which also lets the query tell when one of them goes.
+    /// Says how far the search is when no event has said so for long: after a quarter of a second, and then each time
+    /// that twice as much has passed.
+    void Tick();
+
+    /// Learns what all present results are like, which also lets the query tell when one of them goes.
     void RememberResults();
 
 private:
-    /// A result and its name when it was last seen. Holding the item keeps its reference from being given away again.
+    /// A result as it was when it was last seen. Holding the item keeps its reference from being given away again.
     struct Known {
         host::Object item;
-        std::string name;
+        ItemFacts facts;
     };
 
-    void OnChanges(const host::EventCall &call);
+    void OnProgress(const host::EventCall &call);
     void OnFinish();
+    void OnUpdate(const host::EventCall &call);
+    void PrintProgress();
     std::string Head(const std::string &event, Style style) const;
     std::string Counts(const host::EventCall &call) const;
     std::string Changes(const host::EventCall &call);
-    std::string NameNow(const host::Object &item) const;
-    std::string Added(const host::Object &item);
-    std::string Changed(const host::Object &item);
-    std::string Removed(const host::Object &item);
+    std::string PathOf(const ItemFacts &facts) const;
+    std::string Added(host::Object &item);
+    std::string Changed(host::Object &item);
+    std::string Removed(host::Object &item);
 
     host::Object query_;
+    std::filesystem::path folder_;
     const Screen &screen_;
+    ItemReader reader_;
     std::map<int32_t, Known> known_; // by the item's handle
     bool hasFinished_ = false;
     size_t updateCount_ = 0;
     std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+    std::chrono::duration<double> nextTick_{0.25};
 };
 
 } // namespace sim::cli

@@ -10,7 +10,7 @@ volatile std::sig_atomic_t interrupted = 0;
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 void Handle(int signal) {
-    interrupted = 1;
+    interrupted = signal;
     std::signal(signal, SIG_DFL);
 }
 
@@ -31,6 +31,6 @@ InterruptWatch::InterruptWatch() {
 
 InterruptWatch::~InterruptWatch() { ForEachSignal(SIG_DFL); }
 
-bool InterruptWatch::IsInterrupted() const { return interrupted != 0; }
+int InterruptWatch::Signal() const { return interrupted; }
 
 } // namespace sim::cli

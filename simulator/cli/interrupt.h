@@ -11,7 +11,9 @@ public:
     InterruptWatch &operator=(const InterruptWatch &) = delete;
     ~InterruptWatch();
 
-    bool IsInterrupted() const;
+    bool IsInterrupted() const { return Signal() != 0; }
+    /// The number of the signal that came, 0 for none.
+    int Signal() const;
 };
 
 } // namespace sim::cli

@@ -1,8 +1,11 @@
 #include "simulator/cli/options.h"
 
+#include "simulator/cli/closest.h"
+
+#include <CLI/CLI.hpp>
+#include <unicode/ustring.h>
+
 #include <charconv>
-#include <cmath>
-#include <functional>
 #include <vector>
 
 namespace sim::cli {
@@ -13,24 +16,55 @@ constexpr const char *kUsualFolder = "/etc";
 constexpr const char *kUsualQuery = "kMDItemFSName == \"*.conf\" && kMDItemContentTypeTree == \"public.text\"";
 constexpr const char *kEveryFile = "kMDItemFSName == \"*\"";
 
+// No host was older than the one, and none will be newer than the other for a while.
+constexpr double kOldestHost = 2005;
+constexpr double kNewestHost = 3001;
+
+// The command line as it was typed, before anything in it is judged.
+struct Words {
+    std::string plugin;
+    std::optional<std::string> show, hostVersion, limit, format;
+    std::vector<std::string> folderAndQuery;
+    bool once = false, live = false, attributes = false, help = false;
+};
+
 std::string Quoted(const std::string &text) { return "\"" + text + "\""; }
+
+template <class Number> std::optional<Number> WholeNumber(const std::string &text) {
+    Number number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+}
 
 std::optional<double> HostVersion(const std::string &text) {
     if (text == "none")
         return std::nullopt;
-    double version = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), version);
-    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(version) || version <= 0)
-        throw UsageError("--host-version takes a number like 2013.04, or none; " + Quoted(text) + " is neither");
+    const auto version = WholeNumber<double>(text);
+    if (!version || !(*version >= kOldestHost && *version < kNewestHost))
+        throw UsageError("--host-version takes a number from 2005 to 3000, such as 2013.04, or none; " + Quoted(text) +
+                         " is neither");
     return version;
 }
 
 size_t Limit(const std::string &text) {
-    size_t limit = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), limit);
-    if (error != std::errc() || end != text.data() + text.size())
+    const auto limit = WholeNumber<size_t>(text);
+    if (!limit)
         throw UsageError("--limit takes a number of rows, 0 for all; " + Quoted(text) + " is none");
-    return limit;
+    return *limit;
+}
+
+Format FormatNamed(const std::string &text) {
+    if (text == "tsv")
+        return Format::kTSV;
+    if (text == "json")
+        return Format::kJSON;
+    throw UsageError("--format takes tsv or json; " + Quoted(text) + " is neither");
+}
+
+bool IsUTF8(const std::string &text) {
+    UErrorCode status = U_ZERO_ERROR;
+    u_strFromUTF8(nullptr, 0, nullptr, text.data(), static_cast<int32_t>(text.size()), &status);
+    return status != U_INVALID_CHAR_FOUND;
 }
 
 std::filesystem::path Existing(const std::string &path) {
@@ -40,6 +74,8 @@ std::filesystem::path Existing(const std::string &path) {
         throw UsageError("there is nothing at " + Quoted(path));
     if (error)
         throw UsageError(Quoted(path) + " cannot be reached: " + error.message());
+    if (!IsUTF8(resolved.string()))
+        throw UsageError(Quoted(resolved.string()) + " is no UTF-8, and no file of a Mac has such a name");
     return resolved;
 }
 
@@ -54,95 +90,98 @@ std::filesystem::path ExistingFolder(const std::string &path) {
     return folder;
 }
 
-struct Flag {
-    const char *name;
-    const char *value; // what it takes, for messages; null for nothing
-    void (*set)(Options &options, const std::string &value);
-};
-
-void SetTask(Options &options, Options::Task task) {
-    // Help beats everything: whoever asks for it gets it.
-    if (options.task == Options::Task::kHelp)
-        return;
-    if (options.task != Options::Task::kQuery && task != Options::Task::kHelp && task != options.task)
-        throw UsageError("--show and --attributes cannot both be done");
-    options.task = task;
+// The options and where their values go. What the library would say of them itself is said by help.txt.
+void Declare(CLI::App &app, Words &words) {
+    app.set_help_flag();
+    app.allow_extras();
+    const auto takes = [&app](const char *name, auto &value, const char *what) {
+        app.add_option(name, value)->type_name(what)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    };
+    takes("--plugin", words.plugin, "a library");
+    takes("--show", words.show, "a file");
+    takes("--host-version", words.hostVersion, "a number");
+    takes("--limit", words.limit, "a number");
+    takes("--format", words.format, "tsv or json");
+    app.add_flag("--once", words.once)->disable_flag_override();
+    app.add_flag("--live", words.live)->disable_flag_override();
+    app.add_flag("--attributes", words.attributes)->disable_flag_override();
+    app.add_flag("--help,-h", words.help)->disable_flag_override();
+    app.add_option("words", words.folderAndQuery);
 }
 
-const Flag kFlags[] = {
-    {"--plugin", "a library", [](Options &options, const std::string &value) { options.plugin = value; }},
-    {"--once", nullptr, [](Options &options, const std::string &) { options.once = true; }},
-    {"--live", nullptr, [](Options &options, const std::string &) { options.live = true; }},
-    {"--host-version", "a number",
-     [](Options &options, const std::string &value) { options.hostVersion = HostVersion(value); }},
-    {"--limit", "a number", [](Options &options, const std::string &value) { options.limit = Limit(value); }},
-    {"--show", "a file",
-     [](Options &options, const std::string &value) {
-         SetTask(options, Options::Task::kShow);
-         options.file = value;
-     }},
-    {"--attributes", nullptr,
-     [](Options &options, const std::string &) { SetTask(options, Options::Task::kAttributes); }},
-    {"--help", nullptr, [](Options &options, const std::string &) { SetTask(options, Options::Task::kHelp); }},
-    {"-h", nullptr, [](Options &options, const std::string &) { SetTask(options, Options::Task::kHelp); }},
-};
-
-const Flag &FlagNamed(const std::string &name) {
-    for (const Flag &flag : kFlags)
-        if (name == flag.name)
-            return flag;
-    throw UsageError("there is no option " + name + "; --help lists them");
+[[noreturn]] void RefuseOption(const CLI::App &app, const std::string &word) {
+    const std::string name = word.substr(0, word.find('='));
+    std::vector<std::string> names;
+    for (const CLI::Option *option : app.get_options())
+        if (option->nonpositional())
+            names.push_back(option->get_name());
+    const auto closest = Closest(name, names);
+    throw UsageError("there is no option " + name + "; " +
+                     (closest ? "did you mean " + *closest + "?" : "--help lists them"));
 }
 
-// Sets what the words say and returns those that are no options.
-std::vector<std::string> ReadFlags(std::span<const char *const> words, Options &options) {
-    std::vector<std::string> rest;
-    bool onlyRest = false;
-    for (size_t i = 0; i < words.size(); ++i) {
-        const std::string word = words[i];
-        if (onlyRest || word.size() < 2 || word[0] != '-') {
-            rest.push_back(word);
-        } else if (word == "--") {
-            onlyRest = true;
-        } else {
-            const size_t equals = word.find('=');
-            const Flag &flag = FlagNamed(word.substr(0, equals));
-            if (!flag.value) {
-                if (equals != std::string::npos)
-                    throw UsageError(std::string(flag.name) + " takes nothing");
-                flag.set(options, "");
-            } else if (equals != std::string::npos) {
-                flag.set(options, word.substr(equals + 1));
-            } else if (++i < words.size()) {
-                flag.set(options, words[i]);
-            } else {
-                throw UsageError(std::string(flag.name) + " takes " + flag.value + ", and none is given");
-            }
-        }
+Words Read(std::span<const char *const> words) {
+    CLI::App app;
+    Words read;
+    Declare(app, read);
+    // The library takes them from the back.
+    std::vector<std::string> reversed(words.rbegin(), words.rend());
+    try {
+        app.parse(std::move(reversed));
+    } catch (const CLI::ArgumentMismatch &error) {
+        // "--limit: 1 required ...", or "once was given ..." of an option that takes nothing.
+        const std::string message = error.what();
+        const std::string name = message.substr(0, message.find_first_of(": "));
+        const CLI::Option *option = app.get_option_no_throw(name);
+        throw UsageError(option && name.starts_with("--")
+                             ? name + " takes " + option->get_type_name() + ", and none is given"
+                             : "--" + name + " takes nothing");
+    } catch (const CLI::Error &error) {
+        throw UsageError(error.what());
     }
-    return rest;
+    if (read.help)
+        return read;
+    for (const std::string &word : app.remaining())
+        if (word.size() > 1 && word[0] == '-' && word != "--")
+            RefuseOption(app, word);
+    if (read.folderAndQuery.size() > 2)
+        throw UsageError("a folder and a query are all it takes; a query with blanks must stand in quotes");
+    return read;
 }
 
 } // namespace
 
-Options ReadOptions(std::span<const char *const> words) {
+Options ReadOptions(std::span<const char *const> typed) {
+    const Words words = Read(typed);
     Options options;
-    const std::vector<std::string> rest = ReadFlags(words, options);
-    if (options.task == Options::Task::kHelp)
-        return options;
-    if (options.plugin.empty())
-        throw UsageError("--plugin must say which library to load");
-    if (options.once && options.live)
-        throw UsageError("--once and --live cannot both be done");
-    if (options.task != Options::Task::kQuery) {
-        if (!rest.empty())
-            throw UsageError("a folder or query goes with neither --show nor --attributes");
-        if (options.task == Options::Task::kShow)
-            options.file = Existing(options.file.string());
+    if (words.help) {
+        options.task = Options::Task::kHelp;
         return options;
     }
-    if (rest.size() > 2)
-        throw UsageError("a folder and a query are all it takes; a query with blanks must stand in quotes");
+    options.plugin = words.plugin;
+    options.once = words.once;
+    options.live = words.live;
+    if (words.hostVersion)
+        options.hostVersion = HostVersion(*words.hostVersion);
+    if (words.limit)
+        options.limit = Limit(*words.limit);
+    if (words.format)
+        options.format = FormatNamed(*words.format);
+    if (words.plugin.empty())
+        throw UsageError("--plugin must say which library to load");
+    if (words.once && words.live)
+        throw UsageError("--once and --live cannot both be done");
+    if (words.show && words.attributes)
+        throw UsageError("--show and --attributes cannot both be done");
+    const auto &rest = words.folderAndQuery;
+    if (words.show || words.attributes) {
+        if (!rest.empty())
+            throw UsageError("a folder or query goes with neither --show nor --attributes");
+        options.task = words.attributes ? Options::Task::kAttributes : Options::Task::kShow;
+        if (!words.attributes)
+            options.file = Existing(*words.show);
+        return options;
+    }
     options.folder = ExistingFolder(rest.empty() ? kUsualFolder : rest[0]);
     options.query = rest.size() == 2 ? rest[1] : rest.empty() ? kUsualQuery : kEveryFile;
     return options;

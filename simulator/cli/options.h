@@ -15,6 +15,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// How results are written: in columns for people, or for programs.
+enum class Format { kColumns, kTSV, kJSON };
+
 struct Options {
     enum class Task { kQuery, kShow, kAttributes, kHelp };
 
@@ -32,6 +35,8 @@ struct Options {
     bool live = false;
     /// The longest table, in rows; 0 for no limit.
     size_t limit = 50;
+    /// Without a value, whether there is a terminal decides.
+    std::optional<Format> format;
 };
 
 /// The program's name in messages and in the help.

@@ -3,24 +3,33 @@
 #include "simulator/cli/tasks.h"
 #include "simulator/cli/text_width.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace sim::cli {
 namespace {
 
-void Complain(const std::string &sentence) { std::fprintf(stderr, "%s: %s\n", kProgram, Printable(sentence).c_str()); }
+// Only the first line is cleaned of what a terminal would obey; what follows it was written to be shown.
+void Complain(const std::string &sentence) {
+    const size_t end = std::min(sentence.find('\n'), sentence.size());
+    std::fprintf(stderr, "%s: %s%s\n", kProgram, Printable(sentence.substr(0, end)).c_str(), sentence.c_str() + end);
+}
 
-void DoTask(Session &session, const Options &options, const Screen &screen) {
+// Returns the number of the signal that ended it too early.
+int DoTask(Session &session, const Options &options, const Output &output) {
     switch (options.task) {
     case Options::Task::kQuery:
-        return RunQuery(session, options, screen);
+        return RunQuery(session, options, output);
     case Options::Task::kShow:
-        return ShowFile(session, options, screen);
+        ShowFile(session, options, output);
+        break;
     case Options::Task::kAttributes:
-        return ShowAttributes(session, screen);
+        ShowAttributes(session, output);
+        break;
     case Options::Task::kHelp:
         break; // needs no plugin
     }
+    return 0;
 }
 
 // What the plugin raised although nothing was asked of it that should raise, and what it has not given back.
@@ -37,27 +46,29 @@ bool EndsWell(Session &session) {
     return isWell;
 }
 
-ExitCode RunWith(const Options &options) {
-    const Screen screen = Screen::OfStandardOutput();
+int RunWith(const Options &options) {
+    const Output output = Output::For(options.format);
     if (options.task == Options::Task::kHelp) {
-        screen.Write(HelpText());
-        return screen.IsWell() ? kDone : kFailed;
+        output.results.Write(HelpText());
+        return output.results.IsWell() ? kDone : kFailed;
     }
     SessionOptions sessionOptions{.plugin = options.plugin};
     sessionOptions.host.version = options.hostVersion;
     sessionOptions.host.recordCalls = false;
     Session session(std::move(sessionOptions));
-    DoTask(session, options, screen);
-    if (!screen.IsWell()) {
+    const int signal = DoTask(session, options, output);
+    if (!output.results.IsWell()) {
         Complain("the output could not be written");
         return kFailed;
     }
-    return EndsWell(session) ? kDone : kFailed;
+    if (!EndsWell(session))
+        return kFailed;
+    return signal == 0 ? kDone : kSignalled + signal;
 }
 
 } // namespace
 
-ExitCode Run(std::span<const char *const> words) {
+int Run(std::span<const char *const> words) {
     try {
         return RunWith(ReadOptions(words));
     } catch (const UsageError &error) {

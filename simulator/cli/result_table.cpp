@@ -1,5 +1,7 @@
 #include "simulator/cli/result_table.h"
 
+#include "simulator/cli/item_reader.h"
+#include "simulator/cli/json.h"
 #include "simulator/cli/table.h"
 #include "simulator/cli/value_text.h"
 
@@ -8,59 +10,70 @@ namespace {
 
 using host::Host;
 using host::Object;
-using host::Value;
 
-// Reads the fields of one item after another. The keys' names are asked for once.
-class ItemReader {
-public:
-    ItemReader(Host &host, const Screen &screen)
-        : screen_(screen), kind_(host.Shared<std::string>("MDItemQTX", "kMDItemKind")),
-          size_(host.Shared<std::string>("MDItemQTX", "kMDItemFSSize")),
-          modified_(host.Shared<std::string>("MDItemQTX", "kMDItemFSContentChangeDate")) {}
+void PrintColumns(const std::vector<ItemFacts> &items, const Options &options, const Screen &screen) {
+    Table table({{.heading = "Name", .narrowest = 12, .style = Style::kBold, .weight = 3},
+                 {.heading = "Kind", .narrowest = 8, .widest = 28, .weight = 0},
+                 {.heading = "Size", .alignsRight = true, .narrowest = 9, .widest = 12, .weight = 2},
+                 {.heading = "Modified (GMT)", .narrowest = 19, .widest = 19, .style = Style::kDim, .weight = 1},
+                 {.heading = "Path", .narrowest = 12, .cut = Cut::kMiddle, .style = Style::kDim, .weight = 4}});
+    for (const ItemFacts &item : items)
+        table.Add({item.name, ValueText(item.kind), item.size.IsNil() ? "–" : SizeText(item.size.As<int64_t>()),
+                   ValueText(item.modified), PathFrom(options.folder, item.path)});
+    screen.Line();
+    table.Print(screen);
+}
 
-    std::vector<std::string> Fields(Object &item) const {
-        return {NameOf(item), ValueText(item.Call("GetAttribute", kind_)), Size(item),
-                ValueText(item.Call("GetAttribute", modified_)), item.Get<std::string>("Path")};
-    }
+void PrintTSV(const std::vector<ItemFacts> &items, const Screen &screen) {
+    Table table({{.heading = "Name"},
+                 {.heading = "Kind"},
+                 {.heading = "Size"},
+                 {.heading = "Modified (GMT)"},
+                 {.heading = "Path"}});
+    for (const ItemFacts &item : items)
+        table.Add({item.name, ValueText(item.kind), ValueText(item.size), ValueText(item.modified), item.path});
+    table.PrintTSV(screen);
+}
 
-private:
-    std::string Size(Object &item) const {
-        if (item.Call("GetAttribute", size_).IsNil()) // a folder has no size of its own
-            return screen_.IsTerminal() ? "–" : "";
-        const auto size = item.Get<int64_t>("FSSize");
-        return screen_.IsTerminal() ? SizeText(size) : ValueText(size);
-    }
-
-    const Screen &screen_;
-    std::string kind_;
-    std::string size_;
-    std::string modified_;
-};
+void PrintJSON(const std::vector<ItemFacts> &items, const Screen &screen) {
+    std::vector<Members> objects;
+    for (const ItemFacts &item : items)
+        objects.push_back({{"name", item.name},
+                           {"kind", item.kind},
+                           {"size", item.size},
+                           {"modified", item.modified},
+                           {"path", item.path}});
+    screen.Write(JSONText(objects));
+}
 
 } // namespace
 
-std::string NameOf(const Object &item) { return item.Get<std::string>("FSName"); }
-
-void PrintResults(Host &host, const Object &query, size_t limit, const Screen &screen) {
+void PrintResults(Host &host, const Object &query, const Options &options, const Output &output) {
     const auto count = static_cast<size_t>(query.Get<int32_t>("ResultCount"));
-    if (count == 0)
-        return;
-    Table table({{.heading = "Name", .narrowest = 12, .style = Style::kBold},
-                 {.heading = "Kind", .narrowest = 8, .widest = 28},
-                 {.heading = "Size", .alignsRight = true, .narrowest = 9, .widest = 12},
-                 {.heading = "Modified (GMT)", .narrowest = 19, .widest = 19, .style = Style::kDim},
-                 {.heading = "Path", .narrowest = 12, .cut = Cut::kMiddle, .style = Style::kDim}});
     Object asked = query;
-    const auto most = limit == 0 ? -1 : static_cast<int32_t>(limit);
-    const ItemReader reader(host, screen);
-    for (Object &item : asked.Call<Object>("Results", most).As<Object>())
-        table.Add(reader.Fields(item));
-    screen.Line();
-    table.Print(screen);
-    if (const size_t shown = table.RowCount(); shown < count)
-        screen.Line(
-            screen.Styled("… and " + ValueText(static_cast<int64_t>(count - shown)) + " more; --limit 0 shows them all",
-                          Style::kDim));
+    const auto most = options.limit == 0 ? -1 : static_cast<int32_t>(options.limit);
+    const ItemReader reader(host);
+    std::vector<ItemFacts> items;
+    if (count > 0)
+        for (Object &item : asked.Call<Object>("Results", most).As<Object>())
+            items.push_back(reader.Read(item));
+    switch (output.format) {
+    case Format::kColumns:
+        if (!items.empty())
+            PrintColumns(items, options, output.results);
+        break;
+    case Format::kTSV:
+        PrintTSV(items, output.results);
+        break;
+    case Format::kJSON:
+        PrintJSON(items, output.results);
+        break;
+    }
+    if (items.size() < count)
+        output.notes.Line(output.notes.Styled(
+            output.notes.FittedBehind(0, "… and " + ValueText(static_cast<int64_t>(count - items.size())) +
+                                             " more; --limit 0 shows them all"),
+            Style::kDim));
 }
 
 } // namespace sim::cli

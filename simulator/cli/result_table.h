@@ -1,4 +1,4 @@
-// The table of what a query found, each field read through the item's methods and properties as a program would.
+// What a query found, for people or for programs.
 #pragma once
 
 #include "simulator/cli/screen.h"
@@ -6,10 +6,8 @@
 
 namespace sim::cli {
 
-/// Prints at most `limit` of the query's results, all for 0, and how many more there are.
-void PrintResults(host::Host &host, const host::Object &query, size_t limit, const Screen &screen);
-
-/// An item's name in its folder.
-std::string NameOf(const host::Object &item);
+/// Prints at most `limit` of the query's results, all for 0, and notes how many more there are. Columns show paths from
+/// the folder on, the other formats whole ones.
+void PrintResults(host::Host &host, const host::Object &query, const Options &options, const Output &output);
 
 } // namespace sim::cli

@@ -1,5 +1,7 @@
 #include "simulator/cli/screen.h"
 
+#include "simulator/cli/text_width.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <sys/ioctl.h>
@@ -10,9 +12,9 @@ namespace {
 
 constexpr size_t kUsualWidth = 80;
 
-size_t TerminalWidth() {
+size_t TerminalWidth(int descriptor) {
     winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+    if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
     return kUsualWidth;
 }
@@ -45,15 +47,20 @@ const char *CodeOf(Style style) {
 
 } // namespace
 
-Screen Screen::OfStandardOutput() {
-    const bool isTerminal = isatty(STDOUT_FILENO);
-    return {stdout, isTerminal, isTerminal && WantsColours(), isTerminal ? TerminalWidth() : kUsualWidth};
+Screen Screen::Of(std::FILE *file) {
+    const int descriptor = fileno(file);
+    const bool isTerminal = isatty(descriptor);
+    return {file, isTerminal, isTerminal && WantsColours(), isTerminal ? TerminalWidth(descriptor) : kUsualWidth};
 }
 
 std::string Screen::Styled(const std::string &text, Style style) const {
     if (!hasColours_ || style == Style::kPlain || text.empty())
         return text;
     return CodeOf(style) + text + "\x1b[0m";
+}
+
+std::string Screen::FittedBehind(size_t columns, const std::string &text) const {
+    return isTerminal_ ? Fitted(text, columns < width_ ? width_ - columns : 0, Cut::kMiddle) : text;
 }
 
 void Screen::Line(const std::string &text) const { Write(text + "\n"); }
@@ -64,5 +71,12 @@ void Screen::Write(const std::string &text) const {
 }
 
 bool Screen::IsWell() const { return !std::ferror(file_); }
+
+Output Output::For(std::optional<Format> format) {
+    const Screen results = Screen::Of(stdout);
+    if (!format)
+        format = results.IsTerminal() ? Format::kColumns : Format::kTSV;
+    return {results, *format == Format::kColumns ? results : Screen::Of(stderr), *format};
+}
 
 } // namespace sim::cli

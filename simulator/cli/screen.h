@@ -1,7 +1,9 @@
-// Where the output goes: to somebody's terminal, with columns and colours, or to a file or another program, plain. All
+// Where output goes: to somebody's terminal, with columns and colours, or to a file or another program, plain. All
 // output of the program goes through here, line by line, so that nothing that happened is still in a buffer when the
 // next thing does.
 #pragma once
+
+#include "simulator/cli/options.h"
 
 #include <cstdio>
 #include <string>
@@ -12,8 +14,8 @@ enum class Style { kPlain, kBold, kDim, kRed, kGreen, kYellow, kCyan };
 
 class Screen {
 public:
-    /// What stdout is, looking at NO_COLOR and TERM too.
-    static Screen OfStandardOutput();
+    /// What stdout or stderr is, looking at NO_COLOR and TERM too.
+    static Screen Of(std::FILE *file);
 
     Screen(std::FILE *file, bool isTerminal, bool hasColours, size_t width)
         : file_(file), isTerminal_(isTerminal), hasColours_(hasColours), width_(width) {}
@@ -24,6 +26,8 @@ public:
 
     /// The text in that style, or just the text where there are no colours.
     std::string Styled(const std::string &text, Style style) const;
+    /// The text, cut to what is left of a terminal's line behind so many columns. Whole where there is no terminal.
+    std::string FittedBehind(size_t columns, const std::string &text) const;
 
     /// Writes the text and ends the line.
     void Line(const std::string &text = "") const;
@@ -38,6 +42,17 @@ private:
     bool isTerminal_;
     bool hasColours_;
     size_t width_;
+};
+
+/// The two places that the program writes to. Somebody at a terminal sees both in one; for programs, standard output
+/// has the results and nothing else.
+struct Output {
+    Screen results;
+    Screen notes;
+    Format format;
+
+    /// As asked for, or in columns on a terminal and separated by tabs elsewhere.
+    static Output For(std::optional<Format> format);
 };
 
 } // namespace sim::cli

@@ -23,23 +23,47 @@ void Table::Add(std::vector<std::string> cells) {
     rows_.push_back(std::move(cells));
 }
 
-void Table::Print(const Screen &screen) const {
+void Table::PrintTSV(const Screen &screen) const {
     std::vector<std::string> headings;
     for (const Column &column : columns_)
         headings.push_back(column.heading);
-
-    std::string text;
-    if (!screen.IsTerminal()) {
-        text = WithTabs(headings);
-        for (const auto &cells : rows_)
-            text += WithTabs(cells);
-    } else {
-        const std::vector<size_t> widths = WidthsFor(screen.Width());
-        text = Row(headings, widths, screen, true);
-        for (const auto &cells : rows_)
-            text += Row(cells, widths, screen, false);
-    }
+    std::string text = WithTabs(headings);
+    for (const auto &cells : rows_)
+        text += WithTabs(cells);
     screen.Write(text);
+}
+
+void Table::Print(const Screen &screen) const { FittingIn(screen.Width()).PrintWhole(screen); }
+
+void Table::PrintWhole(const Screen &screen) const {
+    std::vector<std::string> headings;
+    for (const Column &column : columns_)
+        headings.push_back(column.heading);
+    const std::vector<size_t> widths = WidthsFor(screen.Width());
+    std::string text = Row(headings, widths, screen, true);
+    for (const auto &cells : rows_)
+        text += Row(cells, widths, screen, false);
+    screen.Write(text);
+}
+
+// The table with as many of its columns as the width has room for; one at least.
+Table Table::FittingIn(size_t width) const {
+    size_t least = kGap * (columns_.size() - 1);
+    for (const Column &column : columns_)
+        least += column.narrowest;
+    if (least <= width || columns_.size() == 1)
+        return *this;
+    const auto lightest = std::ranges::min_element(columns_, {}, &Column::weight);
+    return WithoutColumn(static_cast<size_t>(lightest - columns_.begin())).FittingIn(width);
+}
+
+Table Table::WithoutColumn(size_t column) const {
+    Table table = *this;
+    const auto at = static_cast<std::ptrdiff_t>(column);
+    table.columns_.erase(table.columns_.begin() + at);
+    for (auto &cells : table.rows_)
+        cells.erase(cells.begin() + at);
+    return table;
 }
 
 // Each column gets what its cells need, within its limits. What the terminal lacks is taken from the widest columns;
@@ -59,7 +83,8 @@ std::vector<size_t> Table::WidthsFor(size_t width) const {
     while (taken > available) {
         size_t widest = widths.size();
         for (size_t i = 0; i < widths.size(); ++i)
-            if (widths[i] > columns_[i].narrowest && (widest == widths.size() || widths[i] >= widths[widest]))
+            if (widths[i] > (columns_.size() == 1 ? 0 : columns_[i].narrowest) &&
+                (widest == widths.size() || widths[i] >= widths[widest]))
                 widest = i;
         if (widest == widths.size())
             break;

@@ -1,4 +1,4 @@
-// Rows under a heading: in columns on a terminal, no wider than it is, and separated by tabs elsewhere.
+// Rows under a heading: in columns, no wider than the terminal is, or separated by tabs.
 #pragma once
 
 #include "simulator/cli/screen.h"
@@ -17,6 +17,8 @@ struct Column {
     size_t widest = 40;
     Cut cut = Cut::kEnd;
     Style style = Style::kPlain;
+    /// On a terminal too narrow for all, columns of the least weight are left out first.
+    int weight = 0;
 };
 
 class Table {
@@ -28,9 +30,15 @@ public:
     void Add(std::vector<std::string> cells);
     size_t RowCount() const { return rows_.size(); }
 
+    /// In columns.
     void Print(const Screen &screen) const;
+    /// With tabs between the cells, whole.
+    void PrintTSV(const Screen &screen) const;
 
 private:
+    Table FittingIn(size_t width) const;
+    Table WithoutColumn(size_t column) const;
+    void PrintWhole(const Screen &screen) const;
     std::vector<size_t> WidthsFor(size_t width) const;
     std::string Row(const std::vector<std::string> &cells, const std::vector<size_t> &widths, const Screen &screen,
                     bool isHeading) const;

@@ -179,9 +179,15 @@ std::string Printable(std::string_view text) {
     std::string printable;
     const auto length = static_cast<int32_t>(text.size());
     for (int32_t i = 0; i < length;) {
+        const int32_t begin = i;
         UChar32 point;
-        U8_NEXT_OR_FFFD(text.data(), i, length, point);
-        AppendPrintable(printable, point);
+        U8_NEXT(text.data(), i, length, point);
+        if (point >= 0) {
+            AppendPrintable(printable, point);
+            continue;
+        }
+        for (const char byte : text.substr(static_cast<size_t>(begin), static_cast<size_t>(i - begin)))
+            AppendCode(printable, "\\x%02x", static_cast<unsigned char>(byte));
     }
     return printable;
 }

@@ -20,7 +20,7 @@ std::string PaddedRight(std::string text, size_t width);
 std::string PaddedLeft(const std::string &text, size_t width);
 
 /// The text on one line, harmless to a terminal: line ends, tabs, escapes and marks that turn the direction of writing
-/// are spelled out, and bytes that are no UTF-8 become U+FFFD.
+/// are spelled out, as are bytes that are no UTF-8.
 std::string Printable(std::string_view text);
 
 } // namespace sim::cli

@@ -146,4 +146,8 @@ std::string SizeText(int64_t bytes) {
     return Formatted(amount < 9.95 ? "%.1f %s" : "%.0f %s", amount, unit);
 }
 
+std::string CountText(size_t count, const char *one, const char *many) {
+    return NumberText(count) + " " + (count == 1 ? one : many);
+}
+
 } // namespace sim::cli

@@ -20,4 +20,7 @@ std::string DateText(const host::DateFields &date);
 /// 1234567 as "1.2 MB", for people; 0 and 1 as "0 bytes" and "1 byte".
 std::string SizeText(int64_t bytes);
 
+/// "1 file", "2 files"
+std::string CountText(size_t count, const char *one, const char *many);
+
 } // namespace sim::cli

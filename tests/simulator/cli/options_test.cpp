@@ -2,6 +2,7 @@
 
 #include <doctest/doctest.h>
 
+#include <sstream>
 #include <vector>
 
 namespace sim::cli {
@@ -52,6 +53,25 @@ TEST_CASE("Options may stand anywhere, with their value behind them or behind an
     CHECK(Read({"--attributes"}).task == Options::Task::kAttributes);
 }
 
+TEST_CASE("An option given twice counts as it was given last") {
+    CHECK(Read({"--limit", "1", "--limit", "2"}).limit == 2);
+    CHECK(Read({"--format=tsv", "--format=json"}).format == Format::kJSON);
+}
+
+TEST_CASE("Every option stands in the help, and the help has no other") {
+    std::istringstream help(HelpText());
+    size_t count = 0;
+    for (std::string line; std::getline(help, line);) {
+        if (!line.starts_with("  --"))
+            continue;
+        const std::string name = line.substr(2, line.find(' ', 2) - 2);
+        CAPTURE(name);
+        CHECK(Complaint({name.c_str()}).find("there is no option") == std::string::npos);
+        ++count;
+    }
+    CHECK(count == 9);
+}
+
 TEST_CASE("Help wins over everything else") {
     CHECK(Read({"--show", "/nowhere", "--help"}).task == Options::Task::kHelp);
     CHECK(Read({"-h", "--attributes"}).task == Options::Task::kHelp);
@@ -62,10 +82,11 @@ TEST_CASE("The library must be named") {
 }
 
 TEST_CASE("Versions and limits are numbers from end to end") {
-    for (const char *text : {"", "x", "2013x", " 2013", "-1", "0", "nan", "inf", "1e999"}) {
+    for (const char *text : {"", "x", "2013x", " 2013", "-1", "0", "nan", "inf", "1e999", "1999", "3001"}) {
         CAPTURE(text);
         CHECK(Complaint({"--host-version", text}) ==
-              "--host-version takes a number like 2013.04, or none; \"" + std::string(text) + "\" is neither");
+              "--host-version takes a number from 2005 to 3000, such as 2013.04, or none; \"" + std::string(text) +
+                  "\" is neither");
     }
     for (const char *text : {"", "x", "-1", "1.5", "99999999999999999999"}) {
         CAPTURE(text);

@@ -13,7 +13,11 @@ std::string Printed(const Table &table, bool isTerminal, bool hasColours, size_t
     char *bytes = nullptr;
     size_t size = 0;
     std::FILE *file = open_memstream(&bytes, &size);
-    table.Print(Screen(file, isTerminal, hasColours, width));
+    const Screen screen(file, isTerminal, hasColours, width);
+    if (isTerminal)
+        table.Print(screen);
+    else
+        table.PrintTSV(screen);
     std::fclose(file);
     const std::unique_ptr<char, void (*)(void *)> owner(bytes, std::free);
     return {bytes, size};
@@ -28,7 +32,7 @@ Table Files() {
     return table;
 }
 
-TEST_CASE("Without a terminal fields are separated by tabs and nothing is cut") {
+TEST_CASE("For programs fields are separated by tabs and nothing is cut") {
     CHECK(Printed(Files(), false, false, 10) == "Name\tSize\tPath\n"
                                                 "a.txt\t12\t/a.txt\n"
                                                 "日本\\n\t1234\t/tmp/日本\\n\n");
@@ -47,16 +51,27 @@ TEST_CASE("Colours go around the cells") {
                                             "\x1b[32mx\x1b[0m  y\n");
 }
 
-TEST_CASE("No line is wider than the terminal, as long as the narrowest columns fit") {
-    Table table({{.heading = "Name", .narrowest = 6}, {.heading = "Path", .narrowest = 6, .cut = Cut::kMiddle}});
+TEST_CASE("No line is wider than the terminal, however narrow that is") {
+    Table table(
+        {{.heading = "Name", .narrowest = 6, .weight = 1}, {.heading = "Path", .narrowest = 6, .cut = Cut::kMiddle}});
     table.Add({std::string(60, 'n'), "/" + std::string(60, 'p')});
     table.Add({"日本語日本語日本語日本語", "/日本語日本語日本語日本語"});
-    for (size_t width = 14; width <= 130; ++width) {
+    for (size_t width = 1; width <= 130; ++width) {
         CAPTURE(width);
         std::istringstream lines(Printed(table, true, false, width));
         for (std::string line; std::getline(lines, line);)
             CHECK(WidthOf(line) <= width);
     }
+}
+
+TEST_CASE("Where there is no room for all columns those of the least weight are left out") {
+    Table table({{.heading = "A", .narrowest = 6, .weight = 1},
+                 {.heading = "B", .narrowest = 6, .weight = 0},
+                 {.heading = "C", .narrowest = 6, .weight = 2}});
+    table.Add({"a", "b", "c"});
+    CHECK(Printed(table, true, false, 22) == "A       B       C\na       b       c\n");
+    CHECK(Printed(table, true, false, 21) == "A       C\na       c\n");
+    CHECK(Printed(table, true, false, 10) == "C\nc\n");
 }
 
 } // namespace

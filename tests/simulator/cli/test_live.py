@@ -9,7 +9,7 @@ import unittest
 
 from program import FolderTest, Running
 
-_LIVE = "Live. Every change in the folder shows here; Ctrl-C ends.\n"
+_LIVE = "Live. Every change in the folder shows here, at its time (GMT); Ctrl-C ends.\n"
 
 
 class Live(FolderTest):
@@ -25,15 +25,15 @@ class Live(FolderTest):
             running.wait_for(_LIVE)
             path.write_text("one")
             running.wait_for("          + new.txt\n")
-            self.assertRegex(running.output, r"Update    1 added, \d changed, 0 removed; 1 result\n")
+            self.assertRegex(running.output, r"Update    \d\d:\d\d:\d\d  1 added, \d changed, 0 removed; 1 result\n")
             with path.open("a") as file:
                 file.write("and more")
-            running.wait_for("          ~ new.txt\n")
+            running.wait_for("          ~ new.txt; size 3 bytes → 11 bytes")
             path.rename(renamed)
-            running.wait_for("newer.txt\n")
+            running.wait_for("          ~ new.txt → newer.txt")
             renamed.unlink()
             running.wait_for("          - newer.txt\n")
-            running.wait_for("Update    0 added, 0 changed, 1 removed; 0 results\n")
+            running.wait_for("0 added, 0 changed, 1 removed; 0 results\n")
             self._assert_ends_well(running)
 
     def test_a_result_that_was_there_from_the_start_is_named_when_it_goes(self) -> None:
@@ -76,8 +76,8 @@ class Live(FolderTest):
             running.wait_for("; 0 results\n")
             self._assert_ends_well(running)
             updates = [line.split() for line in running.output.splitlines() if line.startswith("Update")]
-            self.assertEqual(sum(int(words[1]) for words in updates), 500)
-            self.assertEqual(sum(int(words[5]) for words in updates), 500)
+            self.assertEqual(sum(int(words[2]) for words in updates), 500)
+            self.assertEqual(sum(int(words[6]) for words in updates), 500)
             named = sum(line.startswith("          + ") for line in running.output.splitlines())
             self.assertLessEqual(named, 21 * len(updates))
 
@@ -87,17 +87,29 @@ class Live(FolderTest):
                 running.wait_for(_LIVE)
                 self._assert_ends_well(running, number)
 
-    def test_an_interrupt_while_gathering_ends_in_order(self) -> None:
+    def test_an_interrupt_while_gathering_shows_what_was_found_and_ends_with_130(self) -> None:
         for folder in range(20):
             inner = self.folder / str(folder)
             inner.mkdir()
             for number in range(100):
                 (inner / f"{number}.txt").touch()
-        with Running(str(self.folder), "--live", "--limit=1") as running:
-            running.wait_for("Folder")
-            running.signal(signal.SIGINT)
-            self.assertEqual(running.end(), 0, running.output)
-            self.assertTrue(running.output.endswith("Stopped after 0 updates.\n"), running.output)
+        for number, code in ((signal.SIGINT, 130), (signal.SIGTERM, 143)):
+            with self.subTest(signal=number), Running(str(self.folder), "--live", "--limit=1") as running:
+                running.wait_for("Host ")
+                running.signal(number)
+                self.assertEqual(running.end(), code, running.output)
+                self.assertIn("Interrupted: the search is not complete. Found until then:\n", running.output)
+                self.assertIn("Name\tKind\t", running.output)
+                self.assertNotIn("Finish", running.output)
+
+    def test_a_change_in_an_inner_folder_shows_the_path_from_the_folder_on(self) -> None:
+        inner = self.folder / "inner"
+        inner.mkdir()
+        with Running(str(self.folder), "--live") as running:
+            running.wait_for(_LIVE)
+            (inner / "new.txt").touch()
+            running.wait_for("          + inner/new.txt\n")
+            self._assert_ends_well(running)
 
     def test_without_a_terminal_the_run_ends_by_itself(self) -> None:
         self.make("file.txt")

@@ -2,41 +2,106 @@
 
 from __future__ import annotations
 
+import json
 import os
 import re
 import unicodedata
 import unittest
+from pathlib import Path
 
 from program import MOMENT, FolderTest, run
 
-_PROGRESS = re.compile(r"^Progress  0 added, 0 changed, 0 removed; \d+ results? so far\n", re.MULTILINE)
-_HEADING = "\nName\tKind\tSize\tModified (GMT)\tPath\n"
+_PROGRESS = re.compile(r"^Progress  \d+ results? so far, \d+ files? looked at\n", re.MULTILINE)
+_HEADING = "Name\tKind\tSize\tModified (GMT)\tPath\n"
+_HOST = "Host      2016.1, records of version 13\n"
 
 
-def without_progress(output: str) -> str:
+def without_progress(said: str) -> str:
     """How many progress events there are is a matter of time."""
-    return _PROGRESS.sub("", output)
+    return _PROGRESS.sub("", said)
 
 
 class Query(FolderTest):
-    def test_a_run_prints_the_query_its_end_and_what_was_found(self) -> None:
+    def test_results_are_on_standard_output_and_everything_else_is_not(self) -> None:
         self.make("b.txt", "hello\n")
         self.make("a10.txt")
         self.make("a9.md", "x" * 1234)
         (self.folder / "inner").mkdir()
         os.utime(self.folder / "inner", (MOMENT, MOMENT))
         ran = run(str(self.folder))
-        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
-        self.assertRegex(ran.stdout, _PROGRESS)
+        self.assertEqual(ran.returncode, 0)
+        self.assertRegex(ran.stderr, _PROGRESS)
+        self.assertEqual(
+            without_progress(ran.stderr),
+            f'Query     kMDItemFSName == "*"\nFolder    {self.folder}\n{_HOST}Finish    4 results, 4 files looked at\n',
+        )
         when = "2009-02-15 12:30:00"
         self.assertEqual(
-            without_progress(ran.stdout),
-            f'Query     kMDItemFSName == "*"\nFolder    {self.folder}\nFinish    4 results\n{_HEADING}'
+            ran.stdout,
+            f"{_HEADING}"
             f"a9.md\tMarkdown document\t1234\t{when}\t{self.folder}/a9.md\n"
             f"a10.txt\tPlain text document\t0\t{when}\t{self.folder}/a10.txt\n"
             f"b.txt\tPlain text document\t6\t{when}\t{self.folder}/b.txt\n"
             f"inner\tFolder\t\t{when}\t{self.folder}/inner\n",
         )
+
+    def test_json_has_numbers_as_numbers_and_what_is_missing_as_null(self) -> None:
+        self.make("a.txt", "hello\n")
+        (self.folder / "inner").mkdir()
+        os.utime(self.folder / "inner", (MOMENT, MOMENT))
+        ran = run(str(self.folder), "--format", "json")
+        self.assertEqual(ran.returncode, 0)
+        when = "2009-02-15T12:30:00Z"
+        self.assertEqual(
+            json.loads(ran.stdout),
+            [
+                {
+                    "name": "a.txt",
+                    "kind": "Plain text document",
+                    "size": 6,
+                    "modified": when,
+                    "path": f"{self.folder}/a.txt",
+                },
+                {"name": "inner", "kind": "Folder", "size": None, "modified": when, "path": f"{self.folder}/inner"},
+            ],
+        )
+        self.assertEqual(json.loads(run(str(self.folder / "inner"), "--format=json").stdout), [])
+
+    def test_the_heading_says_what_the_host_is_like(self) -> None:
+        for version, heading in (
+            ("2011.4", "2011.4, records of version 9"),
+            ("2013.0", "2013, records of version 11"),
+            ("3000", "3000, records of version 13"),
+            ("none", "does not tell its version, records of version 9"),
+        ):
+            with self.subTest(version=version):
+                self.assertIn(f"Host      {heading}\n", run(str(self.folder), "--host-version", version).stderr)
+
+    def test_an_attribute_that_does_not_exist_is_pointed_out(self) -> None:
+        self.make("a.txt")
+        ran = run(str(self.folder), 'kMDItemFSNmae == "*.txt" || kMDItemFSName == "*.txt" || com_example_mine == 1')
+        self.assertEqual(ran.returncode, 0)
+        self.assertIn("no attribute is called kMDItemFSNmae; did you mean kMDItemFSName?\n", ran.stderr)
+        self.assertIn("no attribute is called com_example_mine\n", ran.stderr)
+        self.assertIn("a.txt\t", ran.stdout)
+
+    def test_names_that_are_no_utf_8_are_counted_and_left_out(self) -> None:
+        self.make("good.txt")
+        bad = os.fsencode(self.folder) + b"/f\xff"
+        os.mkdir(bad)
+        Path(os.fsdecode(bad + b"/inside.txt")).touch()
+        Path(os.fsdecode(os.fsencode(self.folder) + b"/g\xfe.txt")).touch()
+        ran = run(str(self.folder))
+        self.assertEqual(ran.returncode, 0)
+        self.assertIn("Note      2 names that are no UTF-8 left out, as no Mac has such\n", ran.stderr)
+        self.assertEqual([line.split("\t")[0] for line in ran.stdout.splitlines()], ["Name", "good.txt"])
+
+    def test_folders_that_cannot_be_read_are_counted(self) -> None:
+        closed = self.folder / "closed"
+        closed.mkdir()
+        closed.chmod(0)
+        self.addCleanup(closed.chmod, 0o700)
+        self.assertIn("Note      1 folder could not be read\n", run(str(self.folder), privileged=False).stderr)
 
     def test_only_what_the_query_asks_for_is_found(self) -> None:
         self.make("one.txt")
@@ -44,27 +109,24 @@ class Query(FolderTest):
         self.make("three.md")
         ran = run(str(self.folder), 'kMDItemFSName == "*.txt"c')
         self.assertEqual(ran.returncode, 0)
-        self.assertIn("Finish    2 results\n", ran.stdout)
+        self.assertIn("Finish    2 results, 3 files looked at\n", ran.stderr)
         self.assertNotIn("three.md", ran.stdout)
 
-    def test_a_query_that_finds_nothing_has_no_table(self) -> None:
+    def test_a_query_that_finds_nothing_leaves_the_heading_alone(self) -> None:
         ran = run(str(self.folder))
-        self.assertEqual(ran.returncode, 0)
-        self.assertEqual(
-            without_progress(ran.stdout),
-            f'Query     kMDItemFSName == "*"\nFolder    {self.folder}\nFinish    0 results\n',
-        )
+        self.assertEqual((ran.returncode, ran.stdout), (0, _HEADING))
+        self.assertIn("Finish    0 results, 0 files looked at\n", ran.stderr)
 
     def test_a_single_result_is_not_results(self) -> None:
         self.make("only.txt")
-        self.assertIn("Finish    1 result\n", run(str(self.folder)).stdout)
+        self.assertIn("Finish    1 result, 1 file looked at\n", run(str(self.folder)).stderr)
 
     def test_names_of_any_kind_are_printed_on_one_line_each(self) -> None:
         decomposed = unicodedata.normalize("NFD", "décomposé.txt")
         for name in (decomposed, "composé.txt", "日本語.txt", "line\nend.txt", "\x1b[31mred.txt", "tab\there.txt"):
             self.make(name)
         ran = run(str(self.folder))
-        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+        self.assertEqual(ran.returncode, 0)
         names = {line.split("\t")[0] for line in ran.stdout.split(_HEADING)[1].splitlines()}
         self.assertEqual(
             names,
@@ -76,10 +138,11 @@ class Query(FolderTest):
             self.make(f"file{number}.txt")
         for arguments, shown in (((), 50), (("--limit", "7"), 7), (("--limit=0",), 60), (("--limit=60",), 60)):
             with self.subTest(arguments=arguments):
-                lines = run(str(self.folder), *arguments).stdout.split(_HEADING)[1].splitlines()
-                rest = [] if shown == 60 else [f"… and {60 - shown} more; --limit 0 shows them all"]
-                self.assertEqual(len(lines), shown + len(rest))
-                self.assertEqual(lines[shown:], rest)
+                ran = run(str(self.folder), *arguments)
+                lines = ran.stdout.split(_HEADING)[1].splitlines()
+                rest = "" if shown == 60 else f"… and {60 - shown} more; --limit 0 shows them all\n"
+                self.assertEqual(len(lines), shown)
+                self.assertEqual(ran.stderr.rpartition(" looked at\n")[2], rest)
                 self.assertEqual(
                     [line.split("\t")[0] for line in lines[:shown]], [f"file{number}.txt" for number in range(shown)]
                 )
@@ -88,28 +151,27 @@ class Query(FolderTest):
         self.make("here.txt")
         ran = run("folder", cwd=self.folder.parent)
         self.assertEqual(ran.returncode, 0)
-        self.assertIn(f"Folder    {self.folder}\n", ran.stdout)
+        self.assertIn(f"Folder    {self.folder}\n", ran.stderr)
         self.assertIn(f"\t{self.folder}/here.txt\n", ran.stdout)
 
     def test_without_arguments_something_is_found(self) -> None:
         ran = run()
-        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
-        self.assertIn("Folder    /etc\n", ran.stdout)
-        found = re.search(r"^Finish    (\d+) results?$", ran.stdout, re.MULTILINE)
+        self.assertEqual(ran.returncode, 0)
+        self.assertIn("Folder    /etc\n", ran.stderr)
+        found = re.search(r"^Finish    (\d+) results?, \d+ files looked at$", ran.stderr, re.MULTILINE)
         assert found is not None
         self.assertGreater(int(found[1]), 0)
-        self.assertIn(_HEADING, ran.stdout)
+        self.assertTrue(ran.stdout.startswith(_HEADING))
 
     def test_hosts_of_every_age_print_the_same(self) -> None:
         self.make("héllo.txt", "hello")
         self.make("日本語.md")
-        expected = without_progress(run(str(self.folder)).stdout)
+        expected = run(str(self.folder)).stdout
         self.assertIn("héllo.txt\tPlain text document\t5\t", expected)
         for version in ("none", "2011.4", "2012.5", "2013.0", "2013.03", "2013.04", "2016.1", "3000"):
             with self.subTest(version=version):
                 ran = run(str(self.folder), "--host-version", version)
-                self.assertEqual((ran.returncode, ran.stderr), (0, ""))
-                self.assertEqual(without_progress(ran.stdout), expected)
+                self.assertEqual((ran.returncode, ran.stdout), (0, expected))
 
 
 class OneFile(FolderTest):
@@ -136,6 +198,14 @@ class OneFile(FolderTest):
         self.assertIn("public.plain-text", tree.split(", "))
         self.assertNotIn("kMDItemPixelWidth", shown)
 
+    def test_json_keeps_the_types(self) -> None:
+        shown = json.loads(run("--show", str(self.make("note.txt", "hello\n")), "--format", "json").stdout)
+        self.assertEqual(shown["kMDItemFSName"], "note.txt")
+        self.assertEqual(shown["kMDItemFSSize"], 6)
+        self.assertIs(shown["kMDItemFSInvisible"], False)
+        self.assertEqual(shown["kMDItemFSContentChangeDate"], "2009-02-15T12:30:00Z")
+        self.assertIn("public.plain-text", shown["kMDItemContentTypeTree"])
+
     def test_hosts_of_every_age_show_the_same(self) -> None:
         path = str(self.make("nöte.txt", "hello\n"))
         expected = self._shown(path)
@@ -148,6 +218,12 @@ class OneFile(FolderTest):
 
 
 class Schema(unittest.TestCase):
+    def test_json_has_an_object_for_each_attribute(self) -> None:
+        attributes = {row["attribute"]: row for row in json.loads(run("--attributes", "--format=json").stdout)}
+        self.assertGreaterEqual(len(attributes), 168)
+        self.assertEqual(attributes["kMDItemFSSize"]["type"], "Number")
+        self.assertIs(attributes["kMDItemAuthors"]["many"], True)
+
     def test_every_attribute_has_a_type_and_a_name(self) -> None:
         ran = run("--attributes")
         self.assertEqual((ran.returncode, ran.stderr), (0, ""))

@@ -32,28 +32,39 @@ class Terminal(FolderTest):
         places = []
         for line in lines[1:]:
             place = line.index("2009-02-15 12:30:00")
-            places.append((columns(line[:place]), columns(line[: line.index("/", place)])))
+            places.append((columns(line[:place]), columns(line[: line.rindex("  ") + 2])))
         self.assertEqual(len(places), 3)
         self.assertEqual(len(set(places)), 1, lines)
         self.assertEqual(places[0][0], columns(lines[0][: lines[0].index("Modified (GMT)")]))
         for line in lines[1:]:
             self.assertIn("  1.2 KB  ", line)
 
-    def test_no_line_of_the_table_is_wider_than_the_terminal(self) -> None:
+    def test_no_line_is_wider_than_the_terminal(self) -> None:
         self.make("n" * 100 + ".txt")
         self.make("日" * 60 + ".txt")
-        for width in (80, 100, 120):
+        for width in (10, 20, 40, 60, 80, 100, 120):
             with self.subTest(width=width):
-                lines = [unstyled(line) for line in self._table(width=width)]
-                self.assertEqual(len(lines), 3)
+                with Running(
+                    str(self.folder), 'kMDItemFSName == "*.txt" && kMDItemFSSize >= 0', "--once", terminal_width=width
+                ) as running:
+                    self.assertEqual(running.end(), 0, running.output)
+                lines = unstyled(running.output).splitlines()
+                self.assertGreaterEqual(len(lines), 7)
                 for line in lines:
                     self.assertLessEqual(columns(line), width, line)
+
+    def test_paths_are_shown_from_the_folder_on(self) -> None:
+        inner = self.folder / "inner"
+        inner.mkdir()
+        (inner / "here.txt").touch()
+        lines = [unstyled(line) for line in self._table('kMDItemFSName == "here.txt"')]
+        self.assertTrue(lines[1].endswith("  inner/here.txt"), lines)
 
     def test_a_long_path_keeps_its_end(self) -> None:
         inner = self.folder / ("long" * 20)
         inner.mkdir()
         (inner / "here.txt").touch()
-        lines = [unstyled(line) for line in self._table("kMDItemFSName == \"here.txt\"", width=90)]
+        lines = [unstyled(line) for line in self._table('kMDItemFSName == "here.txt"', width=90)]
         self.assertTrue(lines[1].startswith("here.txt "), lines)
         self.assertTrue(lines[1].endswith("/here.txt"), lines)
         self.assertIn("…", lines[1])
@@ -73,7 +84,7 @@ class Terminal(FolderTest):
     def test_the_time_taken_is_told(self) -> None:
         with Running(str(self.folder), "--once", terminal_width=80) as running:
             self.assertEqual(running.end(), 0, running.output)
-            self.assertRegex(unstyled(running.output), r"\nFinish    0 results in [0-9.]+ (ms|s)\n")
+            self.assertRegex(unstyled(running.output), r"\nFinish    0 results, 0 files looked at in [0-9.]+ (ms|s)\n")
 
     def test_a_run_stays_live_until_control_c_is_typed(self) -> None:
         with Running(str(self.folder), terminal_width=80) as running:
@@ -84,13 +95,34 @@ class Terminal(FolderTest):
             self.assertEqual(running.end(), 0, running.output)
             self.assertRegex(running.output, r"\rStopped after \d+ updates?\.\n$")
 
+    def test_programs_get_the_same_in_a_terminal(self) -> None:
+        self.make("a.txt")
+        with Running(str(self.folder), "--once", "--format=tsv", terminal_width=20) as running:
+            self.assertEqual(running.end(), 0, running.output)
+            self.assertIn(f"\t{self.folder}/a.txt\n", running.output)
+
+    def test_an_interrupt_while_gathering_is_told(self) -> None:
+        with Running("/", 'kMDItemFSName == "no such name"', terminal_width=80) as running:
+            running.wait_for("Host ")
+            running.type("\x03")
+            self.assertEqual(running.end(), 130, running.output)
+            self.assertIn("Interrupted: the search is not complete.", running.output)
+
+    def test_a_search_that_finds_nothing_says_how_far_it_is(self) -> None:
+        with Running("/", 'kMDItemFSName == "no such name"', terminal_width=80) as running:
+            running.wait_for("0 results so far, ")
+            self.assertRegex(unstyled(running.output), r"Progress  0 results so far, [1-9]\d* files? looked at\n")
+            running.type("\x03")
+            self.assertEqual(running.end(), 130, running.output)
+
     def test_other_tables_fit_too(self) -> None:
         path = self.make("file.txt", "hello")
         for arguments in (("--show", str(path)), ("--attributes",)):
-            with self.subTest(arguments=arguments), Running(*arguments, terminal_width=80) as running:
-                self.assertEqual(running.end(), 0, running.output)
-                for line in unstyled(running.output).splitlines():
-                    self.assertLessEqual(columns(line), 80, line)
+            for width in (30, 80):
+                with self.subTest(arguments=arguments), Running(*arguments, terminal_width=width) as running:
+                    self.assertEqual(running.end(), 0, running.output)
+                    for line in unstyled(running.output).splitlines():
+                        self.assertLessEqual(columns(line), width, line)
 
 
 if __name__ == "__main__":

@@ -20,10 +20,22 @@ class WrongUsage(FolderTest):
             ran = run(*arguments)
             self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (2, "", complain(sentence)))
 
-    def test_wrong_queries(self) -> None:
-        for query in ("", "name", 'kMDItemFSName = = "*"', 'kMDItemFSName == "*', '(kMDItemFSName == "*"'):
+    def test_a_wrong_query_is_marked_where_it_stops_being_one(self) -> None:
+        name = "the name of an attribute, or ("
+        for query, place, expected in (
+            ("", 0, name),
+            ("name", 4, "a comparison: ==, !=, <, <=, > or >="),
+            ('kMDItemFSName = = "*"', 16, "a text in quotes, a number, or a moment such as $time.today(-7)"),
+            ('kMDItemFSName == "*', 17, "a quote that ends the text"),
+            ('(kMDItemFSName == "*"', 21, "&&, || or )"),
+            ('kMDItemFSName == "*" kMDItemFSSize > 1', 21, "&&, || or the end"),
+            ('kMDItemFSName == "é日" &&', 25, name),
+            ("InRange(kMDItemFSSize, 1)", 24, "a comma"),
+            ('kMDItemFSSize > "many"', 16, "a number or a moment, which have an order"),
+        ):
+            mark = " " * place + "^"
             self._assert_wrong(
-                (str(self.folder), query), f'"{query}" is no query; one looks like kMDItemFSName == "*.txt"'
+                (str(self.folder), query), f"this is no query; at the mark it takes {expected}\n  {query}\n  {mark}"
             )
 
     def test_wrong_folders(self) -> None:
@@ -32,6 +44,11 @@ class WrongUsage(FolderTest):
         self._assert_wrong((str(path),), f'"{path}" is not a folder')
         self._assert_wrong((f"{path}/inner",), f'there is nothing at "{path}/inner"')
         self._assert_wrong(("",), 'there is nothing at ""')
+        bad = os.fsdecode(os.fsencode(self.folder) + b"/f\xff")
+        os.mkdir(bad)
+        sentence = f'"{self.folder}/f\\xff" is no UTF-8, and no file of a Mac has such a name'
+        self._assert_wrong((bad,), sentence)
+        self._assert_wrong(("--show", bad), sentence)
 
     def test_wrong_options(self) -> None:
         self._assert_wrong(("--colour",), "there is no option --colour; --help lists them")
@@ -39,9 +56,13 @@ class WrongUsage(FolderTest):
         self._assert_wrong(("--once=yes",), "--once takes nothing")
         self._assert_wrong(("--show",), "--show takes a file, and none is given")
         self._assert_wrong(("--limit", "many"), '--limit takes a number of rows, 0 for all; "many" is none')
-        self._assert_wrong(
-            ("--host-version", "new"), '--host-version takes a number like 2013.04, or none; "new" is neither'
-        )
+        self._assert_wrong(("--limt", "3"), "there is no option --limt; did you mean --limit?")
+        self._assert_wrong(("--format", "xml"), '--format takes tsv or json; "xml" is neither')
+        for version in ("new", "1", "20134", "1e9"):
+            self._assert_wrong(
+                ("--host-version", version),
+                f'--host-version takes a number from 2005 to 3000, such as 2013.04, or none; "{version}" is neither',
+            )
         self._assert_wrong(("--once", "--live"), "--once and --live cannot both be done")
         self._assert_wrong(("--show", "/etc", "--attributes"), "--show and --attributes cannot both be done")
         self._assert_wrong(("--attributes", "/etc"), "a folder or query goes with neither --show nor --attributes")
@@ -92,7 +113,8 @@ class Failure(FolderTest):
         full = os.open("/dev/full", os.O_WRONLY)
         self.addCleanup(os.close, full)
         ran = run("/etc", "--once", stdout=full)
-        self.assertEqual((ran.returncode, ran.stderr), (1, complain("the output could not be written")))
+        self.assertEqual(ran.returncode, 1)
+        self.assertEqual(ran.stderr.splitlines()[-1], complain("the output could not be written").strip())
 
 
 if __name__ == "__main__":

@@ -93,6 +93,13 @@ void Modifiers::Merge(Modifiers other) {
 
 Token Lexer::Next() {
     SkipBlanks();
+    const std::size_t at = length_ - rest_.size();
+    Token token = Word();
+    token.at = at;
+    return token;
+}
+
+Token Lexer::Word() {
     if (rest_.empty())
         return {};
     const char16_t first = rest_.front();
@@ -109,12 +116,12 @@ Token Lexer::Next() {
     if (const std::size_t length = NumberLength(rest_)) {
         const auto number = ParseNumber(rest_.substr(0, length));
         if (!number)
-            return Malformed();
+            return Malformed("a number that can be held");
         Token token = Symbol(TokenKind::kNumber, length);
         token.number = *number;
         // 12px and 1.2.3 are not a number and something else.
         if (!rest_.empty() && ContinuesName(FirstCodePoint(rest_)))
-            return Malformed();
+            return Malformed("a number and nothing right behind it");
         return token;
     }
     if (StartsName(FirstCodePoint(rest_)))
@@ -134,10 +141,11 @@ Token Lexer::Symbol(TokenKind kind, std::size_t length) {
     return token;
 }
 
-Token Lexer::Malformed() {
+Token Lexer::Malformed(const char *missing) {
     rest_ = u"]"; // no word starts with it
     Token token;
     token.kind = TokenKind::kMalformed;
+    token.missing = missing;
     return token;
 }
 
@@ -170,13 +178,13 @@ Token Lexer::QuotedText() {
             AppendUnit(token.pieces, rest_[at]);
     }
     if (at >= rest_.size())
-        return Malformed();
+        return Malformed("a quote that ends the text");
     ++at;
     while (at < rest_.size() && token.modifiers.Add(rest_[at]))
         ++at;
     rest_.remove_prefix(at);
     if (!rest_.empty() && ContinuesName(FirstCodePoint(rest_)))
-        return Malformed();
+        return Malformed("a text with no letters but c, d, w and t right behind it");
     return token;
 }
 
@@ -187,7 +195,7 @@ Token Lexer::BracketedModifiers() {
     while (at < rest_.size() && token.modifiers.Add(rest_[at]))
         ++at;
     if (at == 1 || at >= rest_.size() || rest_[at] != u']')
-        return Malformed();
+        return Malformed("some of the letters c, d, w and t in brackets");
     rest_.remove_prefix(at + 1);
     return token;
 }
@@ -195,11 +203,11 @@ Token Lexer::BracketedModifiers() {
 Token Lexer::Time() {
     const auto time = ParseTimeFunction(rest_);
     if (!time)
-        return Malformed();
+        return Malformed("a moment, such as $time.today(-7)");
     Token token = Symbol(TokenKind::kTime, time->length);
     token.time = time->function;
     if (!rest_.empty() && ContinuesName(FirstCodePoint(rest_)))
-        return Malformed();
+        return Malformed("a moment and nothing right behind it");
     return token;
 }
 

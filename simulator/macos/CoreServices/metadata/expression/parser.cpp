@@ -46,10 +46,22 @@ public:
 
     std::optional<Node> Whole() {
         auto query = Joined(TokenKind::kOr);
-        return query && At(TokenKind::kEnd) ? std::move(query) : std::nullopt;
+        if (query && !At(TokenKind::kEnd))
+            return Fail("&&, || or the end");
+        return query;
     }
 
+    const Mistake &FirstMistake() const { return mistake_; }
+
 private:
+    /// Where the query ends that could be read. Only the first mistake counts; the others follow from it.
+    std::nullopt_t FailAt(const Token &token, std::string_view expected) {
+        if (mistake_.expected.empty())
+            mistake_ = {token.at, token.missing ? token.missing : expected};
+        return std::nullopt;
+    }
+    std::nullopt_t Fail(std::string_view expected) { return FailAt(token_, expected); }
+
     bool At(TokenKind kind) const { return token_.kind == kind; }
 
     Token Advance() { return std::exchange(token_, lexer_.Next()); }
@@ -80,7 +92,7 @@ private:
         if (At(TokenKind::kOpen))
             return Parenthesized();
         if (!At(TokenKind::kName))
-            return std::nullopt;
+            return Fail("the name of an attribute, or (");
         std::string name = Advance().name;
         if (At(TokenKind::kOpen) && (name == "InRange" || name == "inRange"))
             return InRange();
@@ -89,27 +101,29 @@ private:
 
     std::optional<Node> Parenthesized() {
         if (depth_ == kDeepestNesting)
-            return std::nullopt;
+            return Fail("fewer parentheses");
         ++depth_;
         Advance();
         auto query = Joined(TokenKind::kOr);
         --depth_;
-        return query && Skip(TokenKind::kClose) ? std::move(query) : std::nullopt;
+        if (query && !Skip(TokenKind::kClose))
+            return Fail("&&, || or )");
+        return query;
     }
 
     std::optional<Node> InRange() {
         Advance();
         if (!At(TokenKind::kName))
-            return std::nullopt;
+            return Fail("the name of an attribute");
         std::string attribute = Advance().name;
         if (!Skip(TokenKind::kComma))
-            return std::nullopt;
+            return Fail("a comma");
         auto low = OrderedValue();
         if (!low || !Skip(TokenKind::kComma))
-            return std::nullopt;
+            return Fail("a comma");
         auto high = OrderedValue();
         if (!high || !Skip(TokenKind::kClose))
-            return std::nullopt;
+            return Fail(")");
         return Node{Range{std::move(attribute), std::move(*low), std::move(*high)}};
     }
 
@@ -122,13 +136,13 @@ private:
             return Node{Comparison{std::move(attribute), *order, false, std::move(*operand)}};
         }
         if (!At(TokenKind::kEqual) && !At(TokenKind::kNotEqual))
-            return std::nullopt;
+            return Fail("a comparison: ==, !=, <, <=, > or >=");
         const bool negated = Advance().kind == TokenKind::kNotEqual;
         Modifiers modifiers;
         if (At(TokenKind::kModifiers)) {
             modifiers = Advance().modifiers;
             if (!At(TokenKind::kQuotedText))
-                return std::nullopt;
+                return Fail("a text in quotes");
         }
         if (IsStarAlone(token_)) {
             Advance();
@@ -141,8 +155,11 @@ private:
     }
 
     std::optional<Operand> OrderedValue() {
+        const Token first = token_;
         auto operand = Value({});
-        return operand && HasOrder(*operand) ? std::move(operand) : std::nullopt;
+        if (operand && !HasOrder(*operand))
+            return FailAt(first, "a number or a moment, which have an order");
+        return operand;
     }
 
     std::optional<Operand> Value(Modifiers modifiers) {
@@ -156,17 +173,24 @@ private:
         case TokenKind::kTime:
             return token.time;
         default:
-            return std::nullopt;
+            return FailAt(token, "a text in quotes, a number, or a moment such as $time.today(-7)");
         }
     }
 
     Lexer lexer_;
     Token token_;
+    Mistake mistake_;
     int depth_ = 0;
 };
 
 } // namespace
 
-std::optional<Node> Parse(std::u16string_view text) { return Parser(text).Whole(); }
+std::optional<Node> Parse(std::u16string_view text, Mistake *mistake) {
+    Parser parser(text);
+    auto query = parser.Whole();
+    if (!query && mistake)
+        *mistake = parser.FirstMistake();
+    return query;
+}
 
 } // namespace sim::macos::expression

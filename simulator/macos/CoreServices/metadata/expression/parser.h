@@ -21,7 +21,13 @@ namespace sim::macos::expression {
 /// small stack.
 inline constexpr int kDeepestNesting = 200;
 
-/// Nothing for an empty or malformed query.
-std::optional<Node> Parse(std::u16string_view text);
+/// The first place where a text stops being a query, in its units, and what would have fitted there.
+struct Mistake {
+    std::size_t at = 0;
+    std::string_view expected;
+};
+
+/// Nothing for an empty or malformed query; then the mistake is noted, where somebody wants to know.
+std::optional<Node> Parse(std::u16string_view text, Mistake *mistake = nullptr);
 
 } // namespace sim::macos::expression

@@ -33,6 +33,8 @@ enum class TokenKind {
 /// Only the members of the token's kind are set.
 struct Token {
     TokenKind kind = TokenKind::kEnd;
+    std::size_t at = 0;            // of any kind: where it begins, in units of the text
+    const char *missing = nullptr; // of a malformed one: what would make it a word, where that can be said
     std::string name;
     PatternPieces pieces;
     Modifiers modifiers;

@@ -1,6 +1,8 @@
 // The work of a session, in small steps: names that messages spoke of first, then folders still to be read.
 #include "simulator/macos/CoreServices/metadata/store/machine_session.h"
 
+#include "simulator/macos/CoreServices/metadata/store/listing.h"
+
 #include <sys/inotify.h>
 
 #include <algorithm>
@@ -18,8 +20,6 @@ constexpr FileTime kMoveTime = 20 * kMillisecond;
 constexpr FileTime kRescanInterval = 500 * kMillisecond;
 /// How many steps may pass before waiting messages are taken in.
 constexpr int kStepsBetweenMessages = 64;
-
-bool IsListed(const std::string &name) { return !name.empty() && name.front() != '.'; }
 
 } // namespace
 
@@ -205,12 +205,24 @@ void MachineSession::StartScan(Scan &scan) {
         rescanAt_ = rescanAt_ != 0 ? rescanAt_ : FileTimeNow() + kRescanInterval;
     }
     if (!IsOnPseudoFileSystem(path))
-        *scan.names = scan.open->Names();
+        ReadNames(scan);
     std::erase_if(*scan.names, [](const std::string &name) { return !IsListed(name); });
     for (const auto &[name, file] : folder.entries)
         scan.names->push_back(name);
     std::sort(scan.names->begin(), scan.names->end());
     scan.names->erase(std::unique(scan.names->begin(), scan.names->end()), scan.names->end());
+}
+
+/// What cannot be read is counted once, while the query gathers.
+void MachineSession::ReadNames(Scan &scan) {
+    auto names = scan.open->Names();
+    if (!gathered_) {
+        Counts().unreadableFolders += !names;
+        if (names)
+            Counts().unnameable += static_cast<std::size_t>(std::count_if(names->begin(), names->end(), IsUnnameable));
+    }
+    if (names)
+        *scan.names = std::move(*names);
 }
 
 /// Brings what is known of a name up to date. A scan is given when it is the reason to look.
@@ -232,6 +244,7 @@ void MachineSession::LookAt(const Dirty &name, const OpenFolder &open, const Sca
     if (!state)
         return;
     const bool isNew = !file;
+    Counts().files += isNew;
     if (isNew)
         file = &tree_.Link(folder, name.name, *state);
     tree_.Update(*file, *state, now, !scan || scan->afterLoss);

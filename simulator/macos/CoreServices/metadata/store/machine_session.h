@@ -5,7 +5,7 @@
 // order, repetition and age of messages indifferent, and a rescan after lost messages nothing special.
 //
 // Not modelled: changes through a mapping of a file into memory, of which the system sends no message; names that begin
-// with a dot, which the metadata store does not list.
+// with a dot, which the metadata store does not list, and names that are no UTF-8, which the real file system has not.
 #pragma once
 
 #include "simulator/macos/CoreServices/metadata/store/alarm.h"
@@ -71,6 +71,7 @@ private:
     bool LookAtDirty();
     bool ContinueScan();
     void StartScan(Scan &scan);
+    void ReadNames(Scan &scan);
     void LookAt(const Dirty &name, const OpenFolder &open, const Scan *scan);
     bool Postpone(const Dirty &name, const FileState &state, FileTime now);
     bool BuryUnlinked();

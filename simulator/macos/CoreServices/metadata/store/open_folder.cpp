@@ -30,11 +30,11 @@ OpenFolder::~OpenFolder() {
         close(descriptor_);
 }
 
-std::vector<std::string> OpenFolder::Names() const {
-    std::vector<std::string> names;
+std::optional<std::vector<std::string>> OpenFolder::Names() const {
     const int readable = openat(descriptor_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (readable < 0)
-        return names;
+        return std::nullopt;
+    std::vector<std::string> names;
     const std::unique_ptr<DIR, CloseFolder> folder(fdopendir(readable));
     while (const dirent64 *entry = readdir64(folder.get())) {
         std::string name = entry->d_name;

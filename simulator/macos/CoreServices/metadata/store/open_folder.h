@@ -22,8 +22,8 @@ public:
 
     std::optional<FileState> StateOf(const std::string &name) const { return ReadFileState(name, descriptor_); }
 
-    /// In the order of the file system, without the folder itself and its parent. Empty when it may not be read.
-    std::vector<std::string> Names() const;
+    /// In the order of the file system, without the folder itself and its parent. Nothing when it may not be read.
+    std::optional<std::vector<std::string>> Names() const;
 
     /// A path that leads to the folder for as long as it is open.
     std::string HeldPath() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
