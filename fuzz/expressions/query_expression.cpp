@@ -3,9 +3,9 @@
 //
 // Input: a line with the value of the attribute, then the query, in UTF-8.
 #include "fuzz/input.h"
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/CoreServices/metadata/expression/expression.h"
-#include "simulator/macos/control/ledger.h"
 
 #include <string>
 

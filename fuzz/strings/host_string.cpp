@@ -6,7 +6,7 @@
 #include "fuzz/strings/expected_text.h"
 #include "host/owned.h"
 #include "host/strings.h"
-#include "simulator/macos/control/ledger.h"
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "tests/whitebox/small_host.h"
 
 namespace {

@@ -7,7 +7,7 @@
 
 #include "convert/from_host.h"
 #include "convert/to_host.h"
-#include "simulator/macos/control/ledger.h"
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/session/core_foundation_text.h"
 #include "simulator/session/system_files.h"
 #include "spotlight/item_data.h"

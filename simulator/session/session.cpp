@@ -1,7 +1,7 @@
 #include "simulator/session/session.h"
 
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/notifications.h"
 #include "simulator/macos/control/trace.h"
 #include "simulator/session/core_foundation_text.h"
 

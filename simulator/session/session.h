@@ -5,7 +5,7 @@
 
 #include "simulator/host/host.h"
 #include "simulator/loader/plugin_image.h"
-#include "simulator/macos/control/ledger.h"
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/session/system_files.h"
 
 #include <filesystem>

@@ -5,11 +5,11 @@
 #include "simulator/macos/CoreFoundation/data.h"
 #include "simulator/macos/CoreFoundation/date.h"
 #include "simulator/macos/CoreFoundation/dictionary.h"
+#include "simulator/macos/CoreFoundation/instances.h"
 #include "simulator/macos/CoreFoundation/number.h"
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/instances.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

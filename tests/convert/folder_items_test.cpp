@@ -1,6 +1,6 @@
 // Host folder items on their way to file URLs: items that exist, items that do not yet, and items that never could. The
 // URL is the one that arrives in the search scope of a query.
-#include "simulator/macos/control/query_scope.h"
+#include "simulator/macos/CoreServices/metadata/query/query_scope.h"
 #include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
 

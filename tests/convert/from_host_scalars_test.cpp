@@ -2,7 +2,7 @@
 // hosts that lack the services for it.
 #include "tests/convert/value_session.h"
 
-#include "simulator/macos/control/colors.h"
+#include "simulator/macos/ApplicationServices/colors.h"
 
 #include <doctest/doctest.h>
 

@@ -2,7 +2,7 @@
 #include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
 
-#include "simulator/macos/control/colors.h"
+#include "simulator/macos/ApplicationServices/colors.h"
 
 #include <doctest/doctest.h>
 

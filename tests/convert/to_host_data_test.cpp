@@ -1,7 +1,7 @@
 // Core Foundation data in host memory blocks, and what becomes of it when there is no memory.
 #include "tests/convert/value_session.h"
 
-#include "simulator/macos/control/scripted_data_length.h"
+#include "simulator/macos/CoreFoundation/scripted_data_length.h"
 
 #include <doctest/doctest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/convert/value_session.h"
 
 #include "simulator/macos/CoreServices/metadata/items/item.h"
-#include "simulator/macos/control/asked_values.h"
+#include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 
 #include <CoreServices/CoreServices.h>
 #include <doctest/doctest.h>

@@ -1,6 +1,6 @@
 #include "tests/host/front_doors.h"
 
-#include "simulator/macos/control/search_window.h"
+#include "simulator/macos/Carbon/search_window.h"
 
 #include <doctest/doctest.h>
 

@@ -3,11 +3,11 @@
 // Which services those are is read off the host's own list of what it was asked for.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/Carbon/search_window.h"
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/control/asked_values.h"
+#include "simulator/macos/CoreServices/metadata/query/asked_values.h"
+#include "simulator/macos/CoreServices/metadata/query/query_scope.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/query_scope.h"
-#include "simulator/macos/control/search_window.h"
 #include "tests/host/front_doors.h"
 
 #include <CoreServices/CoreServices.h>

@@ -1,8 +1,8 @@
 // Strings of the system on their way to the host: what a query's text becomes when a host program asks for it.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/schema_attributes.h"
 #include "tests/host/front_doors.h"
 
 #include <cstring>

@@ -1,8 +1,8 @@
 // Scopes of more than twenty entries, and arrays that change while they are read.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreServices/metadata/query/query_scope.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/query_scope.h"
 #include "tests/spotlight/support/query_program.h"
 
 using namespace tests;

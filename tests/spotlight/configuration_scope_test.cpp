@@ -1,9 +1,9 @@
 // Where a query looks: what SetSearchScope makes of folder items and option strings.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreServices/metadata/query/query_scope.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_scopes.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/query_scope.h"
-#include "simulator/macos/control/scripted_scopes.h"
 #include "tests/spotlight/support/query_program.h"
 
 using namespace tests;

@@ -1,7 +1,7 @@
 // A running query as the program hears it: progress in batches, the finish, and what changes afterwards.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/scripted_progress.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "tests/spotlight/support/event_log.h"
 
 using namespace tests;

@@ -3,7 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreFoundation/dictionary.h"
-#include "simulator/macos/control/notifications.h"
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "tests/spotlight/support/event_log.h"
 
 using namespace tests;

@@ -1,8 +1,8 @@
 // Handlers that call back: into the query that reports, into others, or to be rid of it.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/notifications.h"
-#include "simulator/macos/control/scripted_progress.h"
+#include "simulator/macos/CoreFoundation/notifications.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "tests/spotlight/support/event_log.h"
 
 using namespace tests;

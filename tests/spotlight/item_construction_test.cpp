@@ -1,8 +1,8 @@
 // Items that host code constructs from folder items: what they hold, and the three ways in which that fails.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/ledger.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
 

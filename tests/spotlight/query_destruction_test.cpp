@@ -1,7 +1,7 @@
 // The end of a query object: what it gives up, once, and what it leaves alone.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/notifications.h"
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "tests/spotlight/support/event_log.h"
 
 using namespace tests;

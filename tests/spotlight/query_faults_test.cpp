@@ -2,8 +2,8 @@
 // ages, and each call of the system that can fail. Less may happen; nothing crashes and nothing is lost.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/scripted_progress.h"
 #include "tests/spotlight/support/event_log.h"
 
 #include <algorithm>

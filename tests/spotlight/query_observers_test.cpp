@@ -1,8 +1,8 @@
 // How a query object listens to its query, and when it stops.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/notifications.h"
 #include "tests/spotlight/support/query_program.h"
 
 using namespace tests;

@@ -1,8 +1,8 @@
 // An object without a query: every method raises, gives the neutral value of its type, and does nothing else.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "simulator/macos/control/environment.h"
-#include "simulator/macos/control/notifications.h"
 #include "tests/spotlight/support/query_program.h"
 
 using namespace tests;

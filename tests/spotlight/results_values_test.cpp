@@ -1,7 +1,7 @@
 // What a query knows of its results' attributes: counts, distinct values, and the value of one result.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/asked_values.h"
+#include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 #include "simulator/macos/control/faults.h"
 #include "tests/simulator/macos/query/support/values.h"
 #include "tests/spotlight/support/query_program.h"

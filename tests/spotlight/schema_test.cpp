@@ -1,8 +1,8 @@
 // What the item class's shared methods tell of attributes, known and unknown, without an item.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/schema_attributes.h"
 #include "tests/spotlight/support/schema_session.h"
 
 using namespace tests;

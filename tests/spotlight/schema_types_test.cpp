@@ -1,8 +1,8 @@
 // The types of attributes as the schema's shared methods name them, and whether they have several values.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/schema_attributes.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/schema_session.h"
 

@@ -2,7 +2,7 @@
 // query gives as its results. Scripts are random and repeatable: the number of a failing one is printed.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/scripted_progress.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "tests/spotlight/support/fold.h"
 
 #include <memory>

@@ -1,8 +1,8 @@
 // The global method that opens the system's search window: what reaches the system, and what comes back.
 #include <doctest/doctest.h>
 
+#include "simulator/macos/Carbon/search_window.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/search_window.h"
 #include "tests/support/test_session.h"
 
 using sim::host::HostOptions;

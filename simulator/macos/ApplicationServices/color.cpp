@@ -1,6 +1,6 @@
 // Colours of the generic RGB space, with the components they were made of.
+#include "simulator/macos/ApplicationServices/colors.h"
 #include "simulator/macos/CoreFoundation/object.h"
-#include "simulator/macos/control/colors.h"
 #include "simulator/macos/control/faults.h"
 
 namespace sim::macos {

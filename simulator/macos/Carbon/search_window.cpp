@@ -1,5 +1,5 @@
 // The system's search window: the calls are kept, no window opens.
-#include "simulator/macos/control/search_window.h"
+#include "simulator/macos/Carbon/search_window.h"
 
 #include "simulator/macos/CoreFoundation/text.h"
 

@@ -1,8 +1,8 @@
 // Byte buffers.
 #include "simulator/macos/CoreFoundation/data.h"
 
+#include "simulator/macos/CoreFoundation/scripted_data_length.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/scripted_data_length.h"
 
 #include <algorithm>
 #include <functional>

@@ -5,9 +5,9 @@
 // nothing more; one that is added then waits for the next post. Callbacks may post, add and remove.
 #pragma once
 
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "simulator/macos/CoreFoundation/object.h"
 #include "simulator/macos/CoreFoundation/ref.h"
-#include "simulator/macos/control/notifications.h"
 
 #include <CoreFoundation/CFNotificationCenter.h>
 

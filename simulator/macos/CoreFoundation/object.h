@@ -1,7 +1,7 @@
 // What every reference of the stand-in frameworks points at: a polymorphic object with a retain count, listed in the
-// ledger (control/ledger.h) with where it was made. Also the way from a reference to its object, which recognises the
-// constant strings that a compiler lays down, and stops with a message on null, on an object that is dead already and
-// on what never was an object.
+// ledger (CoreFoundation/ledger.h) with where it was made. Also the way from a reference to its object, which
+// recognises the constant strings that a compiler lays down, and stops with a message on null, on an object that is
+// dead already and on what never was an object.
 //
 // A reference is the address of the object, and the object's first word its virtual table. Derived classes must
 // therefore inherit from Object first.

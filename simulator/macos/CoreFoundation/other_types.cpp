@@ -1,4 +1,4 @@
-// Types of which only the identifier is modelled; control/instances.h makes objects of them.
+// Types of which only the identifier is modelled; instances.h makes objects of them.
 #include "simulator/macos/CoreFoundation/type_named.h"
 
 #include <CoreFoundation/CFDate.h>

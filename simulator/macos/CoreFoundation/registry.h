@@ -2,8 +2,8 @@
 // ledger reads and what tells a dead reference from a live one.
 #pragma once
 
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/macos/CoreFoundation/object.h"
-#include "simulator/macos/control/ledger.h"
 
 #include <deque>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "simulator/macos/control/ledger.h"
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/session/system_files.h"
 
 #include <CoreServices/CoreServices.h>

@@ -1,7 +1,7 @@
 #include "tests/spotlight/support/query_program.h"
 
 #include "simulator/macos/CoreFoundation/array.h"
-#include "simulator/macos/control/notifications.h"
+#include "simulator/macos/CoreFoundation/notifications.h"
 
 #include <doctest/doctest.h>
 

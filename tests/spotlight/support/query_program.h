@@ -4,7 +4,7 @@
 
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/control/scripted_store.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_store.h"
 #include "tests/support/printed_lists.h"
 #include "tests/support/test_session.h"
 

@@ -1,5 +1,5 @@
 #include "simulator/macos/CoreFoundation/date.h"
-#include "simulator/macos/control/instances.h"
+#include "simulator/macos/CoreFoundation/instances.h"
 #include "tests/simulator/macos/corefoundation/support.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
 #include "simulator/macos/CoreFoundation/dictionary.h"
-#include "simulator/macos/control/notifications.h"
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "tests/simulator/macos/corefoundation/support.h"
 
 #include <functional>

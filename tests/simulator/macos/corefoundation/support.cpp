@@ -1,9 +1,9 @@
 #include "tests/simulator/macos/corefoundation/support.h"
 
+#include "simulator/macos/Carbon/search_window.h"
+#include "simulator/macos/CoreFoundation/notifications.h"
 #include "simulator/macos/control/environment.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/notifications.h"
-#include "simulator/macos/control/search_window.h"
 #include "simulator/macos/control/stop.h"
 
 #include <cstdlib>

@@ -2,9 +2,9 @@
 // making and reading values, and a folder of its own for tests that touch files.
 #pragma once
 
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/control/ledger.h"
 
 #include <Carbon/Carbon.h>
 #include <doctest/doctest.h>

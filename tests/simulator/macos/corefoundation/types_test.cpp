@@ -1,6 +1,6 @@
-#include "simulator/macos/control/colors.h"
-#include "simulator/macos/control/instances.h"
-#include "simulator/macos/control/search_window.h"
+#include "simulator/macos/ApplicationServices/colors.h"
+#include "simulator/macos/Carbon/search_window.h"
+#include "simulator/macos/CoreFoundation/instances.h"
 #include "tests/simulator/macos/corefoundation/support.h"
 
 #include <map>

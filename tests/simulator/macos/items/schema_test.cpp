@@ -1,5 +1,5 @@
 // The schema through its C interface.
-#include "simulator/macos/control/schema_attributes.h"
+#include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/stop.h"
 #include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/expected_attributes.h"

@@ -1,5 +1,5 @@
 // What a user or a desktop program has written down with a file, in extended attributes.
-#include "simulator/macos/control/schema_attributes.h"
+#include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
 #include "tests/simulator/macos/items/support/temporary_folder.h"

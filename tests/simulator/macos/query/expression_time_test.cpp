@@ -1,6 +1,7 @@
 // Dates in queries. It is Monday, 30 June 2014, 15:04:05 GMT.
 #include "simulator/macos/CoreServices/metadata/expression/expression.h"
 #include "simulator/macos/CoreServices/metadata/expression/time_function.h"
+#include "simulator/macos/CoreServices/metadata/items/iso_date.h"
 #include "tests/simulator/macos/query/support/attributes.h"
 
 #include <doctest/doctest.h>
@@ -12,7 +13,6 @@ namespace sim::macos {
 
 namespace {
 
-using expression::ParseIsoDate;
 using expression::ParseTimeFunction;
 using expression::Resolve;
 using expression::TimeSpan;

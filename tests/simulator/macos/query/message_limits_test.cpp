@@ -1,7 +1,7 @@
 // More messages than the system keeps, fewer watches than there are folders, and files that never rest.
 #include "simulator/macos/CoreFoundation/run_loop.h"
 #include "simulator/macos/CoreServices/metadata/store/file_state.h"
-#include "simulator/macos/control/scripted_watches.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_watches.h"
 #include "tests/simulator/macos/query/support/live_folder.h"
 
 #include <doctest/doctest.h>

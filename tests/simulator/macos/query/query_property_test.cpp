@@ -1,7 +1,7 @@
 // Whatever happens in whatever order: what a listener puts together from the notifications is, at every step, exactly
 // what the query says its results are; a removed item is one that was known; and in the end the results are the files
 // that fit. Scripts are random and repeatable: the number of a failing one is printed.
-#include "simulator/macos/control/scripted_progress.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "tests/simulator/macos/query/support/scripted_query.h"
 
 #include <doctest/doctest.h>

@@ -1,6 +1,6 @@
 // Where a query looks, how many results it keeps, and queries within queries.
+#include "simulator/macos/CoreServices/metadata/store/scripted_scopes.h"
 #include "simulator/macos/CoreServices/metadata/store/search_scope.h"
-#include "simulator/macos/control/scripted_scopes.h"
 #include "tests/simulator/macos/items/support/temporary_folder.h"
 #include "tests/simulator/macos/query/support/scripted_query.h"
 

@@ -2,7 +2,7 @@
 // disabled.
 #include "tests/simulator/macos/query/support/scripted_query.h"
 
-#include "simulator/macos/control/scripted_progress.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 
 #include <doctest/doctest.h>
 

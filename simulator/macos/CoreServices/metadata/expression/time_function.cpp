@@ -2,6 +2,7 @@
 #include "simulator/macos/CoreServices/metadata/expression/time_function.h"
 
 #include "simulator/macos/CoreServices/metadata/expression/number.h"
+#include "simulator/macos/CoreServices/metadata/items/iso_date.h"
 
 #include <chrono>
 #include <cmath>

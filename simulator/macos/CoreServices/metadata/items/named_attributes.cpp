@@ -2,7 +2,7 @@
 
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/CoreServices/metadata/expression/time_function.h"
+#include "simulator/macos/CoreServices/metadata/items/iso_date.h"
 #include "simulator/macos/CoreServices/metadata/items/values.h"
 #include "simulator/macos/CoreServices/metadata/items/words.h"
 #include "simulator/macos/CoreServices/metadata/schema/schema.h"
@@ -40,7 +40,7 @@ CFTypeRef BooleanFrom(std::string_view text) {
 }
 
 CFTypeRef DateFrom(std::string_view text) {
-    const auto date = expression::ParseIsoDate(Utf16(text));
+    const auto date = ParseIsoDate(Utf16(text));
     return date ? CFDateCreate(kCFAllocatorDefault, *date) : nullptr;
 }
 

@@ -2,8 +2,8 @@
 #include "simulator/macos/CoreFoundation/array.h"
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/CoreServices/metadata/items/item.h"
+#include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 #include "simulator/macos/CoreServices/metadata/query/query.h"
-#include "simulator/macos/control/asked_values.h"
 #include "simulator/macos/control/faults.h"
 
 #include <CoreServices/MDQuery.h>

@@ -4,10 +4,10 @@
 #include "simulator/macos/CoreFoundation/array.h"
 #include "simulator/macos/CoreFoundation/dictionary.h"
 #include "simulator/macos/CoreFoundation/notification_center.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "simulator/macos/CoreServices/metadata/store/search_scope.h"
 #include "simulator/macos/control/clock.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/scripted_progress.h"
 
 #include <limits>
 

@@ -1,4 +1,4 @@
-#include "simulator/macos/control/query_scope.h"
+#include "simulator/macos/CoreServices/metadata/query/query_scope.h"
 
 #include "simulator/macos/CoreServices/metadata/query/query.h"
 

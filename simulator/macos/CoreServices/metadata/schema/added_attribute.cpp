@@ -1,5 +1,5 @@
 // Additions to the schema; the header stands with the other controls of the simulator.
-#include "simulator/macos/control/schema_attributes.h"
+#include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 
 namespace sim::macos {
 

@@ -1,6 +1,6 @@
 // What is known about attributes, whatever file they belong to: name, type, whether there may be several values, and
 // the words for a person. One table of all the system's attributes (attributes.def), to which a test can add
-// (control/schema_attributes.h).
+// (CoreServices/metadata/schema/schema_attributes.h).
 #pragma once
 
 #include "simulator/macos/CoreFoundation/ref.h"

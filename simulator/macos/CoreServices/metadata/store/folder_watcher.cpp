@@ -1,7 +1,7 @@
 // inotify, and the limits that a test may put on it.
 #include "simulator/macos/CoreServices/metadata/store/folder_watcher.h"
 
-#include "simulator/macos/control/scripted_watches.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_watches.h"
 
 #include <sys/inotify.h>
 #include <unistd.h>

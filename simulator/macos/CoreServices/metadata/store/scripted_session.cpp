@@ -1,6 +1,6 @@
 #include "simulator/macos/CoreServices/metadata/store/scripted_session.h"
 
-#include "simulator/macos/control/scripted_store.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_store.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "simulator/macos/control/scripted_store.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_store.h"
 
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/CoreServices/metadata/items/item.h"

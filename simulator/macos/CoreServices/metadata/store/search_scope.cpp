@@ -5,7 +5,7 @@
 
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreFoundation/text.h"
-#include "simulator/macos/control/scripted_scopes.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_scopes.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreServices/MDQuery.h>

@@ -55,7 +55,8 @@ public:
     /// session.
     virtual std::unique_ptr<Session> Open(const Scope &scope, bool live, std::function<void()> wake) = 0;
 
-    /// The store that queries read: the files of this machine, or scripted ones (control/scripted_store.h).
+    /// The store that queries read: the files of this machine, or scripted ones
+    /// (CoreServices/metadata/store/scripted_store.h).
     static FileStore &Current();
 
     /// Null brings back the files of this machine. Returns what was there before, null for them.

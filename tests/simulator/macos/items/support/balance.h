@@ -1,8 +1,8 @@
 // A test's first line: when it ends, whatever the test made must be gone again.
 #pragma once
 
+#include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/macos/control/faults.h"
-#include "simulator/macos/control/ledger.h"
 
 #include <doctest/doctest.h>
 

@@ -1,7 +1,7 @@
 // A scripted store with files, and a query for all of them.
 #pragma once
 
-#include "simulator/macos/control/scripted_store.h"
+#include "simulator/macos/CoreServices/metadata/store/scripted_store.h"
 #include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/query/support/test_query.h"
 #include "tests/simulator/macos/query/support/values.h"

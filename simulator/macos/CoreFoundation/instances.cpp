@@ -1,5 +1,5 @@
 // Making objects without content.
-#include "simulator/macos/control/instances.h"
+#include "simulator/macos/CoreFoundation/instances.h"
 
 #include "simulator/macos/CoreFoundation/object.h"
 

@@ -1,4 +1,4 @@
-#include "simulator/macos/control/asked_values.h"
+#include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 
 namespace sim::macos {
 

@@ -1,5 +1,5 @@
 // Reading the list of live objects, and comparing two readings.
-#include "simulator/macos/control/ledger.h"
+#include "simulator/macos/CoreFoundation/ledger.h"
 
 #include "simulator/macos/CoreFoundation/registry.h"
 

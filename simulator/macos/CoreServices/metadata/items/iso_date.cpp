@@ -1,9 +1,9 @@
 // ISO 8601 dates, in the extended form (with dashes and colons) and the basic one (without).
-#include "simulator/macos/CoreServices/metadata/expression/time_function.h"
+#include "simulator/macos/CoreServices/metadata/items/iso_date.h"
 
 #include <chrono>
 
-namespace sim::macos::expression {
+namespace sim::macos {
 
 namespace {
 
@@ -126,4 +126,4 @@ std::optional<CFAbsoluteTime> ParseIsoDate(std::u16string_view text) {
     return *day + *timeOfDay - *zone;
 }
 
-} // namespace sim::macos::expression
+} // namespace sim::macos
