@@ -44,10 +44,23 @@ class IncludeDirections(unittest.TestCase):
 
     def test_the_stand_in_host_and_the_stand_in_system_may_not_include_each_other(self) -> None:
         found = self.found_with(
-            simulator__host__a_dot_h='#include "simulator/macos/b.h"\n',
-            simulator__macos__b_dot_h='#include "simulator/host/a.h"\n',
+            simulator__host__a_dot_h='#include "simulator/macos/control/b.h"\n',
+            simulator__macos__control__b_dot_h='#include "simulator/host/a.h"\n',
         )
         self.assertEqual(len(found), 2)
+
+    def test_inside_the_stand_in_system_arrows_run_one_way_too(self) -> None:
+        found = self.found_with(simulator__macos__control__a_dot_h='#include "simulator/macos/CoreFoundation/b.h"\n')
+        self.assertEqual(found, ["simulator/macos/control/a.h: may not include simulator/macos/CoreFoundation/b.h"])
+
+    def test_a_room_within_a_room_stands_for_itself(self) -> None:
+        query = "simulator/macos/CoreServices/metadata/query/b.h"
+        found = self.found_with(
+            simulator__macos__CoreServices__a_dot_cpp=f'#include "{query}"\n',
+            simulator__session__a_dot_cpp=f'#include "{query}"\n',
+            **{query.replace("/", "__").replace(".", "_dot_"): ""},
+        )
+        self.assertEqual(found, [f"simulator/macos/CoreServices/a.cpp: may not include {query}"])
 
     def test_an_include_relative_to_the_file_is_not_accepted(self) -> None:
         found = self.found_with(host__a_dot_cpp='#include "a.h"\n', host__a_dot_h="")
