@@ -13,7 +13,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -30,7 +29,6 @@ struct Entry {
 };
 
 struct Table {
-    std::mutex mutex;
     std::vector<Entry> entries;
     std::map<std::tuple<Identity, std::string>, std::uint32_t> numbers;
     std::map<Identity, UInt32> nodeIds;
@@ -165,7 +163,6 @@ std::string LeafOf(std::string_view path) {
 
 FSRef ReferenceTo(const std::string &existingPath) {
     Table &table = TheTable();
-    std::lock_guard lock(table.mutex);
     const Identity identity = IdentityOf(existingPath).value_or(Identity{});
     const auto next = static_cast<std::uint32_t>(table.entries.size());
     auto [place, isNew] = table.numbers.try_emplace({identity, existingPath}, next);
@@ -190,7 +187,6 @@ ReferencedItem ItemOf(const FSRef &reference) {
     if (content.number == kRootParent)
         return {noErr, true, {}};
     Table &table = TheTable();
-    std::lock_guard lock(table.mutex);
     if (content.number >= table.entries.size())
         return {paramErr, false, {}};
     std::optional<std::string> path = Find(table.entries[content.number]);
@@ -204,7 +200,6 @@ UInt32 NodeIdOf(const std::string &existingPath) {
     if (environment::VolumeWithRoot(existingPath))
         return fsRtDirID;
     Table &table = TheTable();
-    std::lock_guard lock(table.mutex);
     const Identity identity = IdentityOf(existingPath).value_or(Identity{});
     const auto next = static_cast<UInt32>(kFirstOfFiles + table.nodeIds.size());
     return table.nodeIds.try_emplace(identity, next).first->second;

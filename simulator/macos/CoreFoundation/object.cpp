@@ -4,8 +4,8 @@
 #include "simulator/macos/CoreFoundation/constant_string.h"
 #include "simulator/macos/CoreFoundation/registry.h"
 
+#include <algorithm>
 #include <cstring>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -23,14 +23,10 @@ constexpr std::uint32_t kDead = 0x64616564;
 // the stack has unwound, so that no nesting exhausts it.
 constexpr int kDeepestDestruction = 64;
 
-struct Types {
-    std::mutex mutex;
-    std::vector<std::string> names;
-};
-
-Types &TypesInUse() {
-    static Types *types = new Types;
-    return *types;
+// By identifier.
+std::vector<std::string> &TypeNames() {
+    static auto *names = new std::vector<std::string>;
+    return *names;
 }
 
 struct Words {
@@ -60,20 +56,17 @@ std::string Named(CFTypeID type, const std::string &description) {
 } // namespace
 
 CFTypeID RegisterType(std::string_view name) {
-    Types &types = TypesInUse();
-    std::lock_guard lock(types.mutex);
-    for (std::size_t index = 0; index < types.names.size(); ++index)
-        if (types.names[index] == name)
-            return index + kTypeBase;
-    types.names.emplace_back(name);
-    return types.names.size() - 1 + kTypeBase;
+    std::vector<std::string> &names = TypeNames();
+    const auto known = std::find(names.begin(), names.end(), name);
+    const auto index = static_cast<CFTypeID>(known - names.begin());
+    if (known == names.end())
+        names.emplace_back(name);
+    return index + kTypeBase;
 }
 
 std::string TypeName(CFTypeID type) {
-    Types &types = TypesInUse();
-    std::lock_guard lock(types.mutex);
-    std::size_t index = type - kTypeBase;
-    return index < types.names.size() ? types.names[index] : "no type";
+    const std::size_t index = type - kTypeBase;
+    return index < TypeNames().size() ? TypeNames()[index] : "no type";
 }
 
 Object::Object() : retainCount_(1), made_(TakeTrace()) { Registry::Instance().Add(*this); }
@@ -100,8 +93,8 @@ void Object::Release() {
 }
 
 void Object::Destroy(Object *object) {
-    static thread_local int depth = 0;
-    static thread_local std::vector<Object *> *waiting = nullptr;
+    static int depth = 0;
+    static std::vector<Object *> *waiting = nullptr;
     object->state_ = kDying;
     if (depth == kDeepestDestruction) {
         if (!waiting)

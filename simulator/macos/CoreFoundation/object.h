@@ -3,6 +3,9 @@
 // recognises the constant strings that a compiler lays down, and stops with a message on null, on an object that is
 // dead already and on what never was an object.
 //
+// Nothing is locked: programs use the stand-ins from one thread at a time. Only run loops and the updates of a query
+// may be reached from elsewhere, as their headers say.
+//
 // A reference is the address of the object, and the object's first word its virtual table. Derived classes must
 // therefore inherit from Object first.
 #pragma once
@@ -12,7 +15,6 @@
 
 #include <CoreFoundation/CFBase.h>
 
-#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -65,7 +67,7 @@ private:
     static void Bury(Object *object);
 
     std::uint32_t state_ = kAlive; // the second word, where a reference is recognised by
-    std::atomic<CFIndex> retainCount_;
+    CFIndex retainCount_;
     Object *previous_ = nullptr;
     Object *next_ = nullptr;
     std::uint64_t serial_ = 0;

@@ -17,7 +17,6 @@ Registry &Registry::Instance() {
 }
 
 void Registry::Add(Object &object) {
-    std::lock_guard lock(mutex_);
     if (SIMULATOR_ADDRESS_SANITIZER)
         dead_.erase(&object);
     object.serial_ = ++lastSerial_;
@@ -29,7 +28,6 @@ void Registry::Add(Object &object) {
 }
 
 void Registry::Remove(Object &object) {
-    std::lock_guard lock(mutex_);
     if (object.previous_)
         object.previous_->next_ = object.next_;
     else
@@ -40,7 +38,6 @@ void Registry::Remove(Object &object) {
 }
 
 void Registry::Remember(void *memory, DeadObject object) {
-    std::lock_guard lock(mutex_);
     const DeadObject *last = &graves_.emplace_back(Grave{memory, std::move(object)}).object;
     dead_.insert_or_assign(memory, last);
     if (SIMULATOR_ADDRESS_SANITIZER)
@@ -56,7 +53,6 @@ void Registry::Remember(void *memory, DeadObject object) {
 }
 
 std::optional<DeadObject> Registry::Recall(CFTypeRef address) {
-    std::lock_guard lock(mutex_);
     auto found = dead_.find(address);
     if (found == dead_.end())
         return std::nullopt;
@@ -64,7 +60,6 @@ std::optional<DeadObject> Registry::Recall(CFTypeRef address) {
 }
 
 std::optional<DeadObject> Registry::Recall(std::uint64_t serial) {
-    std::lock_guard lock(mutex_);
     for (const Grave &grave : graves_)
         if (grave.object.serial == serial)
             return grave.object;
@@ -72,12 +67,10 @@ std::optional<DeadObject> Registry::Recall(std::uint64_t serial) {
 }
 
 std::size_t Registry::LiveCount() {
-    std::lock_guard lock(mutex_);
     return count_;
 }
 
 std::vector<ledger::Mark> Registry::LiveObjects() {
-    std::lock_guard lock(mutex_);
     std::vector<ledger::Mark> marks;
     marks.reserve(count_);
     for (Object *object = first_; object; object = object->next_)

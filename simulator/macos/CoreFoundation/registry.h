@@ -6,7 +6,6 @@
 #include "simulator/macos/CoreFoundation/object.h"
 
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <unordered_map>
 
@@ -48,7 +47,6 @@ private:
 
     static constexpr std::size_t kRemembered = 16384;
 
-    std::mutex mutex_;
     Object *first_ = nullptr;
     std::size_t count_ = 0;
     std::uint64_t lastSerial_ = 0;

@@ -4,7 +4,6 @@
 #include "simulator/macos/control/stop.h"
 
 #include <algorithm>
-#include <mutex>
 #include <set>
 
 namespace sim::macos {
@@ -12,7 +11,6 @@ namespace sim::macos {
 namespace {
 
 struct Plan {
-    std::mutex mutex;
     std::set<std::string, std::less<>> names;
     std::size_t count = 0;
     std::size_t failed = 0;
@@ -27,13 +25,12 @@ Plan &ThePlan() {
     return *plan;
 }
 
-thread_local int ownCalls = 0;
+int ownCalls = 0;
 
 bool CountsDownToZero(std::size_t &calls) { return calls > 0 && --calls == 0; }
 
 void Choose(std::string_view name, std::size_t n, bool every) {
     Plan &plan = ThePlan();
-    std::lock_guard lock(plan.mutex);
     if (!plan.names.contains(name))
         Stop("no call that can fail is named " + std::string(name));
     plan.chosen = name;
@@ -43,16 +40,12 @@ void Choose(std::string_view name, std::size_t n, bool every) {
 
 } // namespace
 
-FallibleCall::FallibleCall(const char *name) : name_(name) {
-    std::lock_guard lock(ThePlan().mutex);
-    ThePlan().names.insert(name);
-}
+FallibleCall::FallibleCall(const char *name) : name_(name) { ThePlan().names.insert(name); }
 
 bool FallibleCall::Fails() const {
     if (ownCalls > 0)
         return false;
     Plan &plan = ThePlan();
-    std::lock_guard lock(plan.mutex);
     ++plan.count;
     bool fails = CountsDownToZero(plan.callsUntilAny);
     if (plan.chosen == name_)
@@ -68,35 +61,22 @@ namespace faults {
 
 void Reset() {
     Plan &plan = ThePlan();
-    std::lock_guard lock(plan.mutex);
     plan.count = plan.failed = plan.callsUntilAny = plan.callsUntilChosen = 0;
     plan.chosen.clear();
     plan.everyChosen = false;
 }
 
-void FailCall(std::size_t n) {
-    std::lock_guard lock(ThePlan().mutex);
-    ThePlan().callsUntilAny = n;
-}
+void FailCall(std::size_t n) { ThePlan().callsUntilAny = n; }
 
 void FailCall(std::string_view name, std::size_t n) { Choose(name, n, false); }
 
 void FailEvery(std::string_view name) { Choose(name, 0, true); }
 
-std::size_t Count() {
-    std::lock_guard lock(ThePlan().mutex);
-    return ThePlan().count;
-}
+std::size_t Count() { return ThePlan().count; }
 
-std::size_t Failed() {
-    std::lock_guard lock(ThePlan().mutex);
-    return ThePlan().failed;
-}
+std::size_t Failed() { return ThePlan().failed; }
 
-std::vector<std::string> Names() {
-    std::lock_guard lock(ThePlan().mutex);
-    return {ThePlan().names.begin(), ThePlan().names.end()};
-}
+std::vector<std::string> Names() { return {ThePlan().names.begin(), ThePlan().names.end()}; }
 
 } // namespace faults
 

@@ -25,7 +25,7 @@ private:
     const char *name_;
 };
 
-/// While it lives, calls on this thread are the stand-ins' own: they are not counted and do not fail.
+/// While it lives, calls are the stand-ins' own: they are not counted and do not fail.
 class OwnCalls {
 public:
     OwnCalls();
