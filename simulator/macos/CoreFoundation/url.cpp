@@ -232,8 +232,10 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url, CFS
                                                Boolean isDirectory) {
     const Url &whole = Expect<Url>(url);
     const std::optional<std::string> bytes = Encode(StringText(component).View(), kCFStringEncodingUTF8);
+    if (!bytes)
+        Stop("CFURLCreateCopyAppendingPathComponent was given a name with an unpaired surrogate");
     UrlParts parts = whole.Parts();
-    if (createAppending.Fails() || parts.IsOpaque() || !bytes)
+    if (createAppending.Fails() || parts.IsOpaque())
         return nullptr;
     if (!parts.path.ends_with('/') && (!parts.path.empty() || parts.authority))
         parts.path += '/';

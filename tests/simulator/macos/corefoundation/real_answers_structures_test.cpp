@@ -1,6 +1,6 @@
 // URLs, collections and calls that trap: what a real Core Foundation was seen to answer, row by row. The stand-in must
 // answer the same; where it is stricter on purpose, docs/stand-in.md says so.
-#include "simulator/macos/CoreFoundation/number.h"
+#include "simulator/macos/CoreFoundation/dictionary.h"
 #include "tests/simulator/macos/corefoundation/support.h"
 
 #include <algorithm>
@@ -111,9 +111,9 @@ TEST_CASE_FIXTURE(Balanced, "What traps or crashes on the real system is refused
     static CFTypeRef null = nullptr;
     const auto array = CFRef<CFMutableArrayRef>::Adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     const auto dictionary = NewDictionary();
-    const auto fixed = CFRef<CFDictionaryRef>::Adopt(
-        CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    const auto fixed = MakeDictionary({});
     const auto accented = MakeString("\u00E9");
+    const auto halved = MakeString(std::u16string_view(u"a\xD83D", 2));
     const auto root = UrlFrom("file:///");
     struct Row {
         const char *word;
@@ -130,6 +130,8 @@ TEST_CASE_FIXTURE(Balanced, "What traps or crashes on the real system is refused
         {"null as a key or value", [&] { CFArrayAppendValue(array.Get(), null); }},
         {"null as a key or value", [&] { CFDictionarySetValue(dictionary.Get(), CFSTR("a"), null); }},
         {"was given null", [&] { CFDictionarySetValue(dictionary.Get(), null, CFSTR("a")); }},
+        {"CFDictionarySetValue was given an immutable dictionary",
+         [&] { CFDictionarySetValue(const_cast<CFMutableDictionaryRef>(fixed.Get()), CFSTR("a"), CFSTR("b")); }},
         {"CFHash was given null", [&] { CFDictionaryGetValue(dictionary.Get(), null); }},
         {"null as a key or value", [] { CFArrayCreate(nullptr, &null, 1, &kCFTypeArrayCallBacks); }},
         {"index 0", [&] { CFArrayGetValueAtIndex(array.Get(), 0); }},
@@ -137,6 +139,8 @@ TEST_CASE_FIXTURE(Balanced, "What traps or crashes on the real system is refused
         {"CFDataCreate was given no bytes", [] { CFDataCreate(nullptr, nullptr, 1); }},
         {"an immutable string cannot be changed",
          [&] { CFStringNormalize(const_cast<CFMutableStringRef>(accented.Get()), kCFStringNormalizationFormD); }},
+        {"a name with an unpaired surrogate",
+         [&] { CFURLCreateCopyAppendingPathComponent(nullptr, root.Get(), halved.Get(), false); }},
         {"CFURLCreateCopyAppendingPathComponent was given null",
          [&] { CFURLCreateCopyAppendingPathComponent(nullptr, root.Get(), nullptr, true); }},
     };
