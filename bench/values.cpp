@@ -2,7 +2,7 @@
 #include "bench/bare_host.h"
 
 #include "convert/to_host.h"
-#include "spotlight/query_results.h"
+#include "spotlight/item.h"
 
 #include <CoreServices/CoreServices.h>
 

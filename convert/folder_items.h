@@ -1,4 +1,4 @@
-// Host folder items to file URLs.
+// Folder items and file URLs, in both directions.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -8,3 +8,7 @@
 /// +1; the URL of an existing item, or of one that does not exist yet in a folder that does. Null for anything else,
 /// and for a new item whose name is not well-formed UTF-16.
 [[nodiscard]] CFURLRef CreateCFURLfromFolderItem(REALfolderItemStruct *item);
+
+/// A folder item for a file that exists or could be made, else the absolute URL as text: +1, or null. The value is a
+/// CFURL.
+REALobjectStruct *FolderItemOrText(CFTypeRef value);

@@ -3,10 +3,14 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include "convert/arrays.h"
 #include "convert/dates.h"
-#include "convert/from_host_arrays.h"
-#include "convert/from_host_objects.h"
+#include "convert/dictionaries.h"
+#include "convert/folder_items.h"
+#include "convert/memory_blocks.h"
 #include "convert/variant_scalars.h"
+#include "convert/wrappers.h"
+#include "host/objects.h"
 #include "host/owned.h"
 #include "host/strings.h"
 
@@ -33,6 +37,21 @@ CFTypeRef Text(REALobjectStruct *value) {
     if (CFStringRef converted = RBString2CFString(string.Get()))
         return converted;
     return CFRetain(CFSTR(""));
+}
+
+bool IsFolderItem(REALobjectStruct *object) {
+    return REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem") != nullptr;
+}
+
+/// Memory blocks, folder items, dictionaries and the wrappers of companion plugins, tested in a fixed order.
+CFTypeRef CopyObjectAsCFType(REALobjectStruct *object) {
+    if (IsA(object, "MemoryBlock"))
+        return CopyMemoryBlock(object);
+    if (IsFolderItem(object))
+        return CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(object));
+    if (IsA(object, "Dictionary"))
+        return CopyDictionary(object);
+    return CopyCompanion(object);
 }
 
 } // namespace

@@ -3,10 +3,42 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include "convert/to_host_objects.h"
-#include "convert/to_host_values.h"
+#include "convert/arrays.h"
+#include "convert/dates.h"
+#include "convert/dictionaries.h"
+#include "convert/folder_items.h"
+#include "convert/memory_blocks.h"
+#include "convert/wrappers.h"
+#include "host/owned.h"
+#include "host/strings.h"
 
 namespace {
+
+REALobjectStruct *NilValue(CFTypeRef) { return nullptr; }
+
+REALobjectStruct *BooleanVariant(CFTypeRef value) {
+    return BooleanToVariant(CFBooleanGetValue(static_cast<CFBooleanRef>(value)));
+}
+
+/// A 64-bit float, a 32-bit integer or a 64-bit integer, as the number is stored.
+REALobjectStruct *NumberVariant(CFTypeRef value) {
+    const auto number = static_cast<CFNumberRef>(value);
+    double real = 0;
+    if (CFNumberIsFloatType(number) && CFNumberGetValue(number, kCFNumberDoubleType, &real))
+        return DoubleToVariant(real);
+    int32_t narrow = 0;
+    if (CFNumberGetByteSize(number) <= 4 && CFNumberGetValue(number, kCFNumberLongType, &narrow))
+        return IntegerToVariant(narrow);
+    int64_t wide = 0;
+    if (CFNumberGetValue(number, kCFNumberLongLongType, &wide))
+        return Int64ToVariant(wide);
+    return nullptr;
+}
+
+REALobjectStruct *StringVariant(CFTypeRef value) {
+    const auto text = OwnedString::Adopt(CFString2RBString(static_cast<CFStringRef>(value)));
+    return text ? StringToVariant(text.Get()) : nullptr;
+}
 
 struct Conversion {
     bool (*matches)(CFTypeID type);

@@ -1,5 +1,7 @@
 // Building host strings from bytes, and the differences between host ages in doing so. The working encoding of the
 // plugin's strings is UTF-8.
+#include "host/build_string.h"
+
 #include <algorithm>
 #include <cstring>
 

@@ -6,8 +6,8 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "host/build_string.h"
 #include "host/owned.h"
-#include "host/strings.h"
 #include "host/zeroed_buffer.h"
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "host/build_string.h"
 #include "host/host_function.h"
 #include "host/owned.h"
 #include "host/zeroed_buffer.h"

@@ -4,11 +4,9 @@
 #include "host/services.h"
 #include "plugin/global_method.h"
 #include "plugin/identity.h"
-#include "plugin/load_sort_functions.h"
 #include "plugin/registration.h"
-#include "spotlight/batching_params.h"
-#include "spotlight/item_data.h"
-#include "spotlight/query_data.h"
+#include "spotlight/classes.h"
+#include "spotlight/sort_functions.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <CoreServices/CoreServices.h>
 
+#include "host/build_string.h"
 #include "host/strings.h"
 
 namespace {

@@ -1,9 +1,8 @@
-// The six numbers that control how a running query batches its notifications, as a host class and on the query.
 #include "spotlight/batching_params.h"
 
 #include "host/owned.h"
-#include "spotlight/query_data.h"
-#include "spotlight/query_methods.h"
+#include "spotlight/classes.h"
+#include "spotlight/query.h"
 
 namespace {
 

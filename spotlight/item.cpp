@@ -1,13 +1,56 @@
-// An item from construction to destruction, and its attributes as host values.
+// Items: the methods of MDItemQTX and, at the end, its declaration, with the schema look-ups and the attribute keys
+// that it carries. The declarations are texts of the host's language. Methods raise "NilObjectException" on an object
+// without an item and return the neutral value of their result; string and object results are +1.
+#include "spotlight/item.h"
+
+#include <iterator>
+
+#include "convert/dictionaries.h"
 #include "convert/folder_items.h"
 #include "convert/string_arrays.h"
 #include "convert/to_host.h"
+#include "convert/wrappers.h"
 #include "host/arrays.h"
 #include "host/exceptions.h"
 #include "host/strings.h"
-#include "spotlight/item_data.h"
-#include "spotlight/item_methods.h"
+#include "spotlight/attribute_keys.h"
+#include "spotlight/schema.h"
 
+void RaiseNoItem() { RaiseException("NilObjectException", "MDItem Reference is nil"); }
+
+MDItemRef RequireItem(REALobjectStruct *self) {
+    const MDItemRef item = self ? ItemData(self).Handle : nullptr;
+    if (!item)
+        RaiseNoItem();
+    return item;
+}
+
+OwnedObject NewItemObject(MDItemRef item) {
+    if (!item)
+        return {};
+    auto object = OwnedObject::Adopt(REALnewInstance("MDItemQTX"));
+    if (object) {
+        ItemData(object.Get()).Handle = item;
+        CFRetain(item);
+    }
+    return object;
+}
+
+OwnedHost<_REALarrayObject> ConvertArray(CFArrayRef items) {
+    auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray());
+    const CFIndex count = items ? CFArrayGetCount(items) : 0;
+    int32_t position = 0;
+    for (CFIndex i = 0; i < count; i++) {
+        const auto item = static_cast<MDItemRef>(const_cast<void *>(CFArrayGetValueAtIndex(items, i)));
+        if (const auto object = NewItemObject(item))
+            REALInsertArrayValueObject(array.Get(), position++, object.Get());
+    }
+    return array;
+}
+
+namespace {
+
+/// Raises "NilObjectException" when the folder item is null, has no URL or leads to no item; the object then has none.
 void rbMDItemCreate(REALobjectStruct *self, REALfolderItemStruct *path) {
     if (!path) {
         RaiseException("NilObjectException", "Folderitem is nil");
@@ -67,3 +110,142 @@ _REALarrayString *rbMDItemCopyAttributeNames(REALobjectStruct *self) {
         AddStringArray(array.Get(), names.Get());
     return array.Give();
 }
+
+// What the typed getters accept, and the type's identifier.
+template <class Reference> CFTypeID TypeIDOf();
+template <> CFTypeID TypeIDOf<CFStringRef>() { return CFStringGetTypeID(); }
+template <> CFTypeID TypeIDOf<CFBooleanRef>() { return CFBooleanGetTypeID(); }
+template <> CFTypeID TypeIDOf<CFNumberRef>() { return CFNumberGetTypeID(); }
+template <> CFTypeID TypeIDOf<CFArrayRef>() { return CFArrayGetTypeID(); }
+
+/// The named attribute, if the item has it; of another type it raises "RuntimeException" and counts as absent.
+template <class Reference> OwnedCF<Reference> CopyTyped(MDItemRef item, REALstringStruct *name) {
+    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+    if (!attribute)
+        return {};
+    auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, attribute.Get()));
+    if (!value)
+        return {};
+    if (CFGetTypeID(value.Get()) != TypeIDOf<Reference>()) {
+        RaiseException("RuntimeException", "Wrong type used for getting attribute value.");
+        return {};
+    }
+    return OwnedCF<Reference>::Adopt(static_cast<Reference>(value.Give()));
+}
+
+/// The named string, untested for its type: these attributes are strings on every system.
+REALstringStruct *CopyStringProperty(REALobjectStruct *self, CFStringRef key) {
+    // Deliberate: no exception without an item.
+    const MDItemRef item = ItemData(self).Handle;
+    if (!item)
+        return nullptr;
+    const auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, key));
+    return CFString2RBString(static_cast<CFStringRef>(value.Get()));
+}
+
+// These raise "RuntimeException" for an attribute of another type.
+REALstringStruct *rbMDItemCopyAttributeString(REALobjectStruct *self, REALstringStruct *name) {
+    const MDItemRef item = RequireItem(self);
+    return item ? CFString2RBString(CopyTyped<CFStringRef>(item, name).Get()) : nullptr;
+}
+
+bool rbMDItemCopyAttributeBoolean(REALobjectStruct *self, REALstringStruct *name) {
+    const MDItemRef item = RequireItem(self);
+    if (!item)
+        return false;
+    const auto value = CopyTyped<CFBooleanRef>(item, name);
+    return value && CFBooleanGetValue(value.Get());
+}
+
+double rbMDItemCopyAttributeDouble(REALobjectStruct *self, REALstringStruct *name) {
+    const MDItemRef item = RequireItem(self);
+    if (!item)
+        return 0;
+    const auto value = CopyTyped<CFNumberRef>(item, name);
+    double number = 0;
+    return value && CFNumberGetValue(value.Get(), kCFNumberDoubleType, &number) ? number : 0;
+}
+
+_REALarrayString *rbMDItemCopyAttributeStringArray(REALobjectStruct *self, REALstringStruct *name) {
+    auto array = OwnedHost<_REALarrayString>::Adopt(NewStringArray());
+    const MDItemRef item = RequireItem(self);
+    if (!item)
+        return nullptr;
+    if (const auto values = CopyTyped<CFArrayRef>(item, name))
+        AddStringArray(array.Get(), values.Get());
+    return array.Give();
+}
+
+// Computed properties. Without an item the three strings are silently empty; only the size raises.
+REALstringStruct *querykMDItemDisplayName(REALobjectStruct *self, int32_t) {
+    return CopyStringProperty(self, kMDItemDisplayName);
+}
+
+REALstringStruct *querykMDItemFSName(REALobjectStruct *self, int32_t) {
+    return CopyStringProperty(self, kMDItemFSName);
+}
+
+REALstringStruct *querykMDItemPath(REALobjectStruct *self, int32_t) { return CopyStringProperty(self, kMDItemPath); }
+
+/// Bytes.
+int64_t querykMDItemFSSize(REALobjectStruct *self, int32_t) {
+    const MDItemRef item = RequireItem(self);
+    if (!item)
+        return 0;
+    const auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, kMDItemFSSize));
+    int64_t size = 0;
+    const auto number = static_cast<CFNumberRef>(value.Get());
+    return number && CFNumberGetValue(number, kCFNumberSInt64Type, &size) ? size : 0;
+}
+
+REALproperty MDItemProperties[] = {
+    Stored("Handle", "Integer", offsetof(MDItemData, Handle)),
+    Stored("Tag", "Variant", offsetof(MDItemData, Tag)),
+    Computed("DisplayName", "String", querykMDItemDisplayName),
+    Computed("FSName", "String", querykMDItemFSName),
+    Computed("Path", "String", querykMDItemPath),
+    Computed("FSSize", "Int64", querykMDItemFSSize),
+};
+
+REALmethodDefinition MDItemMethods[] = {
+    Method("GetAttributes(names() as string) as dictionary", rbMDItemCopyAttributes),
+    Method("GetAttribute(name as string) as variant", rbMDItemCopyAttribute),
+    Method("Constructor(path as folderitem)", rbMDItemCreate),
+    Method("AttributeNames as string()", rbMDItemCopyAttributeNames),
+    Method("AttributeString(name as string) as string", rbMDItemCopyAttributeString),
+    Method("AttributeBoolean(name as string) as boolean", rbMDItemCopyAttributeBoolean),
+    Method("AttributeDouble(name as string) as double", rbMDItemCopyAttributeDouble),
+    Method("AttributeStringArray(name as string) as string()", rbMDItemCopyAttributeStringArray),
+};
+
+// clang-format off
+REALmethodDefinition MDItemSharedMethods[] = {
+    SharedMethod("DisplayNameForAttribute(name as string) as string", rbMDSchemaCopyDisplayNameForAttribute),
+    SharedMethod("DisplayDescriptionForAttribute(name as string) as string", rbMDSchemaCopyDisplayDescriptionForAttribute),
+    SharedMethod("AllAttributes as string()", rbMDSchemaCopyAllAttributes),
+    SharedMethod("AttributeType(name as string) as string", GetAttributeType),
+    SharedMethod("AttributeMultiValued(name as string) as boolean", GetAttributeMultiValued),
+#define ATTRIBUTE_KEY(key) SharedMethod(#key " as string", get##key),
+#include "spotlight/attribute_keys.def"
+#undef ATTRIBUTE_KEY
+    SharedMethod("kMDItemDateAdded as string", getkMDItemDateAdded),
+};
+// clang-format on
+
+} // namespace
+
+REALclassDefinition MDItemClass = {
+    .version = 13,
+    .name = "MDItemQTX",
+    .dataSize = sizeof(MDItemData),
+    .destructor = MDItemDestructor,
+    .properties = MDItemProperties,
+    .methods = MDItemMethods,
+    .mFlags = kClassFlags,
+    .sharedMethods = MDItemSharedMethods,
+};
+
+const REALclassDefinition *const kRootClass = &MDItemClass;
+
+static_assert(std::size(MDItemMethods) == 8 && std::size(MDItemSharedMethods) == 174);
+static_assert(sizeof(MDItemData) == 8);

@@ -2,8 +2,8 @@
 
 #include "host/owned.h"
 #include "host/services.h"
-#include "spotlight/query_data.h"
-#include "spotlight/query_results.h"
+#include "spotlight/item.h"
+#include "spotlight/query.h"
 
 namespace {
 

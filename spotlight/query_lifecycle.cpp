@@ -1,11 +1,10 @@
-// A query object from construction to destruction.
+#include "spotlight/query_lifecycle.h"
+
 #include "convert/string_arrays.h"
-#include "host/exceptions.h"
 #include "host/owned.h"
 #include "host/strings.h"
-#include "spotlight/query_data.h"
+#include "spotlight/query.h"
 #include "spotlight/query_events.h"
-#include "spotlight/query_methods.h"
 
 namespace {
 
@@ -38,13 +37,6 @@ void ConstructQuery(REALobjectStruct *self, REALstringStruct *queryString, _REAL
 }
 
 } // namespace
-
-MDQueryRef RequireQuery(REALobjectStruct *self) {
-    const MDQueryRef query = QueryData(self).Handle;
-    if (!query)
-        RaiseException("NilObjectException", "MDQuery Reference is nil");
-    return query;
-}
 
 void rbMDQueryCreate4(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,
                       _REALarrayString *sortingAttributes) {

@@ -1,4 +1,4 @@
-#include "spotlight/schema_methods.h"
+#include "spotlight/schema.h"
 
 #include <cstring>
 
@@ -6,6 +6,7 @@
 
 #include "convert/string_arrays.h"
 #include "host/arrays.h"
+#include "host/build_string.h"
 #include "host/strings.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "fuzz/input.h"
 #include "fuzz/strings/expected_text.h"
 #include "host/owned.h"
+#include "host/build_string.h"
 #include "host/strings.h"
 #include "simulator/macos/CoreFoundation/ledger.h"
 #include "tests/whitebox/small_host.h"

@@ -10,7 +10,7 @@
 #include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/session/core_foundation_text.h"
 #include "simulator/session/system_files.h"
-#include "spotlight/item_data.h"
+#include "spotlight/item.h"
 #include "tests/convert/value_text.h"
 
 #include <algorithm>

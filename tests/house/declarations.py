@@ -11,8 +11,8 @@ from pathlib import Path
 
 # Each class, or "" for what is global, and the source of its tables.
 TABLES: dict[str, str] = {
-    "MDQueryQTX": "spotlight/query_class.cpp",
-    "MDItemQTX": "spotlight/item_class.cpp",
+    "MDQueryQTX": "spotlight/query.cpp",
+    "MDItemQTX": "spotlight/item.cpp",
     "MDQueryBatchingParamsQTX": "spotlight/batching_params.cpp",
     "": "plugin/global_method.cpp",
 }

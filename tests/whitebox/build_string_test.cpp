@@ -3,7 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "host/exceptions.h"
-#include "host/strings.h"
+#include "host/build_string.h"
 #include "tests/whitebox/small_host.h"
 
 #include <stdexcept>

@@ -2,7 +2,7 @@
 // afterwards, whatever the fill came to.
 #include <doctest/doctest.h>
 
-#include "convert/dictionary_methods.h"
+#include "convert/dictionaries.h"
 #include "convert/to_host.h"
 #include "host/owned.h"
 #include "tests/whitebox/fake_resolver.h"

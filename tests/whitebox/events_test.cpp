@@ -2,7 +2,7 @@
 #include <doctest/doctest.h>
 
 #include "host/services.h"
-#include "spotlight/query_data.h"
+#include "spotlight/query.h"
 #include "spotlight/query_events.h"
 #include "tests/whitebox/fake_resolver.h"
 #include "tests/whitebox/restored.h"

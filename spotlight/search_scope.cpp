@@ -1,10 +1,10 @@
-// Where a query looks.
+#include "spotlight/search_scope.h"
+
 #include "convert/folder_items.h"
 #include "host/arrays.h"
 #include "host/exceptions.h"
 #include "host/strings.h"
-#include "spotlight/query_data.h"
-#include "spotlight/query_methods.h"
+#include "spotlight/query.h"
 
 namespace {
 

@@ -1,9 +1,10 @@
-#include "convert/from_host_arrays.h"
+#include "convert/arrays.h"
 
 #include <cstring>
 
 #include "convert/dates.h"
 #include "convert/from_host.h"
+#include "convert/to_host.h"
 #include "convert/variant_scalars.h"
 #include "host/arrays.h"
 #include "host/strings.h"
@@ -107,4 +108,20 @@ ArrayConversion ConversionOfArray(int32_t variantType) {
         if (variantType == kVariantArray + kind.elementType)
             return kind.convert;
     return nullptr;
+}
+
+REALobjectStruct *HostArray(CFTypeRef value) {
+    const auto values = static_cast<CFArrayRef>(value);
+    const CFIndex count = CFArrayGetCount(values);
+    // Storing asks for the upper bound; a host that cannot tell it has no place for any element.
+    if (count > 0 && !REALGetArrayUBound)
+        return nullptr;
+    auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray(static_cast<int32_t>(count - 1)));
+    if (!array)
+        return nullptr;
+    for (CFIndex i = 0; i < count; i++) {
+        const auto element = OwnedObject::Adopt(GetCFTypeAsVariant(CFArrayGetValueAtIndex(values, i)));
+        StoreArrayObject(array.Get(), static_cast<int32_t>(i), element.Get());
+    }
+    return array.Give();
 }

@@ -1,9 +1,24 @@
-// The methods of the host's "Dictionary", looked up once per dictionary rather than once per entry: a cache of one. It
-// is keyed by the handle alone, so whoever has filled or read a dictionary to its end resets it; the next dictionary
-// may live at the same address.
+// Dictionaries in both directions, and the methods of the host's "Dictionary", looked up once per dictionary rather
+// than once per entry: a cache of one. It is keyed by the handle alone, so whoever has filled or read a dictionary to
+// its end resets it; the next dictionary may live at the same address.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include "host/handles.h"
+
+/// +1, or null when no dictionary can be created. A key or value without a Core Foundation form becomes kCFNull; an
+/// entry without key is left out.
+[[nodiscard]] CFTypeRef CopyDictionary(REALobjectStruct *dictionary);
+
+/// Stores one pair in the host dictionary that `context` is. The shape is that of a dictionary applier.
+void MyCFDictionaryApplierFunction(const void *key, const void *value, void *context);
+
+/// A new host dictionary with all pairs, +1; null when the application has no "Dictionary".
+[[nodiscard]] REALobjectStruct *NewHostDictionary(CFDictionaryRef dictionary);
+
+/// The same as a conversion: the value is a CFDictionary.
+REALobjectStruct *HostDictionary(CFTypeRef value);
 
 using DictionarySetter = void (*)(REALobjectStruct *dictionary, REALobjectStruct *key, REALobjectStruct *value);
 /// The value is +1, or null.

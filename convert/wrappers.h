@@ -26,3 +26,14 @@ extern const REALclassDefinition *const kRootClass;
 template <class Data> Data &CompanionData(REALobjectStruct *instance) {
     return InstanceData<Data>(instance, *kRootClass);
 }
+
+/// An instance of the named class that owns one retain on the value: +1, or null when the application lacks the class.
+REALobjectStruct *WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef));
+
+/// The same with CFRetain, in "CFObjectQTX" when the application lacks the class; null when it lacks both or the
+/// instance is not a wrapper.
+REALobjectStruct *WrapperOrCFObject(CFTypeRef value, const char *className);
+
+/// The reference that a companion's object holds, or the coordinates of a geometry object as data: +1, or null for an
+/// object of no known class.
+[[nodiscard]] CFTypeRef CopyCompanion(REALobjectStruct *object);

@@ -1,9 +1,10 @@
-// The query class: its record, its instance data, and the check with which its methods begin.
+// Queries: the class MDQueryQTX, its instance data, its events, and the check with which its methods begin.
 #pragma once
 
 #include <CoreServices/CoreServices.h>
 
 #include "host/instance_data.h"
+#include "spotlight/classes.h"
 
 struct MDQueryData {
     /// Owned; null while no query exists. Host code sees it as an Integer and can write it.
@@ -12,7 +13,6 @@ struct MDQueryData {
     REALobjectStruct *Tag;
 };
 
-extern REALclassDefinition MDQueryClass;
 /// In this order: Progress, Finish, Update.
 extern REALevent MDQueryEvents[3];
 

@@ -1,34 +1,42 @@
-#include "convert/from_host_objects.h"
+#include "convert/wrappers.h"
 
 #include <algorithm>
 #include <array>
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include "convert/folder_items.h"
-#include "convert/from_host_dictionary.h"
-#include "convert/wrapper_objects.h"
+#include "host/objects.h"
 #include "host/owned.h"
 #include "host/services.h"
 
+REALobjectStruct *WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef)) {
+    auto instance = OwnedObject::Adopt(REALnewInstance(className));
+    if (!instance)
+        return nullptr;
+    auto &data = CompanionData<WrapperData>(instance.Get());
+    data.Ref = retain(value);
+    // Deliberate: these classes are tagged whatever the tag was before.
+    data.Signature = kWrapperSignature;
+    return instance.Give();
+}
+
+REALobjectStruct *WrapperOrCFObject(CFTypeRef value, const char *className) {
+    REALobjectStruct *instance = REALnewInstance(className);
+    if (!instance)
+        instance = REALnewInstance("CFObjectQTX");
+    if (!instance)
+        return nullptr;
+    auto &data = CompanionData<WrapperData>(instance);
+    // Deliberate: an instance with another tag is no wrapper that may be written into; it is left alone, its reference
+    // not given up.
+    if (data.Signature != kWrapperSignature)
+        return nullptr;
+    data.Signature = kWrapperSignature;
+    data.Ref = CFRetain(value);
+    return instance;
+}
+
 namespace {
-
-/// A class that the application lacks has no instances.
-bool IsA(REALobjectStruct *object, const char *className) {
-    REALclassStruct *classRef = REALGetClassRef(className);
-    return classRef && REALObjectIsA(object, classRef);
-}
-
-bool IsFolderItem(REALobjectStruct *object) {
-    return REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem") != nullptr;
-}
-
-CFTypeRef CopyMemoryBlock(REALobjectStruct *block) {
-    const auto hold = Hold(block);
-    const int32_t size = std::max<int32_t>(memoryBlockGetSize(block), 0);
-    const auto *bytes = static_cast<const UInt8 *>(memoryBlockGetPtr(block));
-    return CFDataCreate(kCFAllocatorDefault, bytes, bytes ? size : 0);
-}
 
 /// The doubles at the start of a geometry object's data, narrowed to the platform's 32-bit coordinates.
 template <size_t n> CFTypeRef CopyGeometry(REALobjectStruct *object) {
@@ -80,13 +88,7 @@ constexpr ObjectConversion kCompanionClasses[] = {
 
 } // namespace
 
-CFTypeRef CopyObjectAsCFType(REALobjectStruct *object) {
-    if (IsA(object, "MemoryBlock"))
-        return CopyMemoryBlock(object);
-    if (IsFolderItem(object))
-        return CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(object));
-    if (IsA(object, "Dictionary"))
-        return CopyDictionary(object);
+CFTypeRef CopyCompanion(REALobjectStruct *object) {
     for (const ObjectConversion &row : kCompanionClasses)
         if (IsA(object, row.className))
             return row.convert(object);

@@ -1,0 +1,16 @@
+// A query object from construction to destruction.
+#pragma once
+
+#include "host/handles.h"
+
+// Constructors raise nothing: what fails leaves the object without a query.
+void rbMDQueryCreate2(REALobjectStruct *self, REALstringStruct *queryString);
+void rbMDQueryCreate3(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes);
+void rbMDQueryCreate4(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,
+                      _REALarrayString *sortingAttributes);
+void rbMDQueryCreateSubset3(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString);
+void rbMDQueryCreateSubset4(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString,
+                            _REALarrayString *valueListAttributes);
+void rbMDQueryCreateSubset5(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString,
+                            _REALarrayString *valueListAttributes, _REALarrayString *sortingAttributes);
+void MDQueryDestructor(REALobjectStruct *self);
