@@ -11,77 +11,55 @@
 
 namespace {
 
-// An element kind tells how an element is read, in a form that gives up its reference by itself, and what it becomes:
-// +1, or null to leave it out.
+// What one element becomes; null leaves it out. One that is gone because the array shrinks meanwhile counts as nil or
+// false.
 
-struct DateElement {
-    static OwnedObject Read(_REALarray *array, int32_t index) {
-        return OwnedObject::Adopt(ReadArrayObject(array, index));
-    }
-    static CFTypeRef Convert(const OwnedObject &element) {
-        return RBDate2CFDate(static_cast<_REALdate *>(element.Get()));
-    }
-};
+OwnedCF<CFTypeRef> DateAt(_REALarray *array, int32_t index) {
+    const auto date = ReadArrayObject(array, index);
+    return AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(date.Get())));
+}
 
-struct StringElement {
-    static OwnedString Read(_REALarray *array, int32_t index) {
-        return OwnedString::Adopt(ReadArrayString(array, index));
-    }
-    static CFTypeRef Convert(const OwnedString &element) {
-        if (CFStringRef converted = RBString2CFString(element.Get()))
-            return converted;
-        return CFRetain(CFSTR(""));
-    }
-};
+OwnedCF<CFTypeRef> StringAt(_REALarray *array, int32_t index) {
+    const auto string = ReadArrayString(array, index);
+    return TextOrEmpty(string.Get());
+}
 
-struct ObjectElement {
-    static OwnedObject Read(_REALarray *array, int32_t index) {
-        return OwnedObject::Adopt(ReadArrayObject(array, index));
-    }
-    static CFTypeRef Convert(const OwnedObject &element) { return CopyVariantAsCFType(element.Get()); }
-};
+OwnedCF<CFTypeRef> VariantAt(_REALarray *array, int32_t index) {
+    const auto variant = ReadArrayObject(array, index);
+    return AdoptCF(CopyVariantAsCFType(variant.Get()));
+}
 
-struct BooleanElement {
-    static bool Read(_REALarray *array, int32_t index) { return ReadArrayBoolean(array, index); }
-    static CFTypeRef Convert(bool element) { return CFRetain(element ? kCFBooleanTrue : kCFBooleanFalse); }
-};
+OwnedCF<CFTypeRef> BooleanAt(_REALarray *array, int32_t index) {
+    return HoldCF<CFTypeRef>(ReadArrayBoolean(array, index) ? kCFBooleanTrue : kCFBooleanFalse);
+}
 
-/// Walks an array that may shrink meanwhile: an index that has fallen outside raises "OutOfBoundsException", and the
-/// walk goes on. The visitor gets the index and whether the element may be read; what it returns is +1, and is
-/// appended, or left out when null.
-template <class Visitor> CFTypeRef WalkArray(_REALarray *array, Visitor convertElement) {
+/// The list of what `elementAt` gives for each index that the array has at the beginning.
+template <class ElementAt> OwnedCF<CFMutableArrayRef> CopyElements(_REALarray *array, ElementAt elementAt) {
     const int32_t upperBound = UpperBoundOf(array);
-    auto result = OwnedCF<CFMutableArrayRef>::Adopt(
-        CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 1, &kCFTypeArrayCallBacks));
-    if (!result)
-        return nullptr;
-    for (int32_t i = 0; i <= upperBound; i++) {
-        const bool isReadable = CheckArrayIndex(array, i);
-        const auto converted = OwnedCF<CFTypeRef>::Adopt(convertElement(i, isReadable));
-        if (converted)
-            CFArrayAppendValue(result.Get(), converted.Get());
-    }
-    return result.Give();
+    auto list = AdoptCF(CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 1, &kCFTypeArrayCallBacks));
+    if (!list)
+        return {};
+    for (int32_t i = 0; i <= upperBound; i++)
+        if (const OwnedCF<CFTypeRef> element = elementAt(array, i))
+            CFArrayAppendValue(list.Get(), element.Get());
+    return list;
 }
 
-template <class Kind> CFTypeRef CopyArray(_REALarray *array) {
-    return WalkArray(array, [array](int32_t index, bool isReadable) {
-        using Element = decltype(Kind::Read(array, index));
-        return Kind::Convert(isReadable ? Kind::Read(array, index) : Element());
-    });
+template <auto elementAt> OwnedCF<CFMutableArrayRef> CopyEach(_REALarray *array) {
+    return CopyElements(array, elementAt);
 }
 
-// Deliberate: the numbers of the result are not those of the host array. The element getter, where the elements do not
+// Deliberate: the numbers of the list are not those of the host array. The element getter, where the elements do not
 // lie in a table, is called and its answer dropped; each number is made from a local variable that then takes the new
 // number's reference in its low half. The variable has eight bytes, so that any number type stays inside it.
-template <auto &getElement, CFNumberType type> CFTypeRef CopyNumericArray(_REALarray *array) {
+template <auto &getElement, CFNumberType type> OwnedCF<CFMutableArrayRef> CopyNumbers(_REALarray *array) {
     alignas(int64_t) UInt8 local[8] = {};
-    return WalkArray(array, [array, &local](int32_t index, bool isReadable) -> CFTypeRef {
-        if (isReadable && !HasDirectElements(array))
-            getElement(array, index);
+    return CopyElements(array, [&local](_REALarray *numbers, int32_t index) {
+        if (RequireArrayIndex(numbers, index) && !HasDirectElements(numbers))
+            getElement(numbers, index);
         CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, type, local);
         std::memcpy(local, &number, sizeof number);
-        return number;
+        return AdoptCF(number);
     });
 }
 
@@ -91,14 +69,14 @@ struct ArrayKind {
 };
 
 constexpr ArrayKind kArrayKinds[] = {
-    {kVariantInt32, CopyNumericArray<REALGetArrayValueInteger, kCFNumberSInt32Type>},
-    {kVariantInt64, CopyNumericArray<REALGetArrayValueInt64, kCFNumberSInt64Type>},
-    {kVariantSingle, CopyNumericArray<REALGetArrayValueSingle, kCFNumberFloat32Type>},
-    {kVariantDouble, CopyNumericArray<REALGetArrayValueDouble, kCFNumberFloat64Type>},
-    {kVariantDate, CopyArray<DateElement>},
-    {kVariantString, CopyArray<StringElement>},
-    {kVariantObject, CopyArray<ObjectElement>},
-    {kVariantBoolean, CopyArray<BooleanElement>},
+    {kVariantInt32, CopyNumbers<REALGetArrayValueInteger, kCFNumberSInt32Type>},
+    {kVariantInt64, CopyNumbers<REALGetArrayValueInt64, kCFNumberSInt64Type>},
+    {kVariantSingle, CopyNumbers<REALGetArrayValueSingle, kCFNumberFloat32Type>},
+    {kVariantDouble, CopyNumbers<REALGetArrayValueDouble, kCFNumberFloat64Type>},
+    {kVariantDate, CopyEach<DateAt>},
+    {kVariantString, CopyEach<StringAt>},
+    {kVariantObject, CopyEach<VariantAt>},
+    {kVariantBoolean, CopyEach<BooleanAt>},
 };
 
 } // namespace
@@ -110,18 +88,17 @@ ArrayConversion ConversionOfArray(int32_t variantType) {
     return nullptr;
 }
 
-REALobjectStruct *HostArray(CFTypeRef value) {
-    const auto values = static_cast<CFArrayRef>(value);
+OwnedHost<_REALarrayObject> NewHostArray(CFArrayRef values) {
     const CFIndex count = CFArrayGetCount(values);
     // Storing asks for the upper bound; a host that cannot tell it has no place for any element.
     if (count > 0 && !REALGetArrayUBound)
-        return nullptr;
-    auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray(static_cast<int32_t>(count - 1)));
+        return {};
+    auto array = NewObjectArray(static_cast<int32_t>(count - 1));
     if (!array)
-        return nullptr;
+        return {};
     for (CFIndex i = 0; i < count; i++) {
-        const auto element = OwnedObject::Adopt(GetCFTypeAsVariant(CFArrayGetValueAtIndex(values, i)));
+        const auto element = AdoptHost(GetCFTypeAsVariant(CFArrayGetValueAtIndex(values, i)));
         StoreArrayObject(array.Get(), static_cast<int32_t>(i), element.Get());
     }
-    return array.Give();
+    return array;
 }

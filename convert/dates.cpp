@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "host/owned.h"
-
 CFDateRef RBDate2CFDate(_REALdate *date) {
     if (!date)
         return nullptr;
@@ -24,24 +22,23 @@ CFDateRef RBDate2CFDate(_REALdate *date) {
     return CFDateCreate(kCFAllocatorDefault, CFGregorianDateGetAbsoluteTime(fields, nullptr));
 }
 
-REALobjectStruct *HostDate(CFTypeRef value) {
+OwnedObject NewHostDate(CFDateRef value) {
     using Constructor =
         void (*)(REALobjectStruct *, int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute, int32_t);
     constexpr const char *kConstructor = "Year as Integer, Month as Integer = 1, Day as Integer = 1, hour as Integer "
                                          "= 0, minute as Integer = 0, second as Integer = 0";
 
     // Deliberate: no time zone, which means GMT.
-    const CFGregorianDate fields =
-        CFAbsoluteTimeGetGregorianDate(CFDateGetAbsoluteTime(static_cast<CFDateRef>(value)), nullptr);
+    const CFGregorianDate fields = CFAbsoluteTimeGetGregorianDate(CFDateGetAbsoluteTime(value), nullptr);
     // Of an infinite date, and of one that is no number, the second is no number either.
     const int32_t second = std::isfinite(fields.second) ? static_cast<int32_t>(fields.second) : 0;
-    auto date = OwnedObject::Adopt(REALnewInstance("Date"));
+    auto date = AdoptHost(REALnewInstance("Date"));
     if (!date)
-        return nullptr;
+        return {};
     const auto construct = reinterpret_cast<Constructor>(REALLoadObjectMethod(date.Get(), kConstructor));
     if (construct) {
         construct(date.Get(), fields.year, fields.month, fields.day, fields.hour, fields.minute, second);
-        return date.Give();
+        return date;
     }
     REALSetPropValueInteger(date.Get(), "Year", fields.year);
     REALSetPropValueInteger(date.Get(), "Month", fields.month);
@@ -49,5 +46,5 @@ REALobjectStruct *HostDate(CFTypeRef value) {
     REALSetPropValueInteger(date.Get(), "Hour", fields.hour);
     REALSetPropValueInteger(date.Get(), "Minute", fields.minute);
     REALSetPropValueInteger(date.Get(), "Second", second);
-    return date.Give();
+    return date;
 }

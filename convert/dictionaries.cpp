@@ -4,7 +4,6 @@
 
 #include "convert/from_host.h"
 #include "convert/to_host.h"
-#include "host/owned.h"
 
 constinit REALobjectStruct *LastDictionary = nullptr;
 constinit DictionarySetter LastDictionarySetter = nullptr;
@@ -27,66 +26,65 @@ namespace {
 
 OwnedObject KeyAt(REALobjectStruct *dictionary, int32_t index) {
     LoadDictionaryMethods(dictionary);
-    return OwnedObject::Adopt(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, index) : nullptr);
+    return AdoptHost(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, index) : nullptr);
 }
 
 OwnedObject ValueOf(REALobjectStruct *dictionary, const OwnedObject &key) {
     LoadDictionaryMethods(dictionary);
-    return OwnedObject::Adopt(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.Get()) : nullptr);
+    return AdoptHost(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.Get()) : nullptr);
 }
 
 OwnedCF<CFTypeRef> CopyOrNull(const OwnedObject &value) {
-    CFTypeRef converted = CopyVariantAsCFType(value.Get());
-    return OwnedCF<CFTypeRef>::Adopt(converted ? converted : CFRetain(kCFNull));
+    auto converted = AdoptCF(CopyVariantAsCFType(value.Get()));
+    return converted ? std::move(converted) : HoldCF<CFTypeRef>(kCFNull);
 }
 
 } // namespace
 
-CFTypeRef CopyDictionary(REALobjectStruct *dictionary) {
+OwnedCF<CFMutableDictionaryRef> CopyDictionary(REALobjectStruct *dictionary) {
     int32_t count = 0;
     REALGetPropValueInteger(dictionary, "Count", &count);
     count = std::max<int32_t>(count, 0);
-    auto result = OwnedCF<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(
-        kCFAllocatorDefault, count, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto result = AdoptCF(CFDictionaryCreateMutable(kCFAllocatorDefault, count, &kCFTypeDictionaryKeyCallBacks,
+                                                    &kCFTypeDictionaryValueCallBacks));
     if (!result)
-        return nullptr;
+        return {};
 
     const DictionaryMethodsScope methods;
     for (int32_t i = 0; i < count; i++) {
         // Both reads look at the cache: it was emptied if the entry before held a dictionary, and by whatever the host
-        // ran in between. The key is released before the value.
-        OwnedObject value;
-        const auto key = KeyAt(dictionary, i);
-        value = ValueOf(dictionary, key);
-        if (!key)
-            continue;
-        const auto convertedKey = CopyOrNull(key);
-        const auto convertedValue = CopyOrNull(value);
-        CFDictionarySetValue(result.Get(), convertedKey.Get(), convertedValue.Get());
+        // ran in between.
+        auto key = KeyAt(dictionary, i);
+        auto value = ValueOf(dictionary, key);
+        if (key) {
+            const auto convertedKey = CopyOrNull(key);
+            const auto convertedValue = CopyOrNull(value);
+            CFDictionarySetValue(result.Get(), convertedKey.Get(), convertedValue.Get());
+        }
+        Release(key, value);
     }
-    return result.Give();
+    return result;
 }
 
 void MyCFDictionaryApplierFunction(const void *key, const void *value, void *context) {
     const auto dictionary = static_cast<REALobjectStruct *>(context);
     if (!key || !dictionary)
         return;
-    // Both are converted before the cache is looked at: converting a nested dictionary leaves the cache empty. The
-    // value is converted first, and released last.
-    const auto hostValue = OwnedObject::Adopt(GetCFTypeAsVariant(value));
-    const auto hostKey = OwnedObject::Adopt(GetCFTypeAsVariant(key));
+    // Both are converted, the value first, before the cache is looked at: converting a nested dictionary leaves the
+    // cache empty.
+    auto hostValue = AdoptHost(GetCFTypeAsVariant(value));
+    auto hostKey = AdoptHost(GetCFTypeAsVariant(key));
     LoadDictionaryMethods(dictionary);
     if (LastDictionarySetter)
         LastDictionarySetter(dictionary, hostKey.Get(), hostValue.Get());
+    Release(hostKey, hostValue);
 }
 
-REALobjectStruct *NewHostDictionary(CFDictionaryRef dictionary) {
-    auto host = OwnedObject::Adopt(REALnewInstance("Dictionary"));
+OwnedObject NewHostDictionary(CFDictionaryRef dictionary) {
+    auto host = AdoptHost(REALnewInstance("Dictionary"));
     if (!host)
-        return nullptr;
+        return {};
     const DictionaryMethodsScope methods;
     CFDictionaryApplyFunction(dictionary, MyCFDictionaryApplierFunction, host.Get());
-    return host.Give();
+    return host;
 }
-
-REALobjectStruct *HostDictionary(CFTypeRef value) { return NewHostDictionary(static_cast<CFDictionaryRef>(value)); }

@@ -5,20 +5,17 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "host/handles.h"
+#include "host/owned.h"
 
-/// +1, or null when no dictionary can be created. A key or value without a Core Foundation form becomes kCFNull; an
+/// Null when no dictionary can be created. A key or value without a Core Foundation form becomes kCFNull; an
 /// entry without key is left out.
-[[nodiscard]] CFTypeRef CopyDictionary(REALobjectStruct *dictionary);
+OwnedCF<CFMutableDictionaryRef> CopyDictionary(REALobjectStruct *dictionary);
 
 /// Stores one pair in the host dictionary that `context` is. The shape is that of a dictionary applier.
 void MyCFDictionaryApplierFunction(const void *key, const void *value, void *context);
 
-/// A new host dictionary with all pairs, +1; null when the application has no "Dictionary".
-[[nodiscard]] REALobjectStruct *NewHostDictionary(CFDictionaryRef dictionary);
-
-/// The same as a conversion: the value is a CFDictionary.
-REALobjectStruct *HostDictionary(CFTypeRef value);
+/// A new host dictionary with all pairs; null when the application has no "Dictionary".
+OwnedObject NewHostDictionary(CFDictionaryRef dictionary);
 
 using DictionarySetter = void (*)(REALobjectStruct *dictionary, REALobjectStruct *key, REALobjectStruct *value);
 /// The value is +1, or null.

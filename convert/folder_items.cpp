@@ -7,8 +7,6 @@
 
 #include <CoreServices/CoreServices.h>
 
-#include "host/owned.h"
-#include "host/services.h"
 #include "host/strings.h"
 
 namespace {
@@ -16,13 +14,11 @@ namespace {
 /// The name in canonical decomposition (form D), in which HFS volumes store it; the name itself where no copy can be
 /// made.
 OwnedCF<CFStringRef> Decomposed(CFStringRef name) {
-    CFMutableStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, name);
-    if (!copy) {
-        CFRetain(name);
-        return OwnedCF<CFStringRef>::Adopt(name);
-    }
-    CFStringNormalize(copy, kCFStringNormalizationFormD);
-    return OwnedCF<CFStringRef>::Adopt(copy);
+    auto copy = AdoptCF(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, name));
+    if (!copy)
+        return HoldCF(name);
+    CFStringNormalize(copy.Get(), kCFStringNormalizationFormD);
+    return copy;
 }
 
 /// Whether the record holds no more than it can, and no half of a surrogate pair: a URL cannot be made of one, and the
@@ -42,26 +38,27 @@ bool IsWellFormed(const HFSUniStr255 &name) {
     return !isPairOpen;
 }
 
-CFURLRef URLOfExistingItem(REALfolderItemStruct *item) {
+OwnedCF<CFURLRef> URLOfExistingItem(REALfolderItemStruct *item) {
     FSRef ref;
-    return REALFSRefFromFolderItem(item, &ref, nullptr) ? CFURLCreateFromFSRef(kCFAllocatorDefault, &ref) : nullptr;
+    if (!REALFSRefFromFolderItem(item, &ref, nullptr))
+        return {};
+    return AdoptCF(CFURLCreateFromFSRef(kCFAllocatorDefault, &ref));
 }
 
-CFURLRef URLOfNewItem(REALfolderItemStruct *item) {
+OwnedCF<CFURLRef> URLOfNewItem(REALfolderItemStruct *item) {
     FSRef parent;
     HFSUniStr255 name = {};
     if (!REALFSRefFromFolderItem(item, &parent, &name) || !IsWellFormed(name))
-        return nullptr;
-    const auto folder = OwnedCF<CFURLRef>::Adopt(CFURLCreateFromFSRef(kCFAllocatorDefault, &parent));
+        return {};
+    const auto folder = AdoptCF(CFURLCreateFromFSRef(kCFAllocatorDefault, &parent));
     if (!folder || name.length == 0)
-        return nullptr;
+        return {};
     const auto length = static_cast<CFIndex>(name.length);
-    const auto written =
-        OwnedCF<CFStringRef>::Adopt(CFStringCreateWithCharacters(kCFAllocatorDefault, name.unicode, length));
+    const auto written = AdoptCF(CFStringCreateWithCharacters(kCFAllocatorDefault, name.unicode, length));
     if (!written)
-        return nullptr;
+        return {};
     const auto decomposed = Decomposed(written.Get());
-    return CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, folder.Get(), decomposed.Get(), false);
+    return AdoptCF(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, folder.Get(), decomposed.Get(), false));
 }
 
 } // namespace
@@ -69,33 +66,35 @@ CFURLRef URLOfNewItem(REALfolderItemStruct *item) {
 CFURLRef CreateCFURLfromFolderItem(REALfolderItemStruct *item) {
     if (!item)
         return nullptr;
-    if (CFURLRef url = URLOfExistingItem(item))
-        return url;
-    return URLOfNewItem(item);
+    if (auto url = URLOfExistingItem(item))
+        return url.Give();
+    return URLOfNewItem(item).Give();
 }
 
 namespace {
 
-REALfolderItemStruct *FolderItemBySpecification(const FSRef &item) {
+OwnedHost<REALfolderItemStruct> FolderItemBySpecification(const FSRef &item) {
     FSSpec specification;
     if (FSGetCatalogInfo(&item, kFSCatInfoNone, nullptr, nullptr, &specification, nullptr) != noErr)
-        return nullptr;
-    return FolderItemFromFSSpec(&specification);
+        return {};
+    return AdoptHost(FolderItemFromFSSpec(&specification));
 }
 
-REALfolderItemStruct *FolderItemOfExistingFile(const FSRef &item) {
+OwnedHost<REALfolderItemStruct> FolderItemOfExistingFile(const FSRef &item) {
     FSCatalogInfo info;
     FSRef parent;
     HFSUniStr255 name;
     if (FSGetCatalogInfo(&item, kFSCatInfoNodeID, &info, nullptr, nullptr, &parent) != noErr)
         return FolderItemBySpecification(item);
+    // The root of a volume has no parent that could name it. What is no reference fails the check below, which leads to
+    // the file specification.
     if (info.nodeID == fsRtDirID)
         parent = {};
     const OSErr nameError = FSGetCatalogInfo(&item, kFSCatInfoNone, nullptr, &name, nullptr, nullptr);
     const OSErr parentError = FSGetCatalogInfo(&parent, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr);
     if (nameError != noErr || parentError != noErr)
         return FolderItemBySpecification(item);
-    return REALFolderItemFromParentFSRef(&parent, &name);
+    return AdoptHost(REALFolderItemFromParentFSRef(&parent, &name));
 }
 
 /// Longer names are cut off at what the structure holds.
@@ -108,32 +107,32 @@ HFSUniStr255 StoredName(CFStringRef leaf) {
     return name;
 }
 
-REALfolderItemStruct *FolderItemOfNewFile(CFURLRef url) {
-    const auto folder = OwnedCF<CFURLRef>::Adopt(CFURLCreateCopyDeletingLastPathComponent(kCFAllocatorDefault, url));
+OwnedHost<REALfolderItemStruct> FolderItemOfNewFile(CFURLRef url) {
+    const auto folder = AdoptCF(CFURLCreateCopyDeletingLastPathComponent(kCFAllocatorDefault, url));
     FSRef parent;
     if (!folder || !CFURLGetFSRef(folder.Get(), &parent))
-        return nullptr;
-    const auto leaf = OwnedCF<CFStringRef>::Adopt(CFURLCopyLastPathComponent(url));
+        return {};
+    const auto leaf = AdoptCF(CFURLCopyLastPathComponent(url));
     if (!leaf)
-        return nullptr;
+        return {};
     const HFSUniStr255 name = StoredName(leaf.Get());
-    return REALFolderItemFromParentFSRef(&parent, &name);
+    return AdoptHost(REALFolderItemFromParentFSRef(&parent, &name));
 }
 
-REALobjectStruct *AbsoluteText(CFURLRef url) {
-    const auto absolute = OwnedCF<CFURLRef>::Adopt(CFURLCopyAbsoluteURL(url));
+OwnedObject AbsoluteText(CFURLRef url) {
+    const auto absolute = AdoptCF(CFURLCopyAbsoluteURL(url));
     if (!absolute)
-        return nullptr;
-    const auto text = OwnedString::Adopt(CFString2RBString(CFURLGetString(absolute.Get())));
-    return text ? StringToVariant(text.Get()) : nullptr;
+        return {};
+    const auto text = AdoptHost(CFString2RBString(CFURLGetString(absolute.Get())));
+    return AdoptHost(text ? StringToVariant(text.Get()) : nullptr);
 }
 
 } // namespace
 
-REALobjectStruct *FolderItemOrText(CFTypeRef value) {
-    const auto url = static_cast<CFURLRef>(value);
+OwnedObject FolderItemOrText(CFURLRef url) {
     FSRef item;
-    REALfolderItemStruct *folderItem =
-        CFURLGetFSRef(url, &item) ? FolderItemOfExistingFile(item) : FolderItemOfNewFile(url);
-    return folderItem ? folderItem : AbsoluteText(url);
+    auto folderItem = CFURLGetFSRef(url, &item) ? FolderItemOfExistingFile(item) : FolderItemOfNewFile(url);
+    if (folderItem)
+        return folderItem;
+    return AbsoluteText(url);
 }

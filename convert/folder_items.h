@@ -3,12 +3,11 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "host/handles.h"
+#include "host/owned.h"
 
 /// +1; the URL of an existing item, or of one that does not exist yet in a folder that does. Null for anything else,
 /// and for a new item whose name is not well-formed UTF-16.
 [[nodiscard]] CFURLRef CreateCFURLfromFolderItem(REALfolderItemStruct *item);
 
-/// A folder item for a file that exists or could be made, else the absolute URL as text: +1, or null. The value is a
-/// CFURL.
-REALobjectStruct *FolderItemOrText(CFTypeRef value);
+/// A folder item for a file that exists or could be made, else the absolute URL as text, or null.
+OwnedObject FolderItemOrText(CFURLRef url);

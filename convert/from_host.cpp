@@ -11,58 +11,51 @@
 #include "convert/variant_scalars.h"
 #include "convert/wrappers.h"
 #include "host/objects.h"
-#include "host/owned.h"
 #include "host/strings.h"
 
 namespace {
 
-template <class Value> CFNumberRef Number(CFNumberType type, Value value) {
-    return CFNumberCreate(kCFAllocatorDefault, type, &value);
+template <class Value> OwnedCF<CFNumberRef> Number(CFNumberType type, Value value) {
+    return AdoptCF(CFNumberCreate(kCFAllocatorDefault, type, &value));
 }
 
-CFTypeRef Boolean8(int32_t value) {
+OwnedCF<CFBooleanRef> Boolean8(int32_t value) {
     // Deliberate: only the low eight bits count.
-    return CFRetain((value & 0xFF) != 0 ? kCFBooleanTrue : kCFBooleanFalse);
+    return HoldCF((value & 0xFF) != 0 ? kCFBooleanTrue : kCFBooleanFalse);
 }
 
-CFTypeRef Color(int32_t packed) {
+OwnedCF<CGColorRef> Color(int32_t packed) {
     const auto component = [packed](int shift) {
         return static_cast<CGFloat>(((static_cast<uint32_t>(packed) >> shift) & 0xFF) / 255.0);
     };
-    return CGColorCreateGenericRGB(component(16), component(8), component(0), 1.0F);
+    return AdoptCF(CGColorCreateGenericRGB(component(16), component(8), component(0), 1.0F));
 }
 
-CFTypeRef Text(REALobjectStruct *value) {
-    const auto string = OwnedString::Adopt(GetVariantString(value));
-    if (CFStringRef converted = RBString2CFString(string.Get()))
-        return converted;
-    return CFRetain(CFSTR(""));
+OwnedCF<CFStringRef> Text(REALobjectStruct *value) {
+    const auto string = AdoptHost(GetVariantString(value));
+    return TextOrEmpty(string.Get());
 }
 
 bool IsFolderItem(REALobjectStruct *object) {
     return REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem") != nullptr;
 }
 
-/// Memory blocks, folder items, dictionaries and the wrappers of companion plugins, tested in a fixed order.
-CFTypeRef CopyObjectAsCFType(REALobjectStruct *object) {
+/// Memory blocks, folder items, dictionaries and the objects of companion plugins, tested in a fixed order.
+OwnedCF<CFTypeRef> ConvertObject(REALobjectStruct *object) {
     if (IsA(object, "MemoryBlock"))
         return CopyMemoryBlock(object);
     if (IsFolderItem(object))
-        return CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(object));
+        return AdoptCF(CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(object)));
     if (IsA(object, "Dictionary"))
         return CopyDictionary(object);
     return CopyCompanion(object);
 }
 
-} // namespace
-
-CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) {
-    if (!value)
-        return nullptr;
+OwnedCF<CFTypeRef> Convert(REALobjectStruct *value) {
     const int32_t type = GetVariantType(value);
     switch (type) {
     case kVariantNil:
-        return nullptr;
+        return {};
     case kVariantInt32:
         return Number(kCFNumberSInt32Type, GetVariantInt32(value));
     case kVariantInt64:
@@ -73,9 +66,9 @@ CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) {
     case kVariantOtherDouble:
         return Number(kCFNumberFloat64Type, GetVariantDouble(value));
     case kVariantDate:
-        return RBDate2CFDate(static_cast<_REALdate *>(value));
+        return AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(value)));
     case kVariantObject:
-        return CopyObjectAsCFType(value);
+        return ConvertObject(value);
     case kVariantBoolean:
         return Boolean8(GetVariantInt32(value));
     case kVariantColor:
@@ -87,3 +80,7 @@ CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) {
         return Text(value);
     }
 }
+
+} // namespace
+
+CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) { return value ? Convert(value).Give() : nullptr; }

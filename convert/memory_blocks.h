@@ -3,10 +3,10 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "host/handles.h"
+#include "host/owned.h"
 
-/// +1: a copy of the block's bytes; empty for a block without any.
-[[nodiscard]] CFTypeRef CopyMemoryBlock(REALobjectStruct *block);
+/// A copy of the block's bytes; empty for a block without any.
+OwnedCF<CFDataRef> CopyMemoryBlock(REALobjectStruct *block);
 
-/// +1; nil for no bytes. Raises "OutOfMemoryException" when the block cannot be had. The value is CFData.
-REALobjectStruct *HostMemoryBlock(CFTypeRef value);
+/// A new block with a copy of the bytes; null for no bytes. Raises "OutOfMemoryException" when the block cannot be had.
+OwnedObject NewMemoryBlock(CFDataRef data);

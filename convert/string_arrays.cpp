@@ -7,14 +7,14 @@ CFMutableArrayRef NewCFStringArray(_REALarrayString *array) {
     if (!array)
         return nullptr;
     const int32_t upperBound = UpperBoundOf(array);
-    auto strings = OwnedCF<CFMutableArrayRef>::Adopt(
-        CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 2, &kCFTypeArrayCallBacks));
+    // The capacity is a hint; it has always been one more than the elements.
+    auto strings = AdoptCF(CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 2, &kCFTypeArrayCallBacks));
     if (!strings)
         return nullptr;
     for (int32_t i = 0; i <= upperBound; i++) {
-        const auto string = OwnedString::Adopt(REALGetArrayString(array, i));
-        const auto converted = OwnedCF<CFStringRef>::Adopt(RBString2CFString(string.Get()));
-        CFArrayAppendValue(strings.Get(), converted ? converted.Get() : CFSTR(""));
+        const auto string = AdoptHost(REALGetArrayString(array, i));
+        const auto text = TextOrEmpty(string.Get());
+        CFArrayAppendValue(strings.Get(), text.Get());
     }
     return strings.Give();
 }
@@ -26,7 +26,13 @@ void AddStringArray(_REALarrayString *array, CFArrayRef strings) {
         const auto element = static_cast<CFStringRef>(CFArrayGetValueAtIndex(strings, i));
         if (!element)
             continue;
-        const auto string = OwnedString::Adopt(CFString2RBString(element));
+        const auto string = AdoptHost(CFString2RBString(element));
         REALInsertArrayValueString(array, position++, string.Get());
     }
+}
+
+_REALarrayString *WithStrings(OwnedHost<_REALarrayString> array, const OwnedCF<CFArrayRef> &strings) {
+    if (strings)
+        AddStringArray(array.Get(), strings.Get());
+    return array.Give();
 }

@@ -3,7 +3,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "host/handles.h"
+#include "host/owned.h"
 
 /// +1; null for a null array, or when no array can be created. A string that does not convert leaves the empty string
 /// in its place, and so does one that is gone because the array shrinks meanwhile, which raises "OutOfBoundsException".
@@ -12,3 +12,6 @@
 /// Inserts the strings of a Core Foundation array at the front of a host array, in their order. Null elements are
 /// skipped; all others are taken to be strings.
 void AddStringArray(_REALarrayString *array, CFArrayRef strings);
+
+/// The array with the strings added, +1; nothing is added for a null list.
+[[nodiscard]] _REALarrayString *WithStrings(OwnedHost<_REALarrayString> array, const OwnedCF<CFArrayRef> &strings);

@@ -9,40 +9,36 @@
 #include "convert/folder_items.h"
 #include "convert/memory_blocks.h"
 #include "convert/wrappers.h"
-#include "host/owned.h"
 #include "host/strings.h"
 
 namespace {
 
-REALobjectStruct *NilValue(CFTypeRef) { return nullptr; }
+OwnedObject NilValue(CFNullRef) { return {}; }
 
-REALobjectStruct *BooleanVariant(CFTypeRef value) {
-    return BooleanToVariant(CFBooleanGetValue(static_cast<CFBooleanRef>(value)));
-}
+OwnedObject BooleanVariant(CFBooleanRef value) { return AdoptHost(BooleanToVariant(CFBooleanGetValue(value))); }
 
 /// A 64-bit float, a 32-bit integer or a 64-bit integer, as the number is stored.
-REALobjectStruct *NumberVariant(CFTypeRef value) {
-    const auto number = static_cast<CFNumberRef>(value);
+OwnedObject NumberVariant(CFNumberRef number) {
     double real = 0;
     if (CFNumberIsFloatType(number) && CFNumberGetValue(number, kCFNumberDoubleType, &real))
-        return DoubleToVariant(real);
+        return AdoptHost(DoubleToVariant(real));
     int32_t narrow = 0;
     if (CFNumberGetByteSize(number) <= 4 && CFNumberGetValue(number, kCFNumberLongType, &narrow))
-        return IntegerToVariant(narrow);
+        return AdoptHost(IntegerToVariant(narrow));
     int64_t wide = 0;
     if (CFNumberGetValue(number, kCFNumberLongLongType, &wide))
-        return Int64ToVariant(wide);
-    return nullptr;
+        return AdoptHost(Int64ToVariant(wide));
+    return {};
 }
 
-REALobjectStruct *StringVariant(CFTypeRef value) {
-    const auto text = OwnedString::Adopt(CFString2RBString(static_cast<CFStringRef>(value)));
-    return text ? StringToVariant(text.Get()) : nullptr;
+OwnedObject StringVariant(CFStringRef value) {
+    const auto text = AdoptHost(CFString2RBString(value));
+    return AdoptHost(text ? StringToVariant(text.Get()) : nullptr);
 }
 
 struct Conversion {
     bool (*matches)(CFTypeID type);
-    REALobjectStruct *(*convert)(CFTypeRef value, const char *className);
+    OwnedObject (*convert)(CFTypeRef value, const char *className);
     const char *className;
 };
 
@@ -50,15 +46,13 @@ struct Conversion {
 // bound when it is first called.
 template <CFTypeID (*typeID)()> bool IsOfType(CFTypeID type) { return typeID() == type; }
 
-template <auto convert> REALobjectStruct *ConvertBy(CFTypeRef value, const char *) { return convert(value); }
-
-template <class Reference, Reference (*retain)(Reference)> CFTypeRef RetainBy(CFTypeRef value) {
-    return retain(static_cast<Reference>(const_cast<void *>(value)));
+template <class Host, class Reference> Reference ParameterOf(Host (*)(Reference));
+template <auto convert> OwnedObject ConvertBy(CFTypeRef value, const char *) {
+    return convert(static_cast<decltype(ParameterOf(convert))>(value));
 }
 
-template <class Reference, Reference (*retain)(Reference)>
-REALobjectStruct *WrapKeptBy(CFTypeRef value, const char *className) {
-    return WrapperKeptBy(value, className, RetainBy<Reference, retain>);
+template <auto retain> OwnedObject WrapKeptBy(CFTypeRef value, const char *className) {
+    return WrapperKeptBy(value, className, RetainBy<retain>);
 }
 
 /// A natural host value, made by a function.
@@ -67,9 +61,8 @@ template <CFTypeID (*typeID)(), auto convert> constexpr Conversion Converted() {
 }
 
 /// A wrapper that keeps the reference with the type's own retain function. There is no class to fall back on.
-template <CFTypeID (*typeID)(), class Reference, Reference (*retain)(Reference)>
-constexpr Conversion WrappedKeptBy(const char *className) {
-    return {IsOfType<typeID>, WrapKeptBy<Reference, retain>, className};
+template <CFTypeID (*typeID)(), auto retain> constexpr Conversion WrappedKeptBy(const char *className) {
+    return {IsOfType<typeID>, WrapKeptBy<retain>, className};
 }
 
 /// A wrapper of the named class, or else a "CFObjectQTX".
@@ -81,24 +74,24 @@ constexpr Conversion kNaturalValues[] = {
     Converted<CFURLGetTypeID, FolderItemOrText>(),
     Converted<CFBooleanGetTypeID, BooleanVariant>(),
     Converted<CFNumberGetTypeID, NumberVariant>(),
-    Converted<CFArrayGetTypeID, HostArray>(),
+    Converted<CFArrayGetTypeID, NewHostArray>(),
     Converted<CFNullGetTypeID, NilValue>(),
-    Converted<CFDictionaryGetTypeID, HostDictionary>(),
+    Converted<CFDictionaryGetTypeID, NewHostDictionary>(),
     Converted<CFStringGetTypeID, StringVariant>(),
-    Converted<CFDataGetTypeID, HostMemoryBlock>(),
-    Converted<CFDateGetTypeID, HostDate>(),
-    WrappedKeptBy<CGColorSpaceGetTypeID, CGColorSpaceRef, CGColorSpaceRetain>("CGColorSpaceQTX"),
-    WrappedKeptBy<CGColorGetTypeID, CGColorRef, CGColorRetain>("CGColorQTX"),
-    WrappedKeptBy<CGImageGetTypeID, CGImageRef, CGImageRetain>("CGImageQTX"),
-    WrappedKeptBy<CGLayerGetTypeID, CGLayerRef, CGLayerRetain>("CGLayerQTX"),
-    WrappedKeptBy<CGPathGetTypeID, CGPathRef, CGPathRetain>("CGPathQTX"),
-    WrappedKeptBy<CGDataConsumerGetTypeID, CGDataConsumerRef, CGDataConsumerRetain>("CGDataConsumerQTX"),
-    WrappedKeptBy<CGDataProviderGetTypeID, CGDataProviderRef, CGDataProviderRetain>("CGDataProviderQTX"),
-    WrappedKeptBy<CGPSConverterGetTypeID, CFTypeRef, CFRetain>("CGPSConverterQTX"),
-    WrappedKeptBy<CGContextGetTypeID, CGContextRef, CGContextRetain>("CGContextQTX"),
+    Converted<CFDataGetTypeID, NewMemoryBlock>(),
+    Converted<CFDateGetTypeID, NewHostDate>(),
+    WrappedKeptBy<CGColorSpaceGetTypeID, CGColorSpaceRetain>("CGColorSpaceQTX"),
+    WrappedKeptBy<CGColorGetTypeID, CGColorRetain>("CGColorQTX"),
+    WrappedKeptBy<CGImageGetTypeID, CGImageRetain>("CGImageQTX"),
+    WrappedKeptBy<CGLayerGetTypeID, CGLayerRetain>("CGLayerQTX"),
+    WrappedKeptBy<CGPathGetTypeID, CGPathRetain>("CGPathQTX"),
+    WrappedKeptBy<CGDataConsumerGetTypeID, CGDataConsumerRetain>("CGDataConsumerQTX"),
+    WrappedKeptBy<CGDataProviderGetTypeID, CGDataProviderRetain>("CGDataProviderQTX"),
+    WrappedKeptBy<CGPSConverterGetTypeID, CFRetain>("CGPSConverterQTX"),
+    WrappedKeptBy<CGContextGetTypeID, CGContextRetain>("CGContextQTX"),
     WrappedOrCFObject<CGEventGetTypeID>("CGEventQTX"),
     WrappedOrCFObject<CGEventSourceGetTypeID>("CGEventSourceQTX"),
-    WrappedKeptBy<CGFontGetTypeID, CGFontRef, CGFontRetain>("CGFontQTX"),
+    WrappedKeptBy<CGFontGetTypeID, CGFontRetain>("CGFontQTX"),
 };
 
 // The complete map of types to the wrapper family. Deliberate: the rows whose types the first table has already
@@ -145,8 +138,8 @@ REALobjectStruct *GetCFTypeAsVariant(CFTypeRef value) {
     if (!value || value == kCFNull)
         return nullptr;
     if (const Conversion *row = FirstMatch(kNaturalValues, CFGetTypeID(value)))
-        return row->convert(value, row->className);
+        return row->convert(value, row->className).Give();
     if (const Conversion *row = FirstMatch(kWrapperClasses, CFGetTypeID(value)))
-        return row->convert(value, row->className);
-    return WrapperOrCFObject(value, "CFObjectQTX");
+        return row->convert(value, row->className).Give();
+    return WrapperOrCFObject(value, "CFObjectQTX").Give();
 }

@@ -27,7 +27,7 @@ int32_t GetVariantType(REALobjectStruct *variant);
 
 // The values are 0, and the string null, when the host has no means to read them.
 /// +1 or null.
-REALstringStruct *GetVariantString(REALobjectStruct *variant);
+[[nodiscard]] REALstringStruct *GetVariantString(REALobjectStruct *variant);
 int32_t GetVariantInt32(REALobjectStruct *variant);
 int64_t GetVariantInt64(REALobjectStruct *variant);
 float GetVariantSingle(REALobjectStruct *variant);

@@ -5,6 +5,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "host/instance_data.h"
+#include "host/owned.h"
 
 /// The instance data of every wrapper class.
 struct WrapperData {
@@ -27,13 +28,21 @@ template <class Data> Data &CompanionData(REALobjectStruct *instance) {
     return InstanceData<Data>(instance, *kRootClass);
 }
 
-/// An instance of the named class that owns one retain on the value: +1, or null when the application lacks the class.
-REALobjectStruct *WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef));
+// The platform's retain functions come in as template arguments, so that a table holds a function of ours and the
+// import is bound when it is first called.
+template <class Reference> Reference ParameterOf(Reference (*)(Reference));
+template <auto retain> CFTypeRef RetainBy(CFTypeRef value) {
+    return retain(static_cast<decltype(ParameterOf(retain))>(const_cast<void *>(value)));
+}
+
+/// An instance of the named class that owns one retain on the value, by the retain function of its type; null when the
+/// application lacks the class.
+OwnedObject WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef));
 
 /// The same with CFRetain, in "CFObjectQTX" when the application lacks the class; null when it lacks both or the
 /// instance is not a wrapper.
-REALobjectStruct *WrapperOrCFObject(CFTypeRef value, const char *className);
+OwnedObject WrapperOrCFObject(CFTypeRef value, const char *className);
 
-/// The reference that a companion's object holds, or the coordinates of a geometry object as data: +1, or null for an
-/// object of no known class.
-[[nodiscard]] CFTypeRef CopyCompanion(REALobjectStruct *object);
+/// The reference that a companion's object holds, or the coordinates of a geometry object as data; null for an object
+/// of no known class.
+OwnedCF<CFTypeRef> CopyCompanion(REALobjectStruct *object);

@@ -37,10 +37,12 @@ REALstringStruct **DirectStrings(_REALarray *array) {
 
 } // namespace
 
-_REALarrayString *NewStringArray() { return static_cast<_REALarrayString *>(REALCreateArray(kStringElements, kEmpty)); }
+OwnedHost<_REALarrayString> NewStringArray() {
+    return AdoptHost(static_cast<_REALarrayString *>(REALCreateArray(kStringElements, kEmpty)));
+}
 
-_REALarrayObject *NewObjectArray(int32_t upperBound) {
-    return static_cast<_REALarrayObject *>(REALCreateArray(kObjectElements, upperBound));
+OwnedHost<_REALarrayObject> NewObjectArray(int32_t upperBound) {
+    return AdoptHost(static_cast<_REALarrayObject *>(REALCreateArray(kObjectElements, upperBound)));
 }
 
 int32_t UpperBoundOf(_REALarray *array) {
@@ -50,7 +52,7 @@ int32_t UpperBoundOf(_REALarray *array) {
 
 bool HasDirectElements(_REALarray *array) { return DirectElements<void>(array) != nullptr; }
 
-bool CheckArrayIndex(_REALarray *array, int32_t index) {
+bool RequireArrayIndex(_REALarray *array, int32_t index) {
     const int32_t upperBound = REALGetArrayUBound(array);
     if (index >= 0 && index <= upperBound)
         return true;
@@ -59,33 +61,39 @@ bool CheckArrayIndex(_REALarray *array, int32_t index) {
 }
 
 REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index) {
-    if (!array || !CheckArrayIndex(array, index))
+    if (!array || !RequireArrayIndex(array, index))
         return nullptr;
     if (auto *elements = DirectStrings(array))
         return Hold(elements[index]).Give();
     return REALReadStringArray(array, index);
 }
 
-REALobjectStruct *ReadArrayObject(_REALarray *array, int32_t index) {
+OwnedObject ReadArrayObject(_REALarray *array, int32_t index) {
+    if (!RequireArrayIndex(array, index))
+        return {};
     if (auto *elements = DirectObjects(array))
-        return Hold(elements[index]).Give();
-    return REALGetArrayValueObject(array, index);
+        return Hold(elements[index]);
+    return AdoptHost(REALGetArrayValueObject(array, index));
 }
 
-REALstringStruct *ReadArrayString(_REALarray *array, int32_t index) {
+OwnedString ReadArrayString(_REALarray *array, int32_t index) {
+    if (!RequireArrayIndex(array, index))
+        return {};
     if (auto *elements = DirectStrings(array))
-        return Hold(elements[index]).Give();
-    return REALGetArrayValueString(array, index);
+        return Hold(elements[index]);
+    return AdoptHost(REALGetArrayValueString(array, index));
 }
 
 bool ReadArrayBoolean(_REALarray *array, int32_t index) {
+    if (!RequireArrayIndex(array, index))
+        return false;
     if (auto *elements = DirectElements<HostBoolean>(array))
         return elements[index] != 0;
     return REALGetArrayValueBoolean(array, index) != 0;
 }
 
 void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object) {
-    if (!CheckArrayIndex(array, index))
+    if (!RequireArrayIndex(array, index))
         return;
     auto *elements = DirectObjects(array);
     if (!elements) {

@@ -5,21 +5,20 @@
 
 #include "host/owned.h"
 
-/// A new empty string array, +1, or null.
-_REALarrayString *NewStringArray();
-/// A new object array, +1, or null.
-_REALarrayObject *NewObjectArray(int32_t upperBound = -1);
+/// A new empty string array, or null. Methods that return an array make it before they look for their query or item:
+/// the host is asked in this order, and what they return without one is nil all the same.
+OwnedHost<_REALarrayString> NewStringArray();
+/// A new object array, or null. As above.
+OwnedHost<_REALarrayObject> NewObjectArray(int32_t upperBound = -1);
 
 /// Element `index`, +1, or null. An index outside the array raises "OutOfBoundsException". A host that has to be asked
 /// is asked for the element itself, not for an element function.
-REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index);
+[[nodiscard]] REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index);
 
-// One element read in place where the host allows it, else through the element function of its type. The index is taken
-// to be inside the array. A host without the means gives null or false.
-/// +1 or null.
-REALobjectStruct *ReadArrayObject(_REALarray *array, int32_t index);
-/// +1 or null.
-REALstringStruct *ReadArrayString(_REALarray *array, int32_t index);
+// One element, or null or false where the host has no means to read it. A host that has to be asked is asked for the
+// element function. An index outside the array raises "OutOfBoundsException" and gives null or false.
+OwnedObject ReadArrayObject(_REALarray *array, int32_t index);
+OwnedString ReadArrayString(_REALarray *array, int32_t index);
 bool ReadArrayBoolean(_REALarray *array, int32_t index);
 
 /// Whether the elements lie in a table that is read without a host call.
@@ -32,6 +31,6 @@ void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object
 /// The upper bound, -1 for an empty array, cut off where counting on past it would overflow.
 int32_t UpperBoundOf(_REALarray *array);
 
-/// Whether the index is still inside the array. If not, "OutOfBoundsException" has been raised with the array's present
+/// Whether the index is still inside the array. Otherwise it raises "OutOfBoundsException" with the array's present
 /// size.
-bool CheckArrayIndex(_REALarray *array, int32_t index);
+bool RequireArrayIndex(_REALarray *array, int32_t index);

@@ -1,5 +1,3 @@
-// Building host strings from bytes, and the differences between host ages in doing so. The working encoding of the
-// plugin's strings is UTF-8.
 #include "host/build_string.h"
 
 #include <algorithm>
@@ -17,18 +15,24 @@ bool IsASCII(const UInt8 *bytes, int32_t length) {
 }
 
 OwnedString BuildTagged(const void *bytes, int32_t length, CFStringEncoding encoding) {
-    auto string = OwnedString::Adopt(REALBuildString(bytes, length));
+    auto string = AdoptHost(REALBuildString(bytes, length));
     if (string)
         REALSetStringEncoding(string.Get(), encoding);
     return string;
 }
 
-/// +1, or null. The intermediate string is given up before the caller sees the result, so that an exception of the host
-/// on the way loses neither.
-REALstringStruct *ConvertToUTF8(OwnedString string) {
-    auto converted = OwnedString::Adopt(string ? REALConvertString(string.Get(), kCFStringEncodingUTF8) : nullptr);
+/// The string in the plugin's working encoding, or null. The intermediate string is given up before the caller sees the
+/// result, so that an exception of the host on the way loses neither.
+OwnedString ConvertToUTF8(OwnedString string) {
+    auto converted = AdoptHost(string ? REALConvertString(string.Get(), kCFStringEncodingUTF8) : nullptr);
     Release(string);
-    return converted.Give();
+    return converted;
+}
+
+OwnedString BuildUTF16(const void *bytes, int32_t length) {
+    if (HostBuildsInAnyEncoding())
+        return ConvertToUTF8(AdoptHost(REALBuildStringWithEncoding(bytes, length, kCFStringEncodingUnicode)));
+    return ConvertToUTF8(BuildTagged(bytes, length, kCFStringEncodingUnicode));
 }
 
 bool IsSurrogate(uint32_t codePoint) { return (codePoint & 0xFFFFF800) == 0xD800; }
@@ -55,43 +59,43 @@ int32_t ConvertUTF32(const UInt8 *bytes, int32_t codePoints, UniChar *units) {
     return static_cast<int32_t>(end - units);
 }
 
-REALstringStruct *BuildUTF32OnOldHost(const UInt8 *bytes, int32_t length) {
+OwnedString BuildUTF32OnOldHost(const UInt8 *bytes, int32_t length) {
     constexpr int32_t kShortLength = 800;
     const int32_t codePoints = length / 4;
+    // Every code point may need two units, and a terminator follows.
+    constexpr auto unitsFor = [](int64_t points) { return points * 2 + 1; };
     const auto build = [&](UniChar *units) {
-        const int32_t count = ConvertUTF32(bytes, codePoints, units);
-        return REALBuildUnicodeStringUTF16(units, int64_t{count} * 2);
+        return BuildUTF16(units, ConvertUTF32(bytes, codePoints, units) * static_cast<int32_t>(sizeof(UniChar)));
     };
     if (length < kShortLength) {
-        UniChar units[kShortLength / 4 * 2 + 1];
+        UniChar units[unitsFor(kShortLength / 4)];
         return build(units);
     }
-    // Every code point may need two units, and a terminator follows.
-    const int64_t size = (int64_t{codePoints} * 2 + 1) * static_cast<int64_t>(sizeof(UniChar));
+    const int64_t size = unitsFor(codePoints) * static_cast<int64_t>(sizeof(UniChar));
     if (size > INT32_MAX)
-        return nullptr;
+        return {};
     const auto units = NewZeroedBuffer<UniChar>(static_cast<size_t>(size));
-    return units ? build(units.get()) : nullptr;
+    return units ? build(units.get()) : OwnedString();
 }
 
-REALstringStruct *BuildUTF32(const UInt8 *bytes, int32_t length) {
+OwnedString BuildUTF32(const UInt8 *bytes, int32_t length) {
     if (!HostConvertsUTF32())
         return BuildUTF32OnOldHost(bytes, length);
-    return ConvertToUTF8(OwnedString::Adopt(REALBuildStringWithEncoding(bytes, length, kCFStringEncodingUTF32)));
+    return ConvertToUTF8(AdoptHost(REALBuildStringWithEncoding(bytes, length, kCFStringEncodingUTF32)));
 }
 
-REALstringStruct *Build(const UInt8 *bytes, int32_t length, CFStringEncoding encoding) {
+OwnedString Build(const UInt8 *bytes, int32_t length, CFStringEncoding encoding) {
     switch (encoding) {
     case kCFStringEncodingUnicode:
-        return REALBuildUnicodeStringUTF16(bytes, length);
+        return BuildUTF16(bytes, length);
     case kCFStringEncodingUTF32:
         return BuildUTF32(bytes, length);
     case kCFStringEncodingMacRoman:
     case kCFStringEncodingWindowsLatin1:
     case kHostUnknownEncoding:
-        return BuildTagged(bytes, length, IsASCII(bytes, length) ? kCFStringEncodingASCII : encoding).Give();
+        return BuildTagged(bytes, length, IsASCII(bytes, length) ? kCFStringEncodingASCII : encoding);
     default:
-        return BuildTagged(bytes, length, encoding).Give();
+        return BuildTagged(bytes, length, encoding);
     }
 }
 
@@ -101,7 +105,7 @@ REALstringStruct *REALBuildUnicodeString(const void *bytes, int64_t length, CFSt
     if (!bytes || length < 1 || length > INT32_MAX)
         return nullptr;
     try {
-        return Build(static_cast<const UInt8 *>(bytes), static_cast<int32_t>(length), encoding);
+        return Build(static_cast<const UInt8 *>(bytes), static_cast<int32_t>(length), encoding).Give();
     } catch (...) {
         RaiseCaughtException();
         return nullptr;
@@ -112,9 +116,9 @@ REALstringStruct *REALBuildUnicodeStringUTF16(const void *bytes, int64_t length)
     // Nothing left of a text is still a text: unlike above, the host is asked to build it.
     if (!bytes || length < 0 || length > INT32_MAX)
         return nullptr;
-    const auto byteCount = static_cast<int32_t>(length);
-    if (HostSpeaksCFStrings())
-        return ConvertToUTF8(
-            OwnedString::Adopt(REALBuildStringWithEncoding(bytes, byteCount, kCFStringEncodingUnicode)));
-    return ConvertToUTF8(BuildTagged(bytes, byteCount, kCFStringEncodingUnicode));
+    return BuildUTF16(bytes, static_cast<int32_t>(length)).Give();
+}
+
+OwnedString ASCIIText(const char *text) {
+    return AdoptHost(REALBuildUnicodeString(text, static_cast<int64_t>(std::strlen(text)), kCFStringEncodingASCII));
 }

@@ -5,13 +5,16 @@
 
 #include <cstddef>
 
-#include "host/handles.h"
+#include "host/runtime.h"
 
-/// One word that holds a function of any shape, or null, or kHostStandard.
-using CodeWord = void *;
+/// One word that holds a function of any shape, null, or a number in place of a function.
+union CodeWord {
+    HostCode function;
+    intptr_t number;
+};
 
 /// In place of a property's getter or setter: the host reads or writes the field itself.
-inline const CodeWord kHostStandard = reinterpret_cast<CodeWord>(-1);
+inline constexpr CodeWord kHostStandard = {.number = -1};
 
 /// Pointer and count, two words. Here they are made from the array they describe; registration puts other rows into the
 /// place of these, and the count stays.
@@ -71,7 +74,8 @@ struct REALconstant {
 };
 
 struct REALclassDefinition {
-    int32_t version;
+    /// Registration puts the host's in.
+    int32_t version = kNewestDeclarationLayout;
     const char *name;
     const char *superName;
     uint32_t dataSize;
@@ -128,41 +132,49 @@ constexpr uint32_t kClassFlags = 4;
 /// Added to a method's flags when it stands in a module.
 constexpr uint32_t kModuleMethodFlag = 16;
 
+template <class Result, class... Arguments> constexpr CodeWord CodeOf(Result (*function)(Arguments...)) {
+    return {.function = reinterpret_cast<HostCode>(function)};
+}
+
 /// A method of the class, implemented by a function whose first argument is the instance.
 template <class Result, class... Arguments>
 constexpr REALmethodDefinition Method(const char *declaration, Result (*function)(REALobjectStruct *, Arguments...)) {
-    return {reinterpret_cast<CodeWord>(function), nullptr, declaration, kMethodFlags, 0, nullptr};
+    return {.function = CodeOf(function), .declaration = declaration, .mFlags = kMethodFlags};
 }
 
 /// A method that reads like a property and can be assigned to: both functions speak of the same type.
 template <class Value>
 constexpr REALmethodDefinition Accessors(const char *declaration, Value (*getter)(REALobjectStruct *),
                                          void (*setter)(REALobjectStruct *, Value)) {
-    return {
-        reinterpret_cast<CodeWord>(getter), reinterpret_cast<CodeWord>(setter), declaration, kMethodFlags, 0, nullptr};
+    return {.function = CodeOf(getter),
+            .setterFunction = CodeOf(setter),
+            .declaration = declaration,
+            .mFlags = kMethodFlags};
 }
 
 /// A method without an instance: of the class as a whole, or global.
 template <class Result, class... Arguments>
 constexpr REALmethodDefinition SharedMethod(const char *declaration, Result (*function)(Arguments...)) {
-    return {reinterpret_cast<CodeWord>(function), nullptr, declaration, kMethodFlags, 0, nullptr};
+    return {.function = CodeOf(function), .declaration = declaration, .mFlags = kMethodFlags};
 }
 
-/// A property that the host reads and writes in the plugin data itself. A template, because the cast in kHostStandard
-/// would otherwise bar it from being constexpr.
-template <class Offset> constexpr REALproperty Stored(const char *name, const char *type, Offset offset) {
-    return {nullptr, name,    type, kPropertyFlags, kHostStandard, kHostStandard, static_cast<int32_t>(offset), nullptr,
-            0,       nullptr, 0,    nullptr};
+/// A property that the host reads and writes in the plugin data itself.
+constexpr REALproperty Stored(const char *name, const char *type, size_t offset) {
+    return {.name = name,
+            .type = type,
+            .flags = kPropertyFlags,
+            .getter = kHostStandard,
+            .setter = kHostStandard,
+            .param = static_cast<int32_t>(offset)};
 }
 
 /// A read-only property that a function computes from the instance and a number that is always 0 here.
 template <class Result>
 constexpr REALproperty Computed(const char *name, const char *type, Result (*getter)(REALobjectStruct *, int32_t)) {
-    return {nullptr, name,    type, kPropertyFlags, reinterpret_cast<CodeWord>(getter), nullptr, 0, nullptr,
-            0,       nullptr, 0,    nullptr};
+    return {.name = name, .type = type, .flags = kPropertyFlags, .getter = CodeOf(getter)};
 }
 
-constexpr REALevent Event(const char *declaration) { return {declaration, 0, 0, nullptr}; }
+constexpr REALevent Event(const char *declaration) { return {.declaration = declaration}; }
 
 /// The declaration has the form name=value.
-constexpr REALconstant Constant(const char *declaration) { return {declaration, {}}; }
+constexpr REALconstant Constant(const char *declaration) { return {.declaration = declaration}; }

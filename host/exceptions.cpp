@@ -1,25 +1,17 @@
 #include "host/exceptions.h"
 
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <stdexcept>
 #include <typeinfo>
 
 #include "host/build_string.h"
-#include "host/owned.h"
+#include "host/objects.h"
 #include "host/zeroed_buffer.h"
 
 namespace {
 
 constexpr size_t kRangeMessageSize = 205;
-
-OwnedObject NewException(const char *name) {
-    auto exception = OwnedObject::Adopt(REALnewInstance(name));
-    if (!exception)
-        exception = OwnedObject::Adopt(REALnewInstance("RuntimeException"));
-    return exception;
-}
 
 // What the host throws while a property is set is dropped: the raise goes on without it.
 void SetMessage(REALobjectStruct *exception, REALstringStruct *message) {
@@ -55,12 +47,8 @@ void RaiseCaught(const char *name, const char *message) {
 } // namespace
 
 void RaiseException(const char *name, const char *message, uint32_t, int32_t) {
-    OwnedString text;
-    if (message)
-        text = OwnedString::Adopt(
-            REALBuildUnicodeString(message, static_cast<int64_t>(std::strlen(message)), kCFStringEncodingASCII));
-
-    auto exception = NewException(name);
+    const auto text = message ? ASCIIText(message) : OwnedString();
+    const auto exception = NewInstance(name, "RuntimeException");
     if (!exception)
         return;
     if (text)

@@ -1,6 +1,7 @@
 // One holder for the three kinds of reference the plugin owns: Core Foundation objects, host strings and host objects.
-// Taking a +1 and giving it away are visible words. A bare handle is borrowed, but for the +1 results of functions that
-// say so, which are adopted on the line that calls them.
+// Taking a +1 and giving it away are visible words. A bare handle is borrowed. The one exception are the results of
+// functions whose names the host, the system or the interface fix: where they hand over a +1 they say so, are marked
+// [[nodiscard]] where they are ours, and are adopted on the line that calls them.
 #pragma once
 
 #include <concepts>
@@ -25,11 +26,10 @@ void Drop(Reference reference) noexcept { reinterpret_cast<void (*)(CFTypeRef) n
 template <class Reference, auto &release> class [[nodiscard]] Owned {
 public:
     constexpr Owned() = default;
-    Owned(Owned &&other) noexcept : reference_(std::exchange(other.reference_, nullptr)) {}
-    Owned &operator=(Owned &&other) noexcept {
-        std::swap(reference_, other.reference_);
-        return *this;
-    }
+    Owned(Owned &&other) noexcept : reference_(other.Give()) {}
+    /// Holds the same reference as one of a more general type.
+    template <class Other> Owned(Owned<Other, release> &&other) noexcept : reference_(other.Give()) {}
+    Owned &operator=(Owned &&) = delete;
     ~Owned() {
         if (reference_)
             Drop<release>(reference_);
@@ -57,7 +57,8 @@ private:
     Reference reference_ = nullptr;
 };
 
-/// Gives up what the holders own, in this order.
+/// Gives up what the holders own, in this order, where the order is fixed. What they still own at the end of their
+/// scope goes the other way round.
 template <class... Holders> void Release(Holders &...holders) { (holders.Release(), ...); }
 
 template <class Reference> using OwnedCF = Owned<Reference, CFRelease>;
@@ -65,16 +66,29 @@ using OwnedString = Owned<REALstringStruct *, REALUnlockString>;
 template <class Handle> using OwnedHost = Owned<Handle *, REALUnlockObject>;
 using OwnedObject = OwnedHost<REALobjectStruct>;
 
-// A reference of our own on something borrowed. A host that cannot add one gives none, so that none is given up.
+// Take over a +1 reference; null is allowed.
+template <class Reference> OwnedCF<Reference> AdoptCF(Reference reference) {
+    return OwnedCF<Reference>::Adopt(reference);
+}
+inline OwnedString AdoptHost(REALstringStruct *string) { return OwnedString::Adopt(string); }
+template <class Handle> OwnedHost<Handle> AdoptHost(Handle *object) { return OwnedHost<Handle>::Adopt(object); }
+
+/// A reference of our own on a Core Foundation object that is not null.
+template <class Reference> OwnedCF<Reference> HoldCF(Reference reference) {
+    CFRetain(reference);
+    return AdoptCF(reference);
+}
+
+// A reference of our own on something of the host's. A host that cannot add one gives none, so that none is given up.
 inline OwnedString Hold(REALstringStruct *string) {
     if (!string || !REALLockString)
         return {};
     REALLockString(string);
-    return OwnedString::Adopt(string);
+    return AdoptHost(string);
 }
 inline OwnedObject Hold(REALobjectStruct *object) {
     if (!object || !REALLockObject)
         return {};
     REALLockObject(object);
-    return OwnedObject::Adopt(object);
+    return AdoptHost(object);
 }

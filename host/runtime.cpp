@@ -2,4 +2,4 @@
 
 constinit HostResolver gResolver = nullptr;
 constinit double rbversion = 0.0;
-constinit int32_t CurrentREALControlVersion = 13;
+constinit int32_t CurrentREALControlVersion = kNewestDeclarationLayout;

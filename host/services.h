@@ -80,29 +80,28 @@ inline constinit EntryPoint<int32_t(_REALarray *)> REALGetArrayUBound{"RuntimeUB
 inline constinit EntryPoint<REALstringStruct *(_REALarray *, int32_t index)> REALReadStringArray{
     "RuntimeDirectReadStringArray"};
 
+// The older names serve arrays of every type of element.
+inline constexpr const char *kGetterOfAnyArray = "RuntimeArrayDirectGetGetProc";
+inline constexpr const char *kInserterOfAnyArray = "RuntimeArrayDirectGetInsertProc";
+inline constexpr const char *kSetterOfAnyArray = "RuntimeArrayDirectGetSetProc";
+
 template <class Value> using ArrayGetter = ArrayEntryPoint<Value(_REALarray *, int32_t index)>;
-inline constinit ArrayGetter<int32_t> REALGetArrayValueInteger{"PluginIntegerArrayGetProc",
-                                                               "RuntimeArrayDirectGetGetProc"};
-inline constinit ArrayGetter<HostBoolean> REALGetArrayValueBoolean{"PluginBooleanArrayGetProc",
-                                                                   "RuntimeArrayDirectGetGetProc"};
-inline constinit ArrayGetter<int64_t> REALGetArrayValueInt64{"PluginInt64ArrayGetProc", "RuntimeArrayDirectGetGetProc"};
-inline constinit ArrayGetter<float> REALGetArrayValueSingle{"PluginSingleArrayGetProc", "RuntimeArrayDirectGetGetProc"};
-inline constinit ArrayGetter<double> REALGetArrayValueDouble{"PluginDoubleArrayGetProc",
-                                                             "RuntimeArrayDirectGetGetProc"};
-inline constinit ArrayGetter<REALstringStruct *> REALGetArrayValueString{"PluginStringArrayGetProc",
-                                                                         "RuntimeArrayDirectGetGetProc"};
-inline constinit ArrayGetter<REALobjectStruct *> REALGetArrayValueObject{"PluginObjectArrayGetProc",
-                                                                         "RuntimeArrayDirectGetGetProc"};
+inline constinit ArrayGetter<int32_t> REALGetArrayValueInteger{"PluginIntegerArrayGetProc", kGetterOfAnyArray};
+inline constinit ArrayGetter<HostBoolean> REALGetArrayValueBoolean{"PluginBooleanArrayGetProc", kGetterOfAnyArray};
+inline constinit ArrayGetter<int64_t> REALGetArrayValueInt64{"PluginInt64ArrayGetProc", kGetterOfAnyArray};
+inline constinit ArrayGetter<float> REALGetArrayValueSingle{"PluginSingleArrayGetProc", kGetterOfAnyArray};
+inline constinit ArrayGetter<double> REALGetArrayValueDouble{"PluginDoubleArrayGetProc", kGetterOfAnyArray};
+inline constinit ArrayGetter<REALstringStruct *> REALGetArrayValueString{"PluginStringArrayGetProc", kGetterOfAnyArray};
+inline constinit ArrayGetter<REALobjectStruct *> REALGetArrayValueObject{"PluginObjectArrayGetProc", kGetterOfAnyArray};
 
 template <class Value> using ArrayInserter = ArrayEntryPoint<void(_REALarray *, int32_t index, Value)>;
 inline constinit ArrayInserter<REALstringStruct *> REALInsertArrayValueString{"PluginStringArrayInsertProc",
-                                                                              "RuntimeArrayDirectGetInsertProc"};
+                                                                              kInserterOfAnyArray};
 inline constinit ArrayInserter<REALobjectStruct *> REALInsertArrayValueObject{"PluginObjectArrayInsertProc",
-                                                                              "RuntimeArrayDirectGetInsertProc"};
+                                                                              kInserterOfAnyArray};
 /// Unlike insert and get, set takes the index last.
 template <class Value> using ArraySetter = ArrayEntryPoint<void(_REALarray *, Value, int32_t index)>;
-inline constinit ArraySetter<REALobjectStruct *> REALSetArrayValueObject{"PluginObjectArraySetProc",
-                                                                         "RuntimeArrayDirectGetSetProc"};
+inline constinit ArraySetter<REALobjectStruct *> REALSetArrayValueObject{"PluginObjectArraySetProc", kSetterOfAnyArray};
 
 // Variants. Making one gives +1.
 inline constinit EntryPoint<REALobjectStruct *(REALstringStruct *)> StringToVariant{"StringToVariant"};

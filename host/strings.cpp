@@ -69,7 +69,7 @@ CFStringRef RBString2CFString(REALstringStruct *string) {
     if (encoding == kHostUnknownEncoding)
         return StringFromBytes(string, kCFStringEncodingMacRoman);
 
-    if (HostSpeaksCFStrings())
+    if (HostBuildsInAnyEncoding())
         if (CFStringRef converted = REALGetStringCFString(string, 0))
             return converted;
     // Deliberate: hosts from 2012 on are asked a second time, through a cell of its own; for older ones it is the
@@ -81,16 +81,24 @@ CFStringRef RBString2CFString(REALstringStruct *string) {
     return StringFromBytes(string, encoding);
 }
 
+OwnedCF<CFStringRef> TextOrEmpty(REALstringStruct *string) {
+    auto text = AdoptCF(RBString2CFString(string));
+    return text ? std::move(text) : HoldCF(CFSTR(""));
+}
+
 REALstringStruct *CFString2RBString(CFStringRef string) {
     constexpr CFIndex kShortLength = 99;
+    // More than UTF-8 ever takes.
     constexpr CFIndex kBytesPerUnit = 6;
 
     const CFIndex length = string ? CFStringGetLength(string) : 0;
     if (length <= 0)
         return nullptr;
     if (length <= kShortLength) {
-        char buffer[601] = {};
-        return BuildFromUTF8(string, buffer, 600);
+        // One byte more than the framework is told of, so that a zero always ends the text.
+        constexpr CFIndex kSize = 600;
+        char buffer[kSize + 1] = {};
+        return BuildFromUTF8(string, buffer, kSize);
     }
     if (length > INT32_MAX / kBytesPerUnit)
         return nullptr;

@@ -5,13 +5,16 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include "host/handles.h"
+#include "host/owned.h"
 
 /// The host's own mark for text of unknown encoding. The platform's constant of a similar name is another number.
 constexpr CFStringEncoding kHostUnknownEncoding = 0xFFFF;
 
 /// +1; null for a null string or for bytes that Core Foundation rejects.
 [[nodiscard]] CFStringRef RBString2CFString(REALstringStruct *string);
+
+/// The string, or the constant empty one for a null string or bytes that Core Foundation rejects.
+OwnedCF<CFStringRef> TextOrEmpty(REALstringStruct *string);
 
 /// +1; null for a null or empty string, one without a UTF-8 form, or a host that cannot build it. C++ exceptions of the
 /// host come out as host exceptions.

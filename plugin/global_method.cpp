@@ -16,8 +16,6 @@ REALmethodDefinition SpotlightSharedMethods[] = {
     SharedMethod("ShotlightQTX(searchString as string) as integer", rbHISearchWindowShow),
 };
 
-bool HostTakesModules() { return rbversion >= 2013.0 && rbversion < 3000.0; }
-
 template <class Record> Record *NewZeroed() { return static_cast<Record *>(std::calloc(1, sizeof(Record))); }
 
 /// A module for good: the host keeps the record, its name and its methods. Null when there is no memory.

@@ -10,18 +10,6 @@
 
 namespace {
 
-/// The newest declaration layout that a host of this version understands.
-int32_t DeclarationLayoutOf(double version) {
-    constexpr struct {
-        double since;
-        int32_t layout;
-    } kLayouts[] = {{2013.04, 13}, {2013.03, 12}, {2013.0, 11}, {2012.0, 10}};
-    for (const auto &row : kLayouts)
-        if (version >= row.since)
-            return row.layout;
-    return kOldDeclarationLayout;
-}
-
 void ReadHostVersion() {
     const auto getVersion = reinterpret_cast<double (*)()>(gResolver("REALGetRBVersion"));
     if (getVersion)
@@ -51,6 +39,7 @@ void REALPluginMain(HostResolver resolver) {
     gpartname = "Spotlight";
     gplugin = 1;
     gpluginname = "MacOSX";
+    // Nobody uses the answer; the steps of start-up are kept as they have always been.
     static_cast<void>(pthread_self());
 
     LoadSortFunctions();

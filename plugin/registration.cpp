@@ -70,9 +70,9 @@ REALproperty *FixProperties(const REALproperty *properties, uint32_t count) {
 
 void MyREALRegisterClass(REALclassDefinition &record) {
     record.dataSize = (record.dataSize + 15) & ~uint32_t{15};
-    if (CurrentREALControlVersion > kOldDeclarationLayout)
-        record.version = CurrentREALControlVersion;
-    else
+    if (HostReadsOldRecords())
         ConvertToOldLayout(record);
+    else
+        record.version = CurrentREALControlVersion;
     REALRegisterClass(&record);
 }

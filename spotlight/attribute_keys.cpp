@@ -1,7 +1,5 @@
 #include "spotlight/attribute_keys.h"
 
-#include <cstring>
-
 #include <CoreServices/CoreServices.h>
 
 #include "host/build_string.h"
@@ -9,13 +7,9 @@
 
 namespace {
 
-REALstringStruct *ASCIIText(const char *text) {
-    return REALBuildUnicodeString(text, static_cast<int64_t>(std::strlen(text)), kCFStringEncodingASCII);
-}
-
-/// The address of a constant that is younger than the running system is null.
+/// The address of a constant that the running system lacks is null.
 REALstringStruct *KeyText(const CFStringRef *constant, const char *name) {
-    return constant ? CFString2RBString(*constant) : ASCIIText(name);
+    return constant ? CFString2RBString(*constant) : ASCIIText(name).Give();
 }
 
 } // namespace
@@ -25,4 +19,4 @@ REALstringStruct *KeyText(const CFStringRef *constant, const char *name) {
 #include "spotlight/attribute_keys.def"
 #undef ATTRIBUTE_KEY
 
-REALstringStruct *getkMDItemDateAdded() { return ASCIIText("kMDItemDateAdded"); }
+REALstringStruct *getkMDItemDateAdded() { return ASCIIText("kMDItemDateAdded").Give(); }

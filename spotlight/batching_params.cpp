@@ -6,32 +6,29 @@
 
 namespace {
 
-/// The fields are those of the framework's structure, in its order.
-struct MDQueryBatchingParamsData {
-    int32_t firstMaxNum;
-    int32_t firstMaxMS;
-    int32_t progressMaxNum;
-    int32_t progressMaxMS;
-    int32_t updateMaxNum;
-    int32_t updateMaxMS;
-};
-static_assert(sizeof(MDQueryBatchingParamsData) == 24);
+// The instance data is the framework's own structure: six words in this order, one for each property.
+using Params = MDQueryBatchingParams;
+static_assert(sizeof(Params) == 6 * kWord);
+static_assert(offsetof(Params, first_max_num) == 0 * kWord && offsetof(Params, first_max_ms) == 1 * kWord);
+static_assert(offsetof(Params, progress_max_num) == 2 * kWord && offsetof(Params, progress_max_ms) == 3 * kWord);
+static_assert(offsetof(Params, update_max_num) == 4 * kWord && offsetof(Params, update_max_ms) == 5 * kWord);
+
+Params &ParamsOf(REALobjectStruct *parameters) { return InstanceData<Params>(parameters, MDQueryBatchingParamsClass); }
 
 REALproperty MDQueryBatchingParamsProperties[] = {
-    Stored("firstMaxNum", "Integer", offsetof(MDQueryBatchingParamsData, firstMaxNum)),
-    Stored("firstMaxMS", "Integer", offsetof(MDQueryBatchingParamsData, firstMaxMS)),
-    Stored("progressMaxNum", "Integer", offsetof(MDQueryBatchingParamsData, progressMaxNum)),
-    Stored("progressMaxMS", "Integer", offsetof(MDQueryBatchingParamsData, progressMaxMS)),
-    Stored("updateMaxNum", "Integer", offsetof(MDQueryBatchingParamsData, updateMaxNum)),
-    Stored("updateMaxMS", "Integer", offsetof(MDQueryBatchingParamsData, updateMaxMS)),
+    Stored("firstMaxNum", "Integer", offsetof(Params, first_max_num)),
+    Stored("firstMaxMS", "Integer", offsetof(Params, first_max_ms)),
+    Stored("progressMaxNum", "Integer", offsetof(Params, progress_max_num)),
+    Stored("progressMaxMS", "Integer", offsetof(Params, progress_max_ms)),
+    Stored("updateMaxNum", "Integer", offsetof(Params, update_max_num)),
+    Stored("updateMaxMS", "Integer", offsetof(Params, update_max_ms)),
 };
 
 } // namespace
 
 REALclassDefinition MDQueryBatchingParamsClass = {
-    .version = 13,
     .name = "MDQueryBatchingParamsQTX",
-    .dataSize = sizeof(MDQueryBatchingParamsData),
+    .dataSize = sizeof(Params),
     .properties = MDQueryBatchingParamsProperties,
     .mFlags = kClassFlags,
 };
@@ -40,28 +37,15 @@ REALobjectStruct *rbMDQueryBatchingParams(REALobjectStruct *self) {
     const MDQueryRef query = RequireQuery(self);
     if (!query)
         return nullptr;
-    const MDQueryBatchingParams batching = MDQueryGetBatchingParameters(query);
-    auto parameters = OwnedObject::Adopt(REALnewInstance("MDQueryBatchingParamsQTX"));
+    const Params current = MDQueryGetBatchingParameters(query);
+    auto parameters = AdoptHost(REALnewInstance("MDQueryBatchingParamsQTX"));
     if (parameters)
-        InstanceData<MDQueryBatchingParamsData>(parameters.Get(), MDQueryBatchingParamsClass) = {
-            static_cast<int32_t>(batching.first_max_num),    static_cast<int32_t>(batching.first_max_ms),
-            static_cast<int32_t>(batching.progress_max_num), static_cast<int32_t>(batching.progress_max_ms),
-            static_cast<int32_t>(batching.update_max_num),   static_cast<int32_t>(batching.update_max_ms),
-        };
+        ParamsOf(parameters.Get()) = current;
     return parameters.Give();
 }
 
 void rbMDQuerySetBatchingParameters(REALobjectStruct *self, REALobjectStruct *parameters) {
     const MDQueryRef query = RequireQuery(self);
-    if (!query || !parameters)
-        return;
-    const auto &data = InstanceData<MDQueryBatchingParamsData>(parameters, MDQueryBatchingParamsClass);
-    MDQuerySetBatchingParameters(query, {
-                                            static_cast<size_t>(data.firstMaxNum),
-                                            static_cast<size_t>(data.firstMaxMS),
-                                            static_cast<size_t>(data.progressMaxNum),
-                                            static_cast<size_t>(data.progressMaxMS),
-                                            static_cast<size_t>(data.updateMaxNum),
-                                            static_cast<size_t>(data.updateMaxMS),
-                                        });
+    if (query && parameters)
+        MDQuerySetBatchingParameters(query, ParamsOf(parameters));
 }

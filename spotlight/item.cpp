@@ -28,7 +28,7 @@ MDItemRef RequireItem(REALobjectStruct *self) {
 OwnedObject NewItemObject(MDItemRef item) {
     if (!item)
         return {};
-    auto object = OwnedObject::Adopt(REALnewInstance("MDItemQTX"));
+    auto object = AdoptHost(REALnewInstance("MDItemQTX"));
     if (object) {
         ItemData(object.Get()).Handle = item;
         CFRetain(item);
@@ -37,7 +37,7 @@ OwnedObject NewItemObject(MDItemRef item) {
 }
 
 OwnedHost<_REALarrayObject> ConvertArray(CFArrayRef items) {
-    auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray());
+    auto array = NewObjectArray();
     const CFIndex count = items ? CFArrayGetCount(items) : 0;
     int32_t position = 0;
     for (CFIndex i = 0; i < count; i++) {
@@ -56,7 +56,7 @@ void rbMDItemCreate(REALobjectStruct *self, REALfolderItemStruct *path) {
         RaiseException("NilObjectException", "Folderitem is nil");
         return;
     }
-    auto url = OwnedCF<CFURLRef>::Adopt(CreateCFURLfromFolderItem(path));
+    auto url = AdoptCF(CreateCFURLfromFolderItem(path));
     if (!url) {
         RaiseException("NilObjectException", "Folderitem is invalid");
         return;
@@ -82,10 +82,10 @@ REALobjectStruct *rbMDItemCopyAttribute(REALobjectStruct *self, REALstringStruct
     const MDItemRef item = RequireItem(self);
     if (!item)
         return nullptr;
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+    const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return nullptr;
-    const auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, attribute.Get()));
+    const auto value = AdoptCF(MDItemCopyAttribute(item, attribute.Get()));
     return GetCFTypeAsVariant(value.Get());
 }
 
@@ -93,22 +93,17 @@ REALobjectStruct *rbMDItemCopyAttributes(REALobjectStruct *self, _REALarrayStrin
     const MDItemRef item = RequireItem(self);
     if (!item)
         return nullptr;
-    const auto wanted = OwnedCF<CFMutableArrayRef>::Adopt(NewCFStringArray(names));
+    const auto wanted = AdoptCF(NewCFStringArray(names));
     if (!wanted)
         return nullptr;
-    const auto attributes = OwnedCF<CFDictionaryRef>::Adopt(MDItemCopyAttributes(item, wanted.Get()));
-    return attributes ? NewHostDictionary(attributes.Get()) : nullptr;
+    const auto attributes = AdoptCF(MDItemCopyAttributes(item, wanted.Get()));
+    return attributes ? NewHostDictionary(attributes.Get()).Give() : nullptr;
 }
 
 _REALarrayString *rbMDItemCopyAttributeNames(REALobjectStruct *self) {
-    auto array = OwnedHost<_REALarrayString>::Adopt(NewStringArray());
+    auto array = NewStringArray();
     const MDItemRef item = RequireItem(self);
-    if (!item)
-        return nullptr;
-    const auto names = OwnedCF<CFArrayRef>::Adopt(MDItemCopyAttributeNames(item));
-    if (names)
-        AddStringArray(array.Get(), names.Get());
-    return array.Give();
+    return item ? WithStrings(std::move(array), AdoptCF(MDItemCopyAttributeNames(item))) : nullptr;
 }
 
 // What the typed getters accept, and the type's identifier.
@@ -120,17 +115,17 @@ template <> CFTypeID TypeIDOf<CFArrayRef>() { return CFArrayGetTypeID(); }
 
 /// The named attribute, if the item has it; of another type it raises "RuntimeException" and counts as absent.
 template <class Reference> OwnedCF<Reference> CopyTyped(MDItemRef item, REALstringStruct *name) {
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+    const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return {};
-    auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, attribute.Get()));
+    auto value = AdoptCF(MDItemCopyAttribute(item, attribute.Get()));
     if (!value)
         return {};
     if (CFGetTypeID(value.Get()) != TypeIDOf<Reference>()) {
         RaiseException("RuntimeException", "Wrong type used for getting attribute value.");
         return {};
     }
-    return OwnedCF<Reference>::Adopt(static_cast<Reference>(value.Give()));
+    return AdoptCF(static_cast<Reference>(value.Give()));
 }
 
 /// The named string, untested for its type: these attributes are strings on every system.
@@ -139,7 +134,7 @@ REALstringStruct *CopyStringProperty(REALobjectStruct *self, CFStringRef key) {
     const MDItemRef item = ItemData(self).Handle;
     if (!item)
         return nullptr;
-    const auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, key));
+    const auto value = AdoptCF(MDItemCopyAttribute(item, key));
     return CFString2RBString(static_cast<CFStringRef>(value.Get()));
 }
 
@@ -167,13 +162,9 @@ double rbMDItemCopyAttributeDouble(REALobjectStruct *self, REALstringStruct *nam
 }
 
 _REALarrayString *rbMDItemCopyAttributeStringArray(REALobjectStruct *self, REALstringStruct *name) {
-    auto array = OwnedHost<_REALarrayString>::Adopt(NewStringArray());
+    auto array = NewStringArray();
     const MDItemRef item = RequireItem(self);
-    if (!item)
-        return nullptr;
-    if (const auto values = CopyTyped<CFArrayRef>(item, name))
-        AddStringArray(array.Get(), values.Get());
-    return array.Give();
+    return item ? WithStrings(std::move(array), CopyTyped<CFArrayRef>(item, name)) : nullptr;
 }
 
 // Computed properties. Without an item the three strings are silently empty; only the size raises.
@@ -192,7 +183,7 @@ int64_t querykMDItemFSSize(REALobjectStruct *self, int32_t) {
     const MDItemRef item = RequireItem(self);
     if (!item)
         return 0;
-    const auto value = OwnedCF<CFTypeRef>::Adopt(MDItemCopyAttribute(item, kMDItemFSSize));
+    const auto value = AdoptCF(MDItemCopyAttribute(item, kMDItemFSSize));
     int64_t size = 0;
     const auto number = static_cast<CFNumberRef>(value.Get());
     return number && CFNumberGetValue(number, kCFNumberSInt64Type, &size) ? size : 0;
@@ -235,7 +226,6 @@ REALmethodDefinition MDItemSharedMethods[] = {
 } // namespace
 
 REALclassDefinition MDItemClass = {
-    .version = 13,
     .name = "MDItemQTX",
     .dataSize = sizeof(MDItemData),
     .destructor = MDItemDestructor,
@@ -247,5 +237,5 @@ REALclassDefinition MDItemClass = {
 
 const REALclassDefinition *const kRootClass = &MDItemClass;
 
-static_assert(std::size(MDItemMethods) == 8 && std::size(MDItemSharedMethods) == 174);
+static_assert(std::size(MDItemMethods) == 8);
 static_assert(sizeof(MDItemData) == 8);

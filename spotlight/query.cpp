@@ -67,28 +67,22 @@ REALstringStruct *rbMDQueryCopyQueryString(REALobjectStruct *self) {
     const MDQueryRef query = RequireQuery(self);
     if (!query)
         return nullptr;
-    const auto text = OwnedCF<CFStringRef>::Adopt(MDQueryCopyQueryString(query));
+    const auto text = AdoptCF(MDQueryCopyQueryString(query));
     return CFString2RBString(text.Get());
 }
 
-/// The array is made before the query is looked for; without a query nil is returned all the same.
-_REALarrayString *CopyAttributeNames(REALobjectStruct *self, CFArrayRef (*copyNames)(MDQueryRef)) {
-    auto array = OwnedHost<_REALarrayString>::Adopt(NewStringArray());
+template <CFArrayRef (*copyNames)(MDQueryRef)> _REALarrayString *CopyAttributeNames(REALobjectStruct *self) {
+    auto array = NewStringArray();
     const MDQueryRef query = RequireQuery(self);
-    if (!query)
-        return nullptr;
-    const auto names = OwnedCF<CFArrayRef>::Adopt(copyNames(query));
-    if (names)
-        AddStringArray(array.Get(), names.Get());
-    return array.Give();
+    return query ? WithStrings(std::move(array), AdoptCF(copyNames(query))) : nullptr;
 }
 
 _REALarrayString *rbMDQueryCopyValueListAttributes(REALobjectStruct *self) {
-    return CopyAttributeNames(self, [](MDQueryRef query) { return MDQueryCopyValueListAttributes(query); });
+    return CopyAttributeNames<MDQueryCopyValueListAttributes>(self);
 }
 
 _REALarrayString *rbMDQueryCopySortingAttributes(REALobjectStruct *self) {
-    return CopyAttributeNames(self, [](MDQueryRef query) { return MDQueryCopySortingAttributes(query); });
+    return CopyAttributeNames<MDQueryCopySortingAttributes>(self);
 }
 
 // Results.
@@ -102,7 +96,7 @@ REALobjectStruct *rbMDQueryGetResultAtIndex(REALobjectStruct *self, int32_t inde
 }
 
 _REALarrayObject *rbMDQueryGetResultArray(REALobjectStruct *self, int32_t limit) {
-    auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray());
+    auto array = NewObjectArray();
     const MDQueryRef query = RequireQuery(self);
     if (!query)
         return nullptr;
@@ -127,8 +121,8 @@ uint32_t rbMDQueryGetCountOfResultsWithAttributeValue(REALobjectStruct *self, RE
     const MDQueryRef query = RequireQuery(self);
     if (!query)
         return 0;
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
-    const auto wanted = OwnedCF<CFTypeRef>::Adopt(CopyVariantAsCFType(value));
+    const auto attribute = AdoptCF(RBString2CFString(name));
+    const auto wanted = AdoptCF(CopyVariantAsCFType(value));
     if (!attribute || !wanted)
         return 0;
     return static_cast<uint32_t>(MDQueryGetCountOfResultsWithAttributeValue(query, attribute.Get(), wanted.Get()));
@@ -139,7 +133,7 @@ REALobjectStruct *rbMDQueryGetAttributeValueOfResultAtIndex(REALobjectStruct *se
     const MDQueryRef query = RequireQuery(self);
     if (!query)
         return nullptr;
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+    const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return nullptr;
     return GetCFTypeAsVariant(
@@ -147,21 +141,21 @@ REALobjectStruct *rbMDQueryGetAttributeValueOfResultAtIndex(REALobjectStruct *se
 }
 
 _REALarrayObject *rbMDQueryCopyValuesOfAttribute(REALobjectStruct *self, REALstringStruct *name) {
-    auto array = OwnedHost<_REALarrayObject>::Adopt(NewObjectArray());
+    auto array = NewObjectArray();
     const MDQueryRef query = RequireQuery(self);
     if (!query)
         return nullptr;
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+    const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return array.Give();
-    const auto values = OwnedCF<CFArrayRef>::Adopt(MDQueryCopyValuesOfAttribute(query, attribute.Get()));
+    const auto values = AdoptCF(MDQueryCopyValuesOfAttribute(query, attribute.Get()));
     const CFIndex count = values ? CFArrayGetCount(values.Get()) : 0;
     int32_t position = 0;
     for (CFIndex i = 0; i < count; i++) {
         const CFTypeRef value = CFArrayGetValueAtIndex(values.Get(), i);
         if (!value)
             continue;
-        const auto variant = OwnedObject::Adopt(GetCFTypeAsVariant(value));
+        const auto variant = AdoptHost(GetCFTypeAsVariant(value));
         REALInsertArrayValueObject(array.Get(), position++, variant.Get());
     }
     return array.Give();
@@ -218,14 +212,13 @@ REALconstant MDQueryConstants[] = {
 
 } // namespace
 
-REALevent MDQueryEvents[3] = {
+REALevent MDQueryEvents[kQueryEvents] = {
     Event("Progress(AddedItems() as MDItemQTX, ChangedItems() as MDItemQTX, RemovedItems() as MDItemQTX)"),
     Event("Finish()"),
     Event("Update(AddedItems() as MDItemQTX, ChangedItems() as MDItemQTX, RemovedItems() as MDItemQTX)"),
 };
 
 REALclassDefinition MDQueryClass = {
-    .version = 13,
     .name = "MDQueryQTX",
     .dataSize = sizeof(MDQueryData),
     .destructor = MDQueryDestructor,

@@ -13,8 +13,9 @@ struct MDQueryData {
     REALobjectStruct *Tag;
 };
 
-/// In this order: Progress, Finish, Update.
-extern REALevent MDQueryEvents[3];
+/// The events in the order of their declaration, by which notifications address them.
+enum QueryEvent { kProgress, kFinish, kUpdate, kQueryEvents };
+extern REALevent MDQueryEvents[kQueryEvents];
 
 inline MDQueryData &QueryData(REALobjectStruct *query) { return InstanceData<MDQueryData>(query, MDQueryClass); }
 

@@ -7,57 +7,47 @@
 
 namespace {
 
-enum EventIndex { kProgress, kFinish, kUpdate };
-
-struct Notification {
-    const CFStringRef *name;
-    EventIndex event;
-};
-
 /// Which event a notification raises, told by the content of its name; null for a name that is none of the three.
 const REALevent *EventOf(CFStringRef name) {
-    const Notification notifications[] = {
-        {&kMDQueryProgressNotification, kProgress},
-        {&kMDQueryDidFinishNotification, kFinish},
-        {&kMDQueryDidUpdateNotification, kUpdate},
+    const struct {
+        CFStringRef notification;
+        QueryEvent event;
+    } rows[] = {
+        {kMDQueryProgressNotification, kProgress},
+        {kMDQueryDidFinishNotification, kFinish},
+        {kMDQueryDidUpdateNotification, kUpdate},
     };
-    for (const Notification &notification : notifications)
-        if (CFStringCompare(name, *notification.name, 0) == kCFCompareEqualTo)
-            return &MDQueryEvents[notification.event];
+    for (const auto &row : rows)
+        if (CFStringCompare(name, row.notification, 0) == kCFCompareEqualTo)
+            return &MDQueryEvents[row.event];
     return nullptr;
 }
 
 /// What host code attached to an event of an object, or null. An old host knows the event by the copy that it was
 /// given, to which the record points; an event without a copy is unknown to it.
 HostCode HandlerOf(REALobjectStruct *self, const REALevent &event) {
-    if (CurrentREALControlVersion != kOldDeclarationLayout)
+    if (!HostReadsOldRecords())
         return REALGetEventInstance(self, event.forSystemUse);
     const auto *copy = reinterpret_cast<const OldREALevent *>(event.forSystemUse);
     return copy ? REALGetEventInstance(self, copy->forSystemUse) : nullptr;
 }
 
-OwnedCF<CFArrayRef> RetainedItems(CFDictionaryRef userInfo, CFStringRef key) {
-    const void *items = userInfo ? CFDictionaryGetValue(userInfo, key) : nullptr;
-    if (items)
-        CFRetain(items);
-    return OwnedCF<CFArrayRef>::Adopt(static_cast<CFArrayRef>(items));
+OwnedCF<CFArrayRef> HoldItems(CFDictionaryRef userInfo, CFStringRef key) {
+    const auto items = static_cast<CFArrayRef>(userInfo ? CFDictionaryGetValue(userInfo, key) : nullptr);
+    return items ? HoldCF(items) : OwnedCF<CFArrayRef>();
 }
 
 void CallWithItems(REALobjectStruct *self, HostCode handler, CFDictionaryRef userInfo) {
     using Handler = void (*)(REALobjectStruct *, _REALarray * added, _REALarray * changed, _REALarray * removed);
 
-    // Converted in the order added, changed, removed, and released in the same order: holders are declared the other
-    // way round.
-    OwnedCF<CFArrayRef> removed, changed, added;
-    added = RetainedItems(userInfo, kMDQueryUpdateAddedItems);
-    changed = RetainedItems(userInfo, kMDQueryUpdateChangedItems);
-    removed = RetainedItems(userInfo, kMDQueryUpdateRemovedItems);
-
-    OwnedHost<_REALarrayObject> hostRemoved, hostChanged, hostAdded;
-    hostAdded = ConvertArray(added.Get());
-    hostChanged = ConvertArray(changed.Get());
-    hostRemoved = ConvertArray(removed.Get());
+    auto added = HoldItems(userInfo, kMDQueryUpdateAddedItems);
+    auto changed = HoldItems(userInfo, kMDQueryUpdateChangedItems);
+    auto removed = HoldItems(userInfo, kMDQueryUpdateRemovedItems);
+    auto hostAdded = ConvertArray(added.Get());
+    auto hostChanged = ConvertArray(changed.Get());
+    auto hostRemoved = ConvertArray(removed.Get());
     reinterpret_cast<Handler>(handler)(self, hostAdded.Get(), hostChanged.Get(), hostRemoved.Get());
+    Release(hostAdded, hostChanged, hostRemoved, added, changed, removed);
 }
 
 } // namespace

@@ -22,18 +22,16 @@ void ObserveQuery(REALobjectStruct *self, MDQueryRef query) {
 template <class Create>
 void ConstructQuery(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,
                     _REALarrayString *sortingAttributes, Create create) {
-    const auto text = OwnedCF<CFStringRef>::Adopt(RBString2CFString(queryString));
+    auto text = AdoptCF(RBString2CFString(queryString));
     if (!text)
         return;
-    // The sorting attributes are converted first and released first.
-    OwnedCF<CFMutableArrayRef> valueList;
-    const auto sorting = OwnedCF<CFMutableArrayRef>::Adopt(NewCFStringArray(sortingAttributes));
-    valueList = OwnedCF<CFMutableArrayRef>::Adopt(NewCFStringArray(valueListAttributes));
-
+    auto sorting = AdoptCF(NewCFStringArray(sortingAttributes));
+    auto valueList = AdoptCF(NewCFStringArray(valueListAttributes));
     const MDQueryRef query = create(text.Get(), valueList.Get(), sorting.Get());
     QueryData(self).Handle = query;
     if (query)
         ObserveQuery(self, query);
+    Release(sorting, valueList, text);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "spotlight/schema.h"
 
-#include <cstring>
-
 #include <CoreServices/CoreServices.h>
 
 #include "convert/string_arrays.h"
@@ -11,19 +9,19 @@
 
 namespace {
 
-REALstringStruct *CopyText(REALstringStruct *name, CFStringRef (*copyText)(CFStringRef attribute)) {
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+template <CFStringRef (*copyText)(CFStringRef attribute)> REALstringStruct *CopyText(REALstringStruct *name) {
+    const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return nullptr;
-    const auto text = OwnedCF<CFStringRef>::Adopt(copyText(attribute.Get()));
+    const auto text = AdoptCF(copyText(attribute.Get()));
     return CFString2RBString(text.Get());
 }
 
 OwnedCF<CFDictionaryRef> CopyMetaAttributes(REALstringStruct *name) {
-    const auto attribute = OwnedCF<CFStringRef>::Adopt(RBString2CFString(name));
+    const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return {};
-    return OwnedCF<CFDictionaryRef>::Adopt(MDSchemaCopyMetaAttributesForAttribute(attribute.Get()));
+    return AdoptCF(MDSchemaCopyMetaAttributesForAttribute(attribute.Get()));
 }
 
 /// The types that have a name for host programs, in the order in which they are tried.
@@ -44,19 +42,15 @@ const char *NameOfType(CFTypeID type) {
 } // namespace
 
 REALstringStruct *rbMDSchemaCopyDisplayNameForAttribute(REALstringStruct *name) {
-    return CopyText(name, [](CFStringRef attribute) { return MDSchemaCopyDisplayNameForAttribute(attribute); });
+    return CopyText<MDSchemaCopyDisplayNameForAttribute>(name);
 }
 
 REALstringStruct *rbMDSchemaCopyDisplayDescriptionForAttribute(REALstringStruct *name) {
-    return CopyText(name, [](CFStringRef attribute) { return MDSchemaCopyDisplayDescriptionForAttribute(attribute); });
+    return CopyText<MDSchemaCopyDisplayDescriptionForAttribute>(name);
 }
 
 _REALarrayString *rbMDSchemaCopyAllAttributes() {
-    auto array = OwnedHost<_REALarrayString>::Adopt(NewStringArray());
-    const auto attributes = OwnedCF<CFArrayRef>::Adopt(MDSchemaCopyAllAttributes());
-    if (attributes)
-        AddStringArray(array.Get(), attributes.Get());
-    return array.Give();
+    return WithStrings(NewStringArray(), AdoptCF(MDSchemaCopyAllAttributes()));
 }
 
 REALstringStruct *GetAttributeType(REALstringStruct *name) {
@@ -66,9 +60,7 @@ REALstringStruct *GetAttributeType(REALstringStruct *name) {
     if (!value || !CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberIntType, &type))
         return nullptr;
     const char *typeName = NameOfType(static_cast<CFTypeID>(type));
-    if (!typeName)
-        return nullptr;
-    return REALBuildUnicodeString(typeName, static_cast<int64_t>(std::strlen(typeName)), kCFStringEncodingASCII);
+    return typeName ? ASCIIText(typeName).Give() : nullptr;
 }
 
 bool GetAttributeMultiValued(REALstringStruct *name) {

@@ -11,9 +11,7 @@ namespace {
 /// The scope's entries. The framework's array would grow; the limit is the plugin's own.
 class Scope {
 public:
-    Scope()
-        : entries_(OwnedCF<CFMutableArrayRef>::Adopt(
-              CFArrayCreateMutable(kCFAllocatorDefault, kMaximum, &kCFTypeArrayCallBacks))) {}
+    Scope() : entries_(AdoptCF(CFArrayCreateMutable(kCFAllocatorDefault, kMaximum, &kCFTypeArrayCallBacks))) {}
 
     /// An entry beyond the limit raises "OutOfBoundsException" and is left out.
     void Append(CFTypeRef entry) {
@@ -37,11 +35,8 @@ private:
 void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
     const int32_t upperBound = paths ? UpperBoundOf(paths) : -1;
     for (int32_t i = 0; i <= upperBound; i++) {
-        if (!CheckArrayIndex(paths, i))
-            continue;
-        const auto folder = OwnedObject::Adopt(ReadArrayObject(paths, i));
-        const auto url =
-            OwnedCF<CFURLRef>::Adopt(CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(folder.Get())));
+        const auto folder = ReadArrayObject(paths, i);
+        const auto url = AdoptCF(CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(folder.Get())));
         if (url)
             scope.Append(url.Get());
     }
@@ -50,8 +45,8 @@ void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
 void AppendNames(Scope &scope, _REALarrayString *options) {
     const int32_t upperBound = options ? UpperBoundOf(options) : -1;
     for (int32_t i = 0; i <= upperBound; i++) {
-        const auto option = OwnedString::Adopt(REALGetArrayString(options, i));
-        const auto name = OwnedCF<CFStringRef>::Adopt(RBString2CFString(option.Get()));
+        const auto option = AdoptHost(REALGetArrayString(options, i));
+        const auto name = AdoptCF(RBString2CFString(option.Get()));
         if (name)
             scope.Append(name.Get());
     }

@@ -6,6 +6,6 @@
 #include "host/strings.h"
 
 int32_t rbHISearchWindowShow(REALstringStruct *searchString) {
-    const auto text = OwnedCF<CFStringRef>::Adopt(RBString2CFString(searchString));
+    const auto text = AdoptCF(RBString2CFString(searchString));
     return static_cast<int32_t>(HISearchWindowShow(text.Get(), 0));
 }

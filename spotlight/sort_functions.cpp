@@ -22,14 +22,14 @@ CFBundleRef LoadCoreServices() {
     FSRef folder;
     if (FSFindFolder(kFolderDomain, kFrameworksFolderType, true, &folder) != noErr)
         return nullptr;
-    const auto folderURL = OwnedCF<CFURLRef>::Adopt(CFURLCreateFromFSRef(kCFAllocatorSystemDefault, &folder));
+    const auto folderURL = AdoptCF(CFURLCreateFromFSRef(kCFAllocatorSystemDefault, &folder));
     if (!folderURL)
         return nullptr;
-    const auto frameworkURL = OwnedCF<CFURLRef>::Adopt(CFURLCreateCopyAppendingPathComponent(
-        kCFAllocatorSystemDefault, folderURL.Get(), CFSTR("CoreServices.framework"), false));
+    const auto frameworkURL = AdoptCF(CFURLCreateCopyAppendingPathComponent(kCFAllocatorSystemDefault, folderURL.Get(),
+                                                                            CFSTR("CoreServices.framework"), false));
     if (!frameworkURL)
         return nullptr;
-    auto bundle = OwnedCF<CFBundleRef>::Adopt(CFBundleCreate(kCFAllocatorSystemDefault, frameworkURL.Get()));
+    auto bundle = AdoptCF(CFBundleCreate(kCFAllocatorSystemDefault, frameworkURL.Get()));
     return bundle && CFBundleLoadExecutable(bundle.Get()) ? bundle.Give() : nullptr;
 }
 
@@ -54,7 +54,7 @@ int32_t rbMDQueryGetSortOptionFlagsForAttribute(REALobjectStruct *self, REALstri
     const MDQueryRef query = RequireQuery(self);
     if (!query || !myMDQueryGetSortOptionFlagsForAttribute)
         return 0;
-    const auto name = OwnedCF<CFStringRef>::Adopt(RBString2CFString(fieldName));
+    const auto name = AdoptCF(RBString2CFString(fieldName));
     return name ? static_cast<int32_t>(myMDQueryGetSortOptionFlagsForAttribute(query, name.Get())) : 0;
 }
 
@@ -63,7 +63,7 @@ bool rbMDQuerySetSortOptionFlagsForAttribute(REALobjectStruct *self, REALstringS
     // Deliberate: the setter's presence is told by the getter's.
     if (!query || !myMDQueryGetSortOptionFlagsForAttribute)
         return false;
-    const auto name = OwnedCF<CFStringRef>::Adopt(RBString2CFString(fieldName));
+    const auto name = AdoptCF(RBString2CFString(fieldName));
     return name && myMDQuerySetSortOptionFlagsForAttribute(query, name.Get(), flags);
 }
 
@@ -71,6 +71,6 @@ bool rbMDQuerySetSortOrder(REALobjectStruct *self, _REALarrayString *sortingAttr
     const MDQueryRef query = RequireQuery(self);
     if (!query || !myMDQuerySetSortOrder)
         return false;
-    const auto names = OwnedCF<CFMutableArrayRef>::Adopt(NewCFStringArray(sortingAttributes));
+    const auto names = AdoptCF(NewCFStringArray(sortingAttributes));
     return names && myMDQuerySetSortOrder(query, names.Get());
 }

@@ -80,7 +80,7 @@ TEST_CASE("The dictionary cache is empty before and after every fill") {
     const auto pairs = TwoPairs();
     CHECK(LastDictionary == nullptr);
     for (int fill = 1; fill <= 2; fill++) {
-        CHECK(NewHostDictionary(pairs.Get()) == kDictionary);
+        CHECK(NewHostDictionary(pairs.Get()).Give() == kDictionary);
         CHECK(LastDictionary == nullptr);
         CHECK(stored == 2 * fill);
         CHECK(loaded.size() == kGroup.size() * static_cast<size_t>(fill));
@@ -90,7 +90,7 @@ TEST_CASE("The dictionary cache is empty before and after every fill") {
 TEST_CASE("The dictionary cache is empty after a fill whose methods were not found, and they were asked for once") {
     const DictionaryHost host;
     hasMethods = false;
-    CHECK(NewHostDictionary(TwoPairs().Get()) == kDictionary);
+    CHECK(NewHostDictionary(TwoPairs().Get()).Give() == kDictionary);
     CHECK(LastDictionary == nullptr);
     CHECK((LastDictionarySetter == nullptr));
     CHECK(loaded == kGroup);
