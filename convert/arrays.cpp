@@ -20,8 +20,10 @@ OwnedCF<CFTypeRef> DateAt(_REALarray *array, int32_t index) {
 }
 
 OwnedCF<CFTypeRef> StringAt(_REALarray *array, int32_t index) {
-    const auto string = ReadArrayString(array, index);
-    return TextOrEmpty(string.Get());
+    auto string = ReadArrayString(array, index);
+    auto text = TextOrEmpty(string.Get());
+    Release(string);
+    return text;
 }
 
 OwnedCF<CFTypeRef> VariantAt(_REALarray *array, int32_t index) {
@@ -46,7 +48,7 @@ template <class ElementAt> OwnedCF<CFMutableArrayRef> CopyElements(_REALarray *a
 }
 
 template <auto elementAt> OwnedCF<CFMutableArrayRef> CopyEach(_REALarray *array) {
-    return CopyElements(array, elementAt);
+    return CopyElements(array, [](_REALarray *elements, int32_t index) { return elementAt(elements, index); });
 }
 
 // Deliberate: the numbers of the list are not those of the host array. The element getter, where the elements do not

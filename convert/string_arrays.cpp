@@ -12,9 +12,10 @@ CFMutableArrayRef NewCFStringArray(_REALarrayString *array) {
     if (!strings)
         return nullptr;
     for (int32_t i = 0; i <= upperBound; i++) {
-        const auto string = AdoptHost(REALGetArrayString(array, i));
-        const auto text = TextOrEmpty(string.Get());
+        auto string = AdoptHost(REALGetArrayString(array, i));
+        auto text = TextOrEmpty(string.Get());
         CFArrayAppendValue(strings.Get(), text.Get());
+        Release(text, string);
     }
     return strings.Give();
 }

@@ -1,8 +1,8 @@
 #include "host/entry_point.h"
 
-HostCode ResolveEntryPoint(const char *name, const char *olderName) {
-    HostCode found = gResolver(name);
-    if (!found && olderName)
-        found = gResolver(olderName);
-    return found;
+HostCode ServiceCell::Ask() {
+    address_ = gResolver(name_);
+    if (!address_ && olderName_)
+        address_ = gResolver(olderName_);
+    return address_;
 }

@@ -5,8 +5,27 @@
 
 #include "host/runtime.h"
 
-/// The address of a host service by name, or by its older name; null when the host has neither.
-HostCode ResolveEntryPoint(const char *name, const char *olderName);
+/// Where a host service is, whatever its shape: looked for by name, then by its older name, until it is found.
+class ServiceCell {
+public:
+    constexpr ServiceCell(const char *name, const char *olderName) : name_(name), olderName_(olderName) {}
+    ServiceCell(const ServiceCell &) = delete;
+    ServiceCell &operator=(const ServiceCell &) = delete;
+
+    /// The address of the service; null when the host has it by neither name.
+    HostCode Find() {
+        if (address_) [[likely]]
+            return address_;
+        return Ask();
+    }
+
+private:
+    HostCode Ask();
+
+    const char *name_;
+    const char *olderName_;
+    HostCode address_ = nullptr;
+};
 
 template <class Signature> class EntryPoint;
 
@@ -14,29 +33,19 @@ template <class Result, class... Arguments> class EntryPoint<Result(Arguments...
 public:
     using Function = Result (*)(Arguments...);
 
-    constexpr explicit EntryPoint(const char *name, const char *olderName = nullptr)
-        : name_(name), olderName_(olderName) {}
-    EntryPoint(const EntryPoint &) = delete;
-    EntryPoint &operator=(const EntryPoint &) = delete;
+    constexpr explicit EntryPoint(const char *name, const char *olderName = nullptr) : cell_(name, olderName) {}
 
-    /// Whether the host has the service.
-    explicit operator bool() { return Resolve() != nullptr; }
+    /// The service itself, or null when the host lacks it.
+    Function Find() { return reinterpret_cast<Function>(cell_.Find()); }
+    explicit operator bool() { return Find() != nullptr; }
 
     Result operator()(Arguments... arguments) {
-        const Function function = Resolve();
+        const Function function = Find();
         return function ? function(arguments...) : Result();
     }
 
 private:
-    Function Resolve() {
-        if (!cell_) [[unlikely]]
-            cell_ = reinterpret_cast<Function>(ResolveEntryPoint(name_, olderName_));
-        return cell_;
-    }
-
-    const char *name_;
-    const char *olderName_;
-    Function cell_ = nullptr;
+    ServiceCell cell_;
 };
 
 template <class Signature> class ArrayEntryPoint;

@@ -81,14 +81,16 @@ template <class Reference> OwnedCF<Reference> HoldCF(Reference reference) {
 
 // A reference of our own on something of the host's. A host that cannot add one gives none, so that none is given up.
 inline OwnedString Hold(REALstringStruct *string) {
-    if (!string || !REALLockString)
+    const auto lock = string ? REALLockString.Find() : nullptr;
+    if (!lock)
         return {};
-    REALLockString(string);
+    lock(string);
     return AdoptHost(string);
 }
 inline OwnedObject Hold(REALobjectStruct *object) {
-    if (!object || !REALLockObject)
+    const auto lock = object ? REALLockObject.Find() : nullptr;
+    if (!lock)
         return {};
-    REALLockObject(object);
+    lock(object);
     return AdoptHost(object);
 }

@@ -81,11 +81,6 @@ CFStringRef RBString2CFString(REALstringStruct *string) {
     return StringFromBytes(string, encoding);
 }
 
-OwnedCF<CFStringRef> TextOrEmpty(REALstringStruct *string) {
-    auto text = AdoptCF(RBString2CFString(string));
-    return text ? std::move(text) : HoldCF(CFSTR(""));
-}
-
 REALstringStruct *CFString2RBString(CFStringRef string) {
     constexpr CFIndex kShortLength = 99;
     // More than UTF-8 ever takes.

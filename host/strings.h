@@ -14,7 +14,10 @@ constexpr CFStringEncoding kHostUnknownEncoding = 0xFFFF;
 [[nodiscard]] CFStringRef RBString2CFString(REALstringStruct *string);
 
 /// The string, or the constant empty one for a null string or bytes that Core Foundation rejects.
-OwnedCF<CFStringRef> TextOrEmpty(REALstringStruct *string);
+inline OwnedCF<CFStringRef> TextOrEmpty(REALstringStruct *string) {
+    auto text = AdoptCF(RBString2CFString(string));
+    return text ? std::move(text) : HoldCF(CFSTR(""));
+}
 
 /// +1; null for a null or empty string, one without a UTF-8 form, or a host that cannot build it. C++ exceptions of the
 /// host come out as host exceptions.
