@@ -1,0 +1,115 @@
+"""./dev on machines that lack something: packages, rights, room, or a tree that can be written to. Each gets one clear
+sentence, and what changes the machine is said before it is done.
+
+The tree is a copy of the script and its two tables. What the script asks the machine is answered by small stand-ins of
+the system's own programs.
+"""
+
+from __future__ import annotations
+
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+_TREE = Path(os.environ["SOURCE_TREE"])
+_WITHOUT_RIGHTS = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.getuid() == 0 else []
+
+
+class Machines(unittest.TestCase):
+    def setUp(self) -> None:
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.tree = Path(temporary.name).resolve() / "tree"
+        self.tools = self.tree.parent / "tools"
+        self.tools.mkdir()
+        self.calls = self.tree.parent / "calls"
+        self.calls.touch()
+        (self.tree / "simulator" / "cli").mkdir(parents=True)
+        for folder in ("plugin", "host", "convert", "spotlight", "platform"):
+            (self.tree / folder).mkdir()
+        for place in ("dev.packages", "dev.commands", "simulator/cli/help.txt"):
+            shutil.copy(_TREE / place, self.tree / place)
+        script = (_TREE / "dev").read_text("utf-8")
+        self.assertIn("export PATH=/usr/sbin:", script)
+        (self.tree / "dev").write_text(script.replace("export PATH=", f"export PATH={self.tools}:"), "utf-8")
+        (self.tree / "dev").chmod(0o755)
+
+    def _tool(self, name: str, script: str) -> None:
+        """A stand-in that notes its call and does what the script says."""
+        path = self.tools / name
+        path.write_text(f'#!/bin/bash\necho "{name} $*" >>"{self.calls}"\n{script}\n', "utf-8")
+        path.chmod(0o755)
+
+    def _lacks_packages(self, uid: int) -> None:
+        self._tool("dpkg-query", "")
+        self._tool("dpkg", "[[ $1 != --print-architecture ]] || echo amd64")
+        self._tool("apt-get", "exit 1")
+        self._tool("id", f"echo {uid}")
+        self._tool("sudo", "exit 1")
+
+    def _dev(self, *words: str, rights: bool = True) -> subprocess.CompletedProcess[str]:
+        command = [*([] if rights else _WITHOUT_RIGHTS), str(self.tree / "dev"), *words]
+        return subprocess.run(command, cwd="/", stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
+
+    def test_adding_an_architecture_is_said_before_it_is_done(self) -> None:
+        self._lacks_packages(uid=0)
+        # Whatever the script says, it says before this stand-in is called.
+        self._tool("dpkg", '[[ $1 != --print-architecture ]] || echo amd64; [[ $1 != --add-* ]] || kill "$PPID"')
+        ran = self._dev("run", "--once")
+        self.assertIn("dev: adding the i386 architecture to dpkg, for 32-bit packages", ran.stderr)
+        self.assertIn("dpkg --add-architecture i386\n", self.calls.read_text("utf-8"))
+        self.assertNotIn("apt-get", self.calls.read_text("utf-8"))
+
+    def test_packages_that_cannot_be_installed_are_named(self) -> None:
+        self._lacks_packages(uid=0)
+        ran = self._dev("build")
+        self.assertEqual(ran.returncode, 1)
+        self.assertRegex(ran.stderr, r"\ndev: could not install cmake .+; the whole output is in build/install.log\n\Z")
+
+    def test_sudo_that_would_ask_is_not_asked_without_a_terminal(self) -> None:
+        self._lacks_packages(uid=1000)
+        ran = self._dev("build")
+        self.assertEqual(ran.returncode, 1)
+        self.assertRegex(
+            ran.stderr,
+            r"\Adev: sudo would ask for a password, and there is no terminal; as root, run: apt-get install cmake [^\n]+\n\Z",
+        )
+        self.assertNotIn("apt-get", self.calls.read_text("utf-8"))
+
+    def test_a_full_disk_is_named_as_the_reason(self) -> None:
+        self._lacks_packages(uid=0)
+        self._tool("df", "echo Avail; echo 0")
+        self.assertIn(f"dev: the disk that holds {self.tree} is full\n", self._dev("build").stderr)
+
+    def test_a_tree_that_cannot_be_written_to_gets_one_sentence(self) -> None:
+        self.tree.chmod(0o555)
+        self.addCleanup(self.tree.chmod, 0o755)
+        ran = self._dev("build", rights=False)
+        self.assertEqual(ran.returncode, 1)
+        self.assertEqual(
+            ran.stderr,
+            f"dev: {self.tree} cannot be written to, so nothing can be built there; copy the tree to a folder of yours\n",
+        )
+
+    def test_a_tree_that_is_built_and_cannot_be_written_to_just_runs(self) -> None:
+        for preset, target in (("macho", "dylib"), ("release", "spotlight-run")):
+            (self.tree / "build" / preset / "bin").mkdir(parents=True)
+            cache = f"CMAKE_HOME_DIRECTORY:INTERNAL={self.tree}\n"
+            (self.tree / "build" / preset / "CMakeCache.txt").write_text(cache, "utf-8")
+            (self.tree / "build" / preset / f"{target}.built").touch()
+            (self.tree / "build" / preset / f"{target}.built").chmod(0o444)
+        program = self.tree / "build" / "release" / "bin" / "spotlight-run"
+        program.write_text('#!/bin/bash\necho "runs $*"\n', "utf-8")
+        program.chmod(0o555)
+        ran = self._dev("run", "--once", rights=False)
+        self.assertEqual(
+            (ran.returncode, ran.stdout, ran.stderr),
+            (0, f"runs --plugin {self.tree}/dist/Spotlight.dylib --once\n", ""),
+        )
+
+
+if __name__ == "__main__":
+    unittest.main()
