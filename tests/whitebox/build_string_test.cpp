@@ -2,8 +2,8 @@
 // missing, and C++ exceptions of the host.
 #include <doctest/doctest.h>
 
-#include "host/exceptions.h"
 #include "host/build_string.h"
+#include "host/exceptions.h"
 #include "tests/whitebox/small_host.h"
 
 #include <stdexcept>

@@ -5,8 +5,8 @@
 
 #include <doctest/doctest.h>
 
-#include "host/owned.h"
 #include "host/build_string.h"
+#include "host/owned.h"
 #include "host/strings.h"
 #include "tests/whitebox/small_host.h"
 

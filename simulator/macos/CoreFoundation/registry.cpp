@@ -66,9 +66,7 @@ std::optional<DeadObject> Registry::Recall(std::uint64_t serial) {
     return std::nullopt;
 }
 
-std::size_t Registry::LiveCount() {
-    return count_;
-}
+std::size_t Registry::LiveCount() { return count_; }
 
 std::vector<ledger::Mark> Registry::LiveObjects() {
     std::vector<ledger::Mark> marks;
