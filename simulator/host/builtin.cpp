@@ -91,13 +91,30 @@ void DictionaryInstance::VisitHeld(const Visitor &visitor) const {
 }
 
 void DictionaryInstance::Die() {
-    for (const Entry &entry : std::exchange(entries_, {})) {
-        if (entry.key)
-            heap->Unlock(*entry.key);
-        if (entry.value)
-            heap->Unlock(*entry.value);
-    }
+    Clear();
     Instance::Die();
+}
+
+void DictionaryInstance::GiveUp(const Entry &entry) const {
+    if (entry.key)
+        heap->Unlock(*entry.key);
+    if (entry.value)
+        heap->Unlock(*entry.value);
+}
+
+void DictionaryInstance::Clear() {
+    for (const Entry &entry : std::exchange(entries_, {}))
+        GiveUp(entry);
+}
+
+bool DictionaryInstance::Remove(Entity *key) {
+    const Entry *found = Find(key);
+    if (!found)
+        return false;
+    const Entry removed = *found;
+    entries_.erase(entries_.begin() + (found - entries_.data()));
+    GiveUp(removed);
+    return true;
 }
 
 void DictionaryInstance::Store(Entity *key, Entity *value) {

@@ -35,9 +35,14 @@ public:
     void Store(Entity *key, Entity *value);
     /// Null when there is no such key.
     const Entry *Find(Entity *key) const;
+    /// False when there is no such key.
+    bool Remove(Entity *key);
+    void Clear();
     const std::vector<Entry> &Entries() const { return entries_; }
 
 private:
+    void GiveUp(const Entry &entry) const;
+
     std::vector<Entry> entries_;
 };
 

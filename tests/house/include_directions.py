@@ -38,6 +38,7 @@ MAY_INCLUDE: dict[str, tuple[str, ...]] = {
     "simulator/loader": (),
     "simulator/session": ("simulator/macos", "simulator/host", "simulator/loader"),
     "simulator/cli": ("simulator/session", "simulator/macos", "simulator/host", "simulator/loader"),
+    "simulator/language": ("simulator/cli", "simulator/session", "simulator/macos", "simulator/host"),
 }
 
 _OWN_FOLDERS = ("plugin", "host", "convert", "spotlight", "simulator", "tests", "fuzz", "bench")
