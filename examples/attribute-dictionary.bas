@@ -1,7 +1,7 @@
 ' A dictionary of attributes: several attributes of a picture at one stroke.
 
 Sub Main(args() As String)
-  ShowPicture(SpecialFolder.Pictures.Child("holiday.jpg"))
+  ShowPicture(SpecialFolder.Documents.Child("holiday.png"))
 End Sub
 
 Sub ShowPicture(file As FolderItem)
@@ -50,3 +50,9 @@ Sub ShowPicture(file As FolderItem)
     Next
   End If
 End Sub
+
+' It prints:
+'   640 by 480 pixels
+'   partly transparent
+'   keyword: Cornwall
+'   keyword: sea

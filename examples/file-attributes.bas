@@ -50,3 +50,39 @@ Sub ShowFile(file As FolderItem)
     Print "  has: " + title
   Next
 End Sub
+
+' It prints:
+'   letter.txt
+'     in the file system: letter.txt
+'     path:               ~/Documents/letter.txt
+'     bytes:              32
+'     kind:               Plain text document
+'     author:             Ada Lovelace
+'     last changed:       2014-6-30 (GMT)
+'     has: File name
+'     has: Name
+'     has: Path
+'     has: Size
+'     has: Owner
+'     has: Group
+'     has: Exists
+'     has: Readable
+'     has: Writeable
+'     has: Created
+'     has: Content created
+'     has: Added
+'     has: Modified
+'     has: Content modified
+'     has: Attributes changed
+'     has: Last opened
+'     has: Custom icon
+'     has: Extension hidden
+'     has: Stationery
+'     has: Invisible
+'     has: Label
+'     has: Content type
+'     has: Content type tree
+'     has: Kind
+'     has: Keywords
+'     has: Title
+'     has: Authors

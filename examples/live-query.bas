@@ -68,3 +68,14 @@ Sub StopWatching()
     Watch = Nil
   End If
 End Sub
+
+' It prints, until it is stopped:
+'   1 files so far
+'   5 files so far
+'   5 files found
+'     ~/Documents/budget 10.csv
+'     ~/Documents/budget 9.csv
+'     ~/Documents/letter.txt
+'     ~/Documents/minutes.txt
+'     ~/Documents/Travel/packing.txt
+'   Watching.

@@ -40,3 +40,23 @@ Sub ShowLargest(folder As FolderItem)
     Next
   End If
 End Sub
+
+' It prints:
+'   3439  map.png
+'   1946  holiday.png
+'   1790  portrait.png
+'   32  letter.txt
+'   23  minutes.txt
+'   20  budget 10.csv
+'   18  budget 9.csv
+'   10  song.mp3
+'   6  packing.txt
+'   budget 9.csv
+'   budget 10.csv
+'   holiday.png
+'   letter.txt
+'   map.png
+'   minutes.txt
+'   packing.txt
+'   portrait.png
+'   song.mp3

@@ -31,3 +31,11 @@ Sub CountKinds(folder As FolderItem)
   ' Files without the attribute have no value to be listed under.
   Print Str(rest) + "  of unknown kind"
 End Sub
+
+' It prints:
+'   1  Folder
+'   2  Comma-separated values
+'   3  PNG image
+'   3  Plain text document
+'   1  MP3 audio
+'   0  of unknown kind

@@ -8,6 +8,9 @@ namespace sim::language {
 
 namespace {
 
+/// In characters.
+constexpr size_t kLongestText = 1 << 22;
+
 std::u32string CharactersAt(const Call &call, size_t index) { return CharactersOf(TextAt(call, index)); }
 
 /// A count of characters, at least 0 and at most all of them.
@@ -59,6 +62,8 @@ std::string Replaced(const Call &call, size_t most) {
     size_t at = 0;
     for (size_t found; most > 0 && (found = Find(folded, foldedWanted, at)) != std::u32string::npos; --most) {
         result += text.substr(at, found - at) + other;
+        if (result.size() > kLongestText)
+            call.execution.Raise("OutOfMemoryException", "no text can be that long", call.where);
         at = found + wanted.size();
     }
     return TextOf(result + text.substr(at));

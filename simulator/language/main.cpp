@@ -11,8 +11,8 @@ using namespace sim;
 
 enum ExitCode { kDone = 0, kFailed = 1, kWrongProgram = 2 };
 
-constexpr const char *kUsage = "usage: spotlight-program --plugin LIBRARY [--host-version V] [--steps N] PROGRAM.bas "
-                               "[ARGUMENT...]\n";
+constexpr const char *kUsage = "usage: spotlight-program --plugin LIBRARY [--host-version V] [--steps N] "
+                               "PROGRAM.bas [ARGUMENT...]\n";
 
 void Print(const std::string &line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
@@ -39,7 +39,7 @@ ExitCode Run(const language::CommandLine &line) {
     options.host.recordCalls = false;
     Session session(std::move(options));
     const cli::InterruptWatch watch;
-    language::RunOptions runOptions{line.arguments, Print, {line.steps, [&] { return watch.IsInterrupted(); }}};
+    const language::RunOptions runOptions{line.arguments, Print, {line.steps, [&] { return watch.IsInterrupted(); }}};
     const language::Ending ending = RunProgram(session, sources, runOptions);
     if (ending.kind == language::Ending::Kind::kException)
         return EndWith(session, Complain(ending.message, kFailed));

@@ -13,6 +13,9 @@ namespace {
 
 using host::Value;
 
+/// What a program makes in a few steps must not exhaust the process.
+constexpr size_t kLongestText = 1 << 24;
+
 /// Whole numbers wrap around, as they do in a compiled program.
 template <class T> T Sum(T left, T right, BinaryOperator op) {
     T result;
@@ -53,8 +56,11 @@ Value Power(Execution &, const Value &left, const Value &right, const Location &
     return std::pow(left.As<double>(), right.As<double>());
 }
 
-Value Joined(Execution &, const Value &left, const Value &right, const Location &) {
-    return left.As<std::string>() + right.As<std::string>();
+Value Joined(Execution &execution, const Value &left, const Value &right, const Location &where) {
+    std::string text = left.As<std::string>() + right.As<std::string>();
+    if (text.size() > kLongestText)
+        execution.Raise("OutOfMemoryException", "no text can be that long", where);
+    return text;
 }
 
 template <BinaryOperator op> bool Holds(auto order) {

@@ -20,7 +20,7 @@ void SetOption(CommandLine &line, const std::string &name, const std::string &va
     else if (name == "--steps")
         line.steps = NumberFrom<uint64_t>(value, name);
     else if (name != "--host-version")
-        throw UsageError("there is no option " + name + " for a program; there is --host-version");
+        throw UsageError("there is no option " + name + " for a program; there are --host-version and --steps");
     else if (value == "none")
         line.hostVersion = std::nullopt;
     else

@@ -44,8 +44,8 @@ std::map<std::string, fs::path> ToolkitBeside(const fs::path &program) {
     return files;
 }
 
-/// Lets a second go by, or less, in which the system works for the queries. False when there is nothing that it could
-/// still do: no query gathers or is live.
+/// Lets the system work for the queries, for at most so long. False when there is nothing that it could still do: no
+/// query gathers or is live.
 bool LetSystemWork(CFTimeInterval seconds) {
     return CFRunLoopRunInMode(kCFRunLoopDefaultMode, std::max(seconds, 0.0), true) != kCFRunLoopRunFinished;
 }

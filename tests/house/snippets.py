@@ -1,7 +1,8 @@
 """The code in the host language on the pages, as programs.
 
 A fenced block of code is a program by itself. One whose fence says "basic as NAME" prepares what others start from: they
-say "basic after NAME", and stand behind its lines. What a program prints follows in an "output" block.
+say "basic after NAME", and stand behind its lines. One that says "basic until stopped" goes on until somebody ends it.
+What a program prints follows in an "output" block.
 """
 
 from __future__ import annotations
@@ -16,6 +17,7 @@ class Snippet:
     block: Block
     prepared: list[str]
     output: list[str] | None
+    is_stopped: bool = False
 
     def lines(self) -> list[str]:
         """The whole program."""
@@ -32,9 +34,9 @@ def snippets(text: str) -> list[Snippet]:
             found[-1].output = block.lines
         elif kind == "basic":
             role, _, name = rest.partition(" ")
-            if role not in ("", "as", "after"):
+            if role not in ("", "as", "after") and rest != "until stopped":
                 raise ValueError(f"line {block.first_line}: a fence cannot say {block.kind}")
-            found.append(Snippet(block, prepared[name] if role == "after" else [], None))
+            found.append(Snippet(block, prepared[name] if role == "after" else [], None, role == "until"))
             if role == "as":
                 prepared[name] = block.lines
     return found

@@ -47,6 +47,12 @@ TEST_CASE("A program that never ends is stopped, and cannot catch that") {
     CHECK(run.output == "");
 }
 
+TEST_CASE("A text that would outgrow the process raises") {
+    CHECK(OutputOf("Dim s As String = \"0123456789\"\nTry\nWhile True\ns = s + s\nWend\nCatch e As "
+                   "OutOfMemoryException\nPrint e.Message\nEnd Try\nTry\ns = ReplaceAll(s, \"0\", s)\nCatch e As "
+                   "OutOfMemoryException\nPrint \"again\"\nEnd Try") == "no text can be that long\nagain\n");
+}
+
 TEST_CASE("An exception in an event handler ends the program as any other does") {
     const ProgramRun run =
         RunProgram("Sub OnTime(sender As Timer)\nRaise New RuntimeException(\"late\")\nEnd Sub\nDim t "
