@@ -159,8 +159,16 @@ void AddItemConstructor(std::vector<Way> &ways) {
                         }});
     };
     add("`path` is nil", "Folderitem is nil", [](QueryProgram &) { return Value(nullptr); });
-    add("`path` names nothing, and no place where something could be", "Folderitem is invalid",
-        [](QueryProgram &program) { return Value(program.Host().NewFolderItem("")); });
+    constexpr const char *kUnusable =
+        "`path` names nothing, no place where something could be, or a new item whose name "
+        "is not well-formed Unicode";
+    ways.push_back({"MDItemQTX.Constructor", kUnusable, "Folderitem is invalid", [](QueryProgram &program) {
+                        auto &host = program.Host();
+                        for (const Object &path : {host.NewFolderItem(""), host.NewFolderItem("/no such folder/file"),
+                                                   host.NewFolderItem("/usr", u"\xD83D")})
+                            WithoutItem(program).CallWith("Constructor", {path});
+                        REQUIRE(host.Raised().size() == 3);
+                    }});
     add("the file does not exist, or the system cannot describe it", kItemMessage,
         [](QueryProgram &program) { return Value(program.Host().NewFolderItem("/there is no such file")); });
 }
