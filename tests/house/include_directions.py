@@ -37,6 +37,7 @@ MAY_INCLUDE: dict[str, tuple[str, ...]] = {
     "simulator/host": (),
     "simulator/loader": (),
     "simulator/session": ("simulator/macos", "simulator/host", "simulator/loader"),
+    "simulator/validate": ("simulator/session", "simulator/macos", "simulator/host", "simulator/loader"),
     "simulator/cli": ("simulator/session", "simulator/macos", "simulator/host", "simulator/loader"),
     "simulator/language": ("simulator/cli", "simulator/session", "simulator/macos", "simulator/host"),
 }
