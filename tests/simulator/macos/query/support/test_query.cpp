@@ -115,7 +115,7 @@ FileNames TestQuery::SortedResults() const {
 
 bool RunUntil(const std::function<bool()> &condition) {
     using std::chrono::steady_clock;
-    const auto deadline = steady_clock::now() + std::chrono::seconds(60);
+    const auto deadline = steady_clock::now() + std::chrono::minutes(10);
     while (!condition()) {
         if (steady_clock::now() > deadline)
             return false;
