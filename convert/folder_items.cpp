@@ -120,10 +120,11 @@ OwnedHost<REALfolderItemStruct> FolderItemOfNewFile(CFURLRef url) {
 }
 
 OwnedObject AbsoluteText(CFURLRef url) {
-    const auto absolute = AdoptCF(CFURLCopyAbsoluteURL(url));
+    auto absolute = AdoptCF(CFURLCopyAbsoluteURL(url));
     if (!absolute)
         return {};
     const auto text = AdoptHost(CFString2RBString(CFURLGetString(absolute.Get())));
+    Release(absolute);
     return AdoptHost(text ? StringToVariant(text.Get()) : nullptr);
 }
 

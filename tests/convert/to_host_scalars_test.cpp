@@ -107,6 +107,20 @@ TEST_CASE("A CFDate becomes a host Date with the fields of GMT, without its frac
     CHECK(session.TextInHost(CoreDate(-63113904001.0)) == "Date 0000-12-31 23:59:59");
 }
 
+TEST_CASE("A date that is infinite or no number has second 0, and its other fields as the system gives them") {
+    ValueSession session;
+    for (const double time : {INFINITY, -INFINITY, NAN}) {
+        CAPTURE(time);
+        const std::string text = session.TextInHost(CoreDate(time));
+        CHECK_MESSAGE(text.ends_with(" 24:60:00"), text);
+    }
+}
+
+TEST_CASE("The second of 60 that a moment just before 2001 has is passed on") {
+    ValueSession session;
+    CHECK(session.TextInHost(CoreDate(-1e-15)) == "Date 2000-12-31 23:59:60");
+}
+
 TEST_CASE("A date means the same in every time zone of the machine") {
     for (const char *zone : {"Pacific/Kiritimati", "America/Los_Angeles", "UTC"}) {
         CAPTURE(zone);
