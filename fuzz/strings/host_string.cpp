@@ -9,6 +9,8 @@
 #include "simulator/macos/CoreFoundation/ledger.h"
 #include "tests/whitebox/small_host.h"
 
+#include <algorithm>
+
 namespace {
 
 using fuzz::Require;
@@ -43,6 +45,10 @@ template <class Unit> std::u32string Units(std::string_view bytes, bool isBig) {
 
 /// External representation: a mark tells the order and goes away, and without one it is big-endian.
 std::optional<std::u16string> ReadUTF32(std::string_view bytes) {
+    // Too few bytes for a unit have no text only where they could be the beginning of a mark.
+    if (bytes.size() == 2 || bytes.size() == 3)
+        if (std::string_view("\xFF\xFE\0", 3).starts_with(bytes) || std::string_view("\0\0\xFE", 3).starts_with(bytes))
+            return std::nullopt;
     const bool isLittle = bytes.starts_with(std::string_view("\xFF\xFE\0\0", 4));
     if (isLittle || bytes.starts_with(std::string_view("\0\0\xFE\xFF", 4)))
         bytes.remove_prefix(4);
@@ -57,7 +63,21 @@ std::optional<std::u16string> ReadUTF32(std::string_view bytes) {
     return text;
 }
 
+/// A byte A9 where a sequence begins stands for U+FFFD; everything else that is malformed has no text.
+std::optional<std::u16string> ReadUTF8(std::string_view bytes) {
+    std::string mended;
+    while (!bytes.empty()) {
+        const auto first = static_cast<unsigned char>(bytes.front());
+        const size_t length = first == 0xA9 || first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+        mended += first == 0xA9 ? "\xEF\xBF\xBD" : bytes.substr(0, length);
+        bytes.remove_prefix(std::min(length, bytes.size()));
+    }
+    return fuzz::Decoded(mended, "UTF-8");
+}
+
 std::optional<std::u16string> Expected(std::string_view bytes, CFStringEncoding encoding) {
+    if (bytes.empty())
+        return std::u16string();
     switch (encoding) {
     case kCFStringEncodingMacRoman:
     case kHostUnknownEncoding:
@@ -75,7 +95,7 @@ std::optional<std::u16string> Expected(std::string_view bytes, CFStringEncoding 
             return std::nullopt;
         return fuzz::Decoded(bytes, "ibm-5348_P100-1997");
     case kCFStringEncodingUTF8:
-        return fuzz::Decoded(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes, "UTF-8");
+        return ReadUTF8(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes);
     case kCFStringEncodingUTF32:
         return ReadUTF32(bytes);
     default:

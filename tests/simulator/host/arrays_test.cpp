@@ -68,11 +68,11 @@ TEST_CASE("Objects are inserted, read with a reference for the reader, and repla
     CHECK(get(array.Address(), 0) == date.Address());
     CHECK(date.References() == 3);
     UnlockObject(date.Address());
-    auto set = ElementFunction<void(void *, int32_t, void *)>("PluginObjectArraySetProc", array.Address());
-    set(array.Address(), 0, other.Address());
+    auto set = ElementFunction<void(void *, void *, int32_t)>("PluginObjectArraySetProc", array.Address());
+    set(array.Address(), other.Address(), 0);
     CHECK(date.References() == 1);
     CHECK(other.References() == 2);
-    set(array.Address(), 0, nullptr);
+    set(array.Address(), nullptr, 0);
     CHECK(other.References() == 1);
     CHECK(array.At(0).IsNil());
 }
