@@ -26,6 +26,7 @@ class Library:
         self.data = bytearray(path.read_bytes())
         nm = ["llvm-nm-14", "--defined-only", "--demangle", str(path)]
         listing = subprocess.run(nm, check=True, capture_output=True, text=True).stdout
+        listing = listing.replace("(anonymous namespace)::", "")
         self._symbols = {line[11:].strip(): int(line[:8], 16) for line in listing.splitlines()}
 
     def word(self, at: int) -> int:
@@ -128,7 +129,7 @@ def _bind_from_elsewhere(library: Library) -> None:
     begin, _ = library.binds()
     if library.data[begin] & 0xF0 != 0x10:
         raise LookupError("the binds do not begin with a library")
-    library.data[begin] ^= 0x01
+    library.data[begin] += 1 if library.data[begin] & 0x0F == 1 else -1
 
 
 def _end_rebases_early(library: Library) -> None:
