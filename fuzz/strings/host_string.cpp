@@ -68,7 +68,7 @@ std::optional<std::u16string> ReadUTF8(std::string_view bytes) {
     std::string mended;
     while (!bytes.empty()) {
         const auto first = static_cast<unsigned char>(bytes.front());
-        const size_t length = first == 0xA9 || first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+        const size_t length = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
         mended += first == 0xA9 ? "\xEF\xBF\xBD" : bytes.substr(0, length);
         bytes.remove_prefix(std::min(length, bytes.size()));
     }
