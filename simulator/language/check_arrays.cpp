@@ -79,7 +79,7 @@ Checker::Target Checker::ElementTarget(const Checked &array, const Arguments &ar
     if (!array.type.isArray || arguments.size() != 1)
         throw WrongProgram(where, "nothing can be assigned to this");
     const Evaluation index = CheckAs(*arguments[0], {Kind::kInteger});
-    return {array.type.Element(), [value = array.value, index, where](Frame &frame, host::Value stored) {
+    return {array.type.Element(), [value = array.value, index, where](Frame &frame, const host::Value &stored) {
                 host::Object keeper;
                 const host::Object &object = RequireArray(value(frame), frame.execution, where, keeper);
                 const auto at = index(frame).As<int32_t>();

@@ -337,7 +337,7 @@ void Checker::CheckInitialValues(const ClassSyntax &syntax) {
 }
 
 Checker::BodyPointer Checker::CheckOutside(const ProgramSyntax &text) {
-    const BodyPointer outside = std::make_shared<Body>();
+    BodyPointer outside = std::make_shared<Body>();
     context_ = {};
     context_.isOutside = true;
     outside->action = CheckBlock(text.statements);

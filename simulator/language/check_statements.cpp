@@ -141,7 +141,7 @@ Action Checker::Check(const TryStatement &statement, const Location &) {
         clauses.push_back(std::move(clause));
     }
     const Action finally = statement.finally ? CheckBlock(*statement.finally) : Action();
-    const Action guarded = [block, clauses](Frame &frame) {
+    Action guarded = [block, clauses](Frame &frame) {
         // The clause runs when the exception's own C++ object is gone, so that it can raise another.
         const Clause *chosen = nullptr;
         try {

@@ -6,6 +6,7 @@
 #include "simulator/language/dates.h"
 
 #include <cmath>
+#include <compare>
 
 namespace sim::language {
 
@@ -63,19 +64,19 @@ Value Joined(Execution &execution, const Value &left, const Value &right, const 
     return text;
 }
 
-template <BinaryOperator op> bool Holds(auto order) {
+template <BinaryOperator op> bool Holds(std::partial_ordering order) {
     if constexpr (op == BinaryOperator::kEqual)
-        return order == 0;
+        return std::is_eq(order);
     else if constexpr (op == BinaryOperator::kUnequal)
-        return order != 0;
+        return std::is_neq(order);
     else if constexpr (op == BinaryOperator::kLess)
-        return order < 0;
+        return std::is_lt(order);
     else if constexpr (op == BinaryOperator::kLessOrEqual)
-        return order <= 0;
+        return std::is_lteq(order);
     else if constexpr (op == BinaryOperator::kGreater)
-        return order > 0;
+        return std::is_gt(order);
     else
-        return order >= 0;
+        return std::is_gteq(order);
 }
 
 /// NaN is unequal to everything and has no place in any order.
@@ -85,7 +86,7 @@ Value CompareNumbers(Execution &, const Value &left, const Value &right, const L
 }
 
 template <BinaryOperator op> Value CompareTexts(Execution &, const Value &left, const Value &right, const Location &) {
-    return Holds<op>(Compare(left.As<std::string>(), right.As<std::string>()));
+    return Holds<op>(Compare(left.As<std::string>(), right.As<std::string>()) <=> 0);
 }
 
 const host::DateInstance *DateIn(const Value &value) {

@@ -259,7 +259,9 @@ LoopStatement Parser::DoLoop() {
 ExpressionPointer Parser::LoopCondition() {
     if (Skip("while"))
         return AnyExpression();
-    return Skip("until") ? Negation(AnyExpression()) : nullptr;
+    if (Skip("until"))
+        return Negation(AnyExpression());
+    return nullptr;
 }
 
 SelectStatement Parser::Select() {

@@ -105,10 +105,10 @@ void *ImportStubs::InFrontOf(const std::string &name, void *address) {
 }
 
 void ImportStubs::PutInFrontOf(const link_map &library) {
-    if (!watch_)
-        return;
     const auto *symbols = reinterpret_cast<const ElfW(Sym) *>(DynamicEntry(library, DT_SYMTAB));
     const auto *names = reinterpret_cast<const char *>(DynamicEntry(library, DT_STRTAB));
+    if (!watch_ || !symbols || !names)
+        return;
     for (const auto relocations :
          {Relocations(library, DT_REL, DT_RELSZ), Relocations(library, DT_JMPREL, DT_PLTRELSZ)})
         for (const ElfW(Rel) & relocation : relocations) {

@@ -194,7 +194,8 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPa
     if (trimmed.starts_with('/'))
         return MakeFileUrl(trimmed, isDirectory).Give();
     // A colon in the first name makes a scheme of it, as on the real system.
-    return NewUrl(EscapedPath(trimmed) + (isDirectory ? "/" : ""), MakeFileUrl(CurrentFolder(), true).Get());
+    const auto folder = MakeFileUrl(CurrentFolder(), true);
+    return NewUrl(EscapedPath(trimmed) + (isDirectory ? "/" : ""), folder.Get());
 }
 
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef, const FSRef *ref) {
