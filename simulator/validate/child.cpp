@@ -116,7 +116,7 @@ int WaitFor(pid_t child) {
 std::string FirstLine(const std::string &text) {
     for (size_t begin = 0; begin < text.size();) {
         const size_t end = std::min(text.find('\n', begin), text.size());
-        const std::string line = text.substr(begin, end - begin);
+        std::string line = text.substr(begin, end - begin);
         if (line.find_first_not_of(" =") != std::string::npos)
             return line;
         begin = end + 1;

@@ -112,7 +112,9 @@ Findings CompareArrivals(const Subject &subject, const HostAge &age) {
         const std::string line = found.output.substr(at, end - at);
         const std::string should =
             other < expected.output.size() ? expected.output.substr(other, otherEnd - other) : "(nothing)";
-        findings.Expect(line == should, "it registers \"" + line + "\", and the native build \"" + should + "\"");
+        std::string fault = "it registers \"";
+        fault.append(line).append("\", and the native build \"").append(should).append("\"");
+        findings.Expect(line == should, fault);
     }
     findings.Expect(found.output.size() == expected.output.size(), "it registers less or more than the native build");
     return findings;

@@ -21,10 +21,11 @@ using tests::CoreValue;
 using tests::ScratchFolder;
 using tests::ValueSession;
 
-namespace faults = sim::macos::faults;
-
 namespace {
 
+const std::string kLoadConstructor = "REALLoadObjectMethod(Date, \"Year as Integer, Month as Integer = 1, Day as "
+                                     "Integer = 1, hour as Integer = 0, minute as Integer = 0, second as Integer = "
+                                     "0\")";
 const std::string kLoadSetter = "\"Value(key As Variant, Assigns _value As Variant)\")";
 const std::string kLoadGetter = "\"Value(key As Variant) As Variant\")";
 const std::string kLoadKeyGetter = "\"Key(index As Integer) As Variant\")";
@@ -250,9 +251,7 @@ TEST_CASE("A CFDictionary's pair is stored by its setter before the key is given
     CallLog log(session);
     const Value converted = session.ToHost(dictionary);
     CHECK(log.Take({"PluginNewInstance", "StringToVariant", "REALLoadObjectMethod", kSetter, "REALUnlockObject"}) ==
-          CallLines{"PluginNewInstance(\"Dictionary\")", "PluginNewInstance(\"Date\")",
-                    "REALLoadObjectMethod(Date, \"Year as Integer, Month as Integer = 1, Day as Integer = 1, hour as "
-                    "Integer = 0, minute as Integer = 0, second as Integer = 0\")",
+          CallLines{"PluginNewInstance(\"Dictionary\")", "PluginNewInstance(\"Date\")", kLoadConstructor,
                     "StringToVariant(\"k\")", "REALLoadObjectMethod(Dictionary, " + kLoadSetter,
                     "REALLoadObjectMethod(Dictionary, " + kLoadGetter,
                     "REALLoadObjectMethod(Dictionary, " + kLoadKeyGetter, kSetter + "(Dictionary, variant, Date)",
