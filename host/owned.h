@@ -1,7 +1,7 @@
 // One holder for the three kinds of reference the plugin owns: Core Foundation objects, host strings and host objects.
 // Taking a +1 and giving it away are visible words. A bare handle is borrowed. The one exception are the results of
-// functions whose names the host, the system or the interface fix: where they hand over a +1 they say so, are marked
-// [[nodiscard]] where they are ours, and are adopted on the line that calls them.
+// functions whose shapes the host, the system or the interface fix, and of those that pass such a result straight on:
+// where they hand over a +1 they say so, and whoever keeps one adopts it on the line of the call.
 #pragma once
 
 #include <concepts>
@@ -57,8 +57,8 @@ private:
     Reference reference_ = nullptr;
 };
 
-/// Gives up what the holders own, in this order, where the order is fixed. What they still own at the end of their
-/// scope goes the other way round.
+/// Gives up what the holders own now and in this order; an exception of the host comes through. What they still own at
+/// the end of their scope goes the other way round, and what the host throws then is dropped.
 template <class... Holders> void Release(Holders &...holders) { (holders.Release(), ...); }
 
 template <class Reference> using OwnedCF = Owned<Reference, CFRelease>;

@@ -12,8 +12,8 @@ extern double rbversion;
 /// The declaration layout version, written into every record that the host gets.
 extern int32_t CurrentREALControlVersion;
 
-/// The layouts of declarations, from that of hosts before 2012, whose records are shorter, to the newest. Between the
-/// two nothing differs but the number.
+/// The layouts of declarations: that of hosts before 2012, whose records are shorter, and the newest. Those in between
+/// differ from the newest only in the number.
 constexpr int32_t kOldDeclarationLayout = 9;
 constexpr int32_t kNewestDeclarationLayout = 13;
 
@@ -35,7 +35,7 @@ inline bool HostReadsOldRecords() { return CurrentREALControlVersion == kOldDecl
 inline bool HostBuildsInAnyEncoding() { return rbversion >= 2012.0; }
 /// Hosts before 2013 cannot convert UTF-32 themselves.
 inline bool HostConvertsUTF32() { return rbversion >= 2013.0; }
-/// From 2013 on, but for hosts that call themselves 3000, global methods stand in modules.
+/// From 2013 on, but for hosts that call themselves 3000 or later, global methods stand in modules.
 inline bool HostTakesModules() { return rbversion >= 2013.0 && rbversion < 3000.0; }
 /// From 2016 on, strings and arrays are used through services only; before, their memory layout is known.
 inline bool HostHidesLayouts() { return rbversion >= 2016.0; }

@@ -3,7 +3,8 @@
 
 #include "host/handles.h"
 
-// Constructors raise nothing: what fails leaves the object without a query.
+// Constructors do not raise for what fails, which leaves the object without a query; only a list that shrinks while it
+// is read raises "OutOfBoundsException".
 void rbMDQueryCreate2(REALobjectStruct *self, REALstringStruct *queryString);
 void rbMDQueryCreate3(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes);
 void rbMDQueryCreate4(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,

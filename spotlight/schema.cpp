@@ -50,7 +50,8 @@ REALstringStruct *rbMDSchemaCopyDisplayDescriptionForAttribute(REALstringStruct 
 }
 
 _REALarrayString *rbMDSchemaCopyAllAttributes() {
-    return WithStrings(NewStringArray(), AdoptCF(MDSchemaCopyAllAttributes()));
+    auto array = NewStringArray();
+    return WithStrings(std::move(array), AdoptCF(MDSchemaCopyAllAttributes()));
 }
 
 REALstringStruct *GetAttributeType(REALstringStruct *name) {

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstring>
 
-using sim::host::CompanionClass;
 using sim::host::HostOptions;
 using sim::host::Object;
 using tests::CoreInstance;
@@ -33,7 +32,7 @@ std::string TextOfNumbers(const char *name, std::initializer_list<double> number
 
 /// A wrapper that owns one retain of the value.
 Object NewWrapper(ValueSession &session, const std::string &className, CFTypeRef value) {
-    const Object wrapper = session.Host().Create(className);
+    Object wrapper = session.Host().Create(className);
     if (value)
         CFRetain(value);
     std::memcpy(wrapper.Data(), &value, sizeof value);

@@ -12,7 +12,6 @@ using sim::host::Color;
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Text;
-using sim::host::Value;
 using tests::CoreValue;
 using tests::ValueSession;
 

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 
-using sim::host::HostOptions;
 using sim::host::Value;
 using tests::CoreValue;
 using tests::HostKind;

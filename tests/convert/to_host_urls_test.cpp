@@ -7,7 +7,6 @@
 #include <doctest/doctest.h>
 
 using sim::host::HostOptions;
-using sim::host::Object;
 using tests::CoreFileURL;
 using tests::CoreURL;
 using tests::CoreValue;

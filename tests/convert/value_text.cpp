@@ -43,7 +43,7 @@ std::string TextOfDate(const sim::host::DateFields &date) {
 }
 
 std::string TextOfObject(const Object &object) {
-    const std::string name = object.ClassName();
+    std::string name = object.ClassName();
     std::vector<std::string> parts;
     if (name.ends_with("()")) {
         for (const Value &element : object.Elements())

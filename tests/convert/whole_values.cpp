@@ -11,13 +11,13 @@ using sim::host::Object;
 using sim::host::Value;
 
 Object Numbers(Host &host, const char *className, std::initializer_list<double> numbers) {
-    const Object object = host.Create(className);
+    Object object = host.Create(className);
     std::memcpy(object.Data(), std::data(numbers), numbers.size() * sizeof(double));
     return object;
 }
 
 Object Wrapper(Host &host, const char *className, const char *typeName) {
-    const Object wrapper = host.Create(className);
+    Object wrapper = host.Create(className);
     const CFTypeRef held = CoreInstance(typeName).Give();
     std::memcpy(wrapper.Data(), &held, sizeof held);
     return wrapper;

@@ -7,7 +7,6 @@
 extern "C" [[gnu::weak]] void __lsan_disable();
 extern "C" [[gnu::weak]] void __lsan_enable();
 
-using sim::host::Host;
 using sim::host::HostOptions;
 using tests::TestSession;
 
