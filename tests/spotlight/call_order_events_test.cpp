@@ -1,10 +1,13 @@
 // What a notification does, call by call: which handler is asked for, which arrays are read and made, and what is given
 // up behind the handler.
 #include <doctest/doctest.h>
+#include <span>
 
 #include "simulator/macos/CoreFoundation/dictionary.h"
 #include "tests/spotlight/support/event_log.h"
 #include "tests/support/call_log.h"
+
+#include <span>
 
 using namespace tests;
 
@@ -30,8 +33,8 @@ CallLines Compared(const std::string &name, size_t count) {
     constexpr const char *kNames[] = {"kMDQueryProgressNotification", "kMDQueryDidFinishNotification",
                                       "kMDQueryDidUpdateNotification"};
     CallLines lines;
-    for (size_t i = 0; i < count; i++)
-        lines.push_back("CFStringCompare(\"" + name + "\", \"" + kNames[i] + "\", 0)");
+    for (const char *known : std::span(kNames).first(count))
+        lines.push_back("CFStringCompare(\"" + name + "\", \"" + known + "\", 0)");
     return lines;
 }
 

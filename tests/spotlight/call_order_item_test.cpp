@@ -248,7 +248,7 @@ TEST_CASE("Without memory a text of 100 units gives nil, as text, as variant and
     const Object item = program.NewItem(program.Add(name));
     const auto without = [&](const char *method, const std::vector<Value> &arguments) {
         const FailedAllocation failed(1);
-        const Value result = item.CallWith(method, arguments);
+        Value result = item.CallWith(method, arguments);
         CHECK(failed.Count() == 1);
         return result;
     };

@@ -4,6 +4,8 @@
 #include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "tests/spotlight/support/event_log.h"
 
+#include <cmath>
+
 using namespace tests;
 
 namespace {
@@ -75,13 +77,12 @@ TEST_CASE("Progress comes after the times that the batching parameters say") {
     Object query = program.NewQuery();
     program.SetBatches(query, {kNoLimit, 150, kNoLimit, 250, kNoLimit, 0});
     const double start = program.store.Clock().Now();
-    std::vector<int> times;
-    EventLog log(query, [&](const EventCall &) {
-        times.push_back(static_cast<int>((program.store.Clock().Now() - start) * 1000 + 0.5));
-    });
+    std::vector<long> times;
+    EventLog log(
+        query, [&](const EventCall &) { times.push_back(std::lround((program.store.Clock().Now() - start) * 1000)); });
     query.Call<bool>("Execute", 4);
     program.store.Run(2000);
-    CHECK(times == std::vector<int>{150, 400, 500, 500});
+    CHECK(times == std::vector<long>{150, 400, 500, 500});
     CHECK(log.CountOf("Progress") == 3);
 }
 

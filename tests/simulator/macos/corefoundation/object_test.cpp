@@ -208,7 +208,7 @@ TEST_CASE("The ledger leaves out constants and singletons and counts a hundred t
     constexpr std::size_t kMany = 100000;
     std::vector<CFRef<CFNumberRef>> numbers;
     for (std::size_t index = 0; index < kMany; ++index)
-        numbers.push_back(MakeNumber(static_cast<std::int64_t>(1000 + index)));
+        numbers.push_back(MakeNumber(std::int64_t{1000} + static_cast<std::int64_t>(index)));
     CHECK_EQ(ledger::LiveCount(), before + kMany);
     numbers.clear();
     CHECK_EQ(ledger::LiveCount(), before);

@@ -96,7 +96,7 @@ TEST_CASE_FIXTURE(Balanced, "Bytes become the text that the real system makes of
         std::string bytes;
         std::optional<std::u16string> external;
         std::optional<std::u16string> internal;
-        Row(CFStringEncoding number, std::string text, std::optional<std::u16string> result)
+        Row(CFStringEncoding number, std::string text, const std::optional<std::u16string> &result)
             : Row(number, std::move(text), result, result) {}
         Row(CFStringEncoding number, std::string text, std::optional<std::u16string> one,
             std::optional<std::u16string> other)

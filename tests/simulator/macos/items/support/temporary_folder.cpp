@@ -2,9 +2,9 @@
 
 #include <doctest/doctest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <stdlib.h>
 #include <sys/xattr.h>
 
 namespace sim::macos {
@@ -43,7 +43,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view bytes) const {
-    const std::string path = PathOf(name);
+    std::string path = PathOf(name);
     std::ofstream(path, std::ios::binary) << bytes;
     REQUIRE(std::filesystem::file_size(path) == bytes.size());
     return path;
