@@ -7,6 +7,10 @@ using namespace tests;
 
 namespace {
 
+constexpr const char *kLongestConstructor =
+    "Constructor(query as MDQueryQTX, queryString as string, valueListAttributes() as string, "
+    "sortingAttributes() as string)";
+
 const Names kMethods = {
     "CountOfResultsWithAttributeValue(name as string, Value as variant) as UInt32",
     "AttributeValueOfResultAtIndex(name as string, index as UInt32) as variant",
@@ -17,8 +21,7 @@ const Names kMethods = {
     "Constructor(queryString as string, valueListAttributes() as string, sortingAttributes() as string)",
     "Constructor(query as MDQueryQTX, queryString as string)",
     "Constructor(query as MDQueryQTX, queryString as string, valueListAttributes() as string)",
-    "Constructor(query as MDQueryQTX, queryString as string, valueListAttributes() as string, "
-    "sortingAttributes() as string)",
+    kLongestConstructor,
     "ResultAtIndex(index as integer) as MDItemQTX",
     "Results(limit as integer = -1) as MDItemQTX()",
     "BatchingParameters as MDQueryBatchingParamsQTX",
