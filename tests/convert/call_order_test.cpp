@@ -178,6 +178,18 @@ TEST_CASE("A text on its way to the host is built, made a variant and given up")
                     "StringToVariant(\"text\")", "REALUnlockString(\"text\")"});
 }
 
+TEST_CASE("The absolute form of a URL is given up before its text is made a variant") {
+    ValueSession session;
+    const CoreValue url = tests::CoreURL("http://example.org/x");
+    CallLog log(session);
+    const Value text = session.ToHost(url);
+    CallLines calls = log.Take({"CFURLCopyAbsoluteURL", "CFRelease", "StringToVariant"});
+    REQUIRE(calls.size() > 4);
+    calls.resize(4); // what follows belongs to the attribute that brought the URL
+    CHECK(calls == CallLines{"CFRelease(<http://example.org/>)", "CFURLCopyAbsoluteURL()",
+                             "CFRelease(<http://example.org/x>)", "StringToVariant(\"http://example.org/x\")"});
+}
+
 TEST_CASE("A text for which the host has no variants is given up all the same") {
     ValueSession session(HostOptions{.withheld = {"StringToVariant"}});
     CallLog log(session);
