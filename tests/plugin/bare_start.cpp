@@ -20,12 +20,13 @@ template <class Function> void (*Code(Function function))() { return reinterpret
 BareStart::BareStart(double version)
     : version_(version), image_(sim::loader::PluginImage::Load(PluginPath(), {.watch = &PluginWatch::Instance()})) {
     current_ = this;
+    asked_.clear();
     image_.EntryPoint()(Resolve);
     current_ = nullptr;
 }
 
 void (*BareStart::Resolve(const char *name))() {
-    const std::string_view asked = name;
+    const std::string_view asked = asked_.emplace_back(name);
     if (asked == "REALGetRBVersion" && current_->version_ > 0)
         return Code([] { return current_->version_; });
     if (asked == "RegisterPluginVersion")

@@ -28,10 +28,14 @@ public:
     };
     const Handed &Arrived() const { return handed_; }
 
+    /// The names of services that the plugin has asked for, in its order, since the start of the last one.
+    static const std::vector<std::string> &Asked() { return asked_; }
+
 private:
     static void (*Resolve(const char *name))();
 
     static inline BareStart *current_ = nullptr;
+    static inline std::vector<std::string> asked_;
 
     double version_;
     Handed handed_;

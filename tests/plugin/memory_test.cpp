@@ -4,7 +4,12 @@
 #include "tests/plugin/bare_start.h"
 #include "tests/support/plugin_watch.h"
 
+#include <CoreServices/CoreServices.h>
+
+#include <algorithm>
+#include <array>
 #include <iterator>
+#include <string>
 
 // Defined by the leak checker when the program is built with it.
 extern "C" [[gnu::weak]] void __lsan_disable();
@@ -38,6 +43,33 @@ constexpr Table kTables[] = {
     {"MDQueryQTX", 9, 27}, {"MDQueryQTX", 11, 3}, {"MDQueryQTX", 18, 9},  {"MDQueryBatchingParamsQTX", 7, 6},
 };
 
+/// A host string as hosts before 2016 lay it out; its storage is a byte, which tells the length, and the text.
+struct OldString {
+    uint32_t unknown;
+    const char *storage;
+    uint32_t alsoUnknown;
+    uint32_t length;
+};
+
+/// Whether the host is asked for a handler when a query has finished.
+bool AsksAtFinish(const BareStart &start) {
+    const BareStart::Words &query = start.Arrived().classes.at("MDQueryQTX");
+    const auto *methods = reinterpret_cast<const uint32_t *>(query[9]);
+    constexpr size_t kOldMethodWords = 4, kConstructor = 4;
+    const uint32_t *row = methods + kConstructor * kOldMethodWords;
+    REQUIRE(reinterpret_cast<const char *>(row[2]) == std::string("Constructor(queryString as string)"));
+
+    std::array<void *, 8> object = {};
+    const std::string text = "kMDItemFSName == '*'", storage = '\0' + text;
+    const OldString expression{0, storage.data(), 0, static_cast<uint32_t>(text.size())};
+    reinterpret_cast<void (*)(void *, const OldString *)>(row[0])(object.data(), &expression);
+    REQUIRE(object[0]);
+    CFNotificationCenterPostNotification(CFNotificationCenterGetLocalCenter(), kMDQueryDidFinishNotification, object[0],
+                                         nullptr, true);
+    reinterpret_cast<void (*)(void *)>(query[6])(object.data());
+    return std::ranges::count(BareStart::Asked(), "GetEventInstance") > 0;
+}
+
 } // namespace
 
 TEST_CASE("On an old host a table for which there is no memory is null and keeps its count; the others are there") {
@@ -56,6 +88,15 @@ TEST_CASE("On an old host a table for which there is no memory is null and keeps
             CHECK(words[0] == 9);
         }
         CHECK(start.Arrived().method);
+    }
+}
+
+TEST_CASE("An old host for whose copies of the events there was no memory is not asked for any") {
+    constexpr int kEventsOfQueries = 6;
+    for (const int failing : {0, kEventsOfQueries}) {
+        CAPTURE(failing);
+        const FailedAllocation allocation(failing);
+        CHECK(AsksAtFinish(Started(2011.4)) == (failing == 0));
     }
 }
 
