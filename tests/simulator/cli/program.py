@@ -2,19 +2,17 @@
 
 from __future__ import annotations
 
-import fcntl
 import os
-import pty
 import re
 import select
 import signal
-import struct
 import subprocess
 import tempfile
-import termios
 import time
 import unittest
 from pathlib import Path
+
+from outside import Terminal
 
 PROGRAM = os.environ["PROGRAM"]
 PLUGIN = os.environ["PLUGIN"]
@@ -56,11 +54,9 @@ class Running:
     def __init__(self, *arguments: str, terminal_width: int = 0, environment: dict[str, str] | None = None) -> None:
         command = [PROGRAM, "--plugin", PLUGIN, *arguments]
         variables = {**os.environ, "TERM": "xterm", **(environment or {})}
-        if terminal_width:
-            self._process, self._descriptor = pty.fork()
-            if self._process == 0:
-                fcntl.ioctl(1, termios.TIOCSWINSZ, struct.pack("HHHH", 40, terminal_width, 0, 0))
-                os.execve(command[0], command, variables)
+        self._terminal = Terminal(command, variables, "/", terminal_width) if terminal_width else None
+        if self._terminal:
+            self._process, self._descriptor = self._terminal.process, self._terminal.descriptor
         else:
             self._descriptor, far_end = os.pipe()
             self._process = os.posix_spawn(
@@ -83,8 +79,7 @@ class Running:
     def __exit__(self, *_: object) -> None:
         if self._process:
             os.kill(self._process, signal.SIGKILL)
-            os.waitpid(self._process, 0)
-        os.close(self._descriptor)
+            self._wait()
 
     def wait_for(self, text: str) -> None:
         """Returns when the program has printed the text."""
@@ -106,18 +101,21 @@ class Running:
         deadline = time.monotonic() + _PATIENCE
         while self._read(deadline):
             pass
-        _, status = os.waitpid(self._process, 0)
-        self._process = 0
+        return self._wait()
+
+    def _wait(self) -> int:
+        process, self._process = self._process, 0
+        if self._terminal:
+            return self._terminal.wait()
+        _, status = os.waitpid(process, 0)
+        os.close(self._descriptor)
         return os.waitstatus_to_exitcode(status)
 
     def _read(self, deadline: float) -> bool:
         ready, _, _ = select.select([self._descriptor], [], [], max(0, deadline - time.monotonic()))
         if not ready:
             raise AssertionError(f"nothing more came; it said:\n{self.output}")
-        try:
-            more = os.read(self._descriptor, 65536)
-        except OSError:  # how a terminal says that nobody is at its other end
-            more = b""
+        more = self._terminal.read() if self._terminal else os.read(self._descriptor, 65536)
         self._bytes += more
         self.output = self._bytes.decode(errors="replace").replace("\r\n", "\n")
         return bool(more)
