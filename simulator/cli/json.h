@@ -3,7 +3,7 @@
 // none.
 #pragma once
 
-#include "simulator/host/value.h"
+#include "simulator/host/entities/value.h"
 
 #include <string>
 #include <utility>

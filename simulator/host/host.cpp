@@ -1,11 +1,11 @@
 #include "simulator/host/host.h"
 
-#include "simulator/host/balance.h"
-#include "simulator/host/calls.h"
-#include "simulator/host/overloads.h"
-#include "simulator/host/runtime.h"
-#include "simulator/host/stop.h"
-#include "simulator/host/text.h"
+#include "simulator/host/classes/overloads.h"
+#include "simulator/host/ground/stop.h"
+#include "simulator/host/ground/text.h"
+#include "simulator/host/program/balance.h"
+#include "simulator/host/program/calls.h"
+#include "simulator/host/runtime/runtime.h"
 
 #include <utility>
 

@@ -14,9 +14,9 @@
 // An element function that an array service hands out is named after the element: "string array get".
 #pragma once
 
-#include "simulator/host/options.h"
-#include "simulator/host/records.h"
-#include "simulator/host/value.h"
+#include "simulator/host/declarations/records.h"
+#include "simulator/host/entities/value.h"
+#include "simulator/host/ground/options.h"
 
 #include <memory>
 

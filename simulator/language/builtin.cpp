@@ -1,7 +1,7 @@
 #include "simulator/language/builtin.h"
 
-#include "simulator/host/runtime.h"
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
+#include "simulator/host/runtime/runtime.h"
 #include "simulator/language/builtin_timer.h"
 #include "simulator/language/program_object.h"
 

@@ -1,5 +1,5 @@
 // Functions of numbers, their way to text and back, and the few of the application itself.
-#include "simulator/host/runtime.h"
+#include "simulator/host/runtime/runtime.h"
 #include "simulator/language/builtin.h"
 #include "simulator/macos/control/clock.h"
 

@@ -1,7 +1,7 @@
 // Timer: raises Action after Period milliseconds, once or again and again, while the event loop runs.
 #pragma once
 
-#include "simulator/host/instance.h"
+#include "simulator/host/classes/instance.h"
 #include "simulator/language/execution.h"
 
 namespace sim::language {

@@ -1,6 +1,6 @@
 #include "simulator/language/characters.h"
 
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
 
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>

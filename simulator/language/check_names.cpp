@@ -1,5 +1,5 @@
 // What a name means where it stands: a variable first, then what the class has, then what is global.
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
 #include "simulator/language/checker.h"
 #include "simulator/language/program_object.h"
 

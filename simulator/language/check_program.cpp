@@ -1,5 +1,5 @@
 // The declarations of a program: first every class by its name, then what the classes and subs are, then their bodies.
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
 #include "simulator/language/checker.h"
 #include "simulator/language/conversions.h"
 #include "simulator/language/program_object.h"

@@ -1,4 +1,4 @@
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
 #include "simulator/language/checker.h"
 
 namespace sim::language {

@@ -1,7 +1,7 @@
 #include "simulator/language/conversions.h"
 
-#include "simulator/host/runtime.h"
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
+#include "simulator/host/runtime/runtime.h"
 
 #include <cmath>
 #include <limits>

@@ -1,7 +1,7 @@
 // Arithmetic with the fields of a date, without time zones: what the host's dates mean is GMT.
 #pragma once
 
-#include "simulator/host/value.h"
+#include "simulator/host/entities/value.h"
 
 namespace sim::language {
 

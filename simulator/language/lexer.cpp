@@ -1,6 +1,6 @@
 #include "simulator/language/lexer.h"
 
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
 #include "simulator/language/mistake.h"
 
 #include <charconv>

@@ -2,7 +2,7 @@
 // with an underscore. Comments begin with ', // or Rem.
 #pragma once
 
-#include "simulator/host/value.h"
+#include "simulator/host/entities/value.h"
 #include "simulator/language/source.h"
 
 #include <vector>

@@ -1,7 +1,7 @@
 #include "simulator/language/operators.h"
 
-#include "simulator/host/builtin.h"
-#include "simulator/host/variant_entity.h"
+#include "simulator/host/classes/builtin.h"
+#include "simulator/host/entities/variant_entity.h"
 #include "simulator/language/characters.h"
 #include "simulator/language/dates.h"
 

@@ -1,8 +1,8 @@
 #include "simulator/language/plugin_symbols.h"
 
-#include "simulator/host/calls.h"
-#include "simulator/host/runtime.h"
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
+#include "simulator/host/program/calls.h"
+#include "simulator/host/runtime/runtime.h"
 #include "simulator/language/conversions.h"
 #include "simulator/language/program_object.h"
 

@@ -2,7 +2,7 @@
 // the class that it inherits from; the fields that the program adds are kept beside.
 #pragma once
 
-#include "simulator/host/runtime.h"
+#include "simulator/host/runtime/runtime.h"
 #include "simulator/language/execution.h"
 
 namespace sim::language {

@@ -1,7 +1,7 @@
 #include "simulator/language/symbols.h"
 
-#include "simulator/host/stop.h"
-#include "simulator/host/text.h"
+#include "simulator/host/ground/stop.h"
+#include "simulator/host/ground/text.h"
 
 #include <algorithm>
 

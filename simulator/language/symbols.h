@@ -3,7 +3,7 @@
 // function to call.
 #pragma once
 
-#include "simulator/host/classes.h"
+#include "simulator/host/classes/classes.h"
 #include "simulator/language/source.h"
 #include "simulator/language/types.h"
 

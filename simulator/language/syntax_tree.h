@@ -1,7 +1,7 @@
 // A program as it is written, before anything is known of what its names mean.
 #pragma once
 
-#include "simulator/host/value.h"
+#include "simulator/host/entities/value.h"
 #include "simulator/language/source.h"
 
 #include <memory>

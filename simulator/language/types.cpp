@@ -1,6 +1,6 @@
 #include "simulator/language/types.h"
 
-#include "simulator/host/text.h"
+#include "simulator/host/ground/text.h"
 #include "simulator/language/symbols.h"
 
 namespace sim::language {

@@ -1,7 +1,7 @@
 // The types of the host language, and which values fit where.
 #pragma once
 
-#include "simulator/host/declaration.h"
+#include "simulator/host/declarations/declaration.h"
 
 #include <optional>
 #include <string>

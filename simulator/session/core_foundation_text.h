@@ -1,7 +1,7 @@
 // Text on its way between this program's UTF-8 and the stand-in system's strings.
 #pragma once
 
-#include "simulator/host/options.h"
+#include "simulator/host/ground/options.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -3,7 +3,7 @@
 // stand-in's folder numbers say nothing by themselves; the root of the start-up volume is always known.
 #pragma once
 
-#include "simulator/host/options.h"
+#include "simulator/host/ground/options.h"
 
 namespace sim {
 

@@ -1,7 +1,7 @@
 // Arguments for declared methods.
 #pragma once
 
-#include "simulator/host/declaration.h"
+#include "simulator/host/declarations/declaration.h"
 #include "simulator/validate/program.h"
 
 namespace sim::validate {

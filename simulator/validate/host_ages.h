@@ -1,7 +1,7 @@
 // One host of each age at which something about hosts changed.
 #pragma once
 
-#include "simulator/host/options.h"
+#include "simulator/host/ground/options.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 // Level 2: what arrives at hosts of every age.
 #include "simulator/validate/checks.h"
 
-#include "simulator/host/declaration.h"
+#include "simulator/host/declarations/declaration.h"
 #include "simulator/session/session.h"
 #include "simulator/validate/child.h"
 #include "simulator/validate/host_ages.h"

@@ -1,5 +1,5 @@
 // Core Foundation arrays on their way to the host, and how elements are stored on hosts of every age.
-#include "simulator/host/stop.h"
+#include "simulator/host/ground/stop.h"
 #include "tests/convert/value_session.h"
 
 #include <doctest/doctest.h>

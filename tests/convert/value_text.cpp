@@ -1,6 +1,6 @@
 #include "tests/convert/value_text.h"
 
-#include "simulator/host/instance.h"
+#include "simulator/host/classes/instance.h"
 
 #include <algorithm>
 #include <charconv>

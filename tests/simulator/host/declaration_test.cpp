@@ -1,4 +1,4 @@
-#include "simulator/host/declaration.h"
+#include "simulator/host/declarations/declaration.h"
 #include "tests/simulator/host/fixture.h"
 
 namespace tests {

@@ -2,8 +2,8 @@
 // resolver as a plugin asks, and stops that arrive as exceptions.
 #pragma once
 
+#include "simulator/host/ground/stop.h"
 #include "simulator/host/host.h"
-#include "simulator/host/stop.h"
 
 #include <doctest/doctest.h>
 

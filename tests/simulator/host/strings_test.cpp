@@ -1,4 +1,4 @@
-#include "simulator/host/heap.h"
+#include "simulator/host/entities/heap.h"
 #include "tests/simulator/host/fixture.h"
 
 #include <csignal>

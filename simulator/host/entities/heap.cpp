@@ -1,0 +1,178 @@
+#include "simulator/host/entities/heap.h"
+
+#include "simulator/host/ground/stop.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <sys/mman.h>
+
+// Defined by AddressSanitizer when the program is built with it.
+extern "C" [[gnu::weak]] void __asan_poison_memory_region(const volatile void *address, size_t size);
+extern "C" [[gnu::weak]] void __asan_unpoison_memory_region(const volatile void *address, size_t size);
+
+namespace sim::host {
+
+namespace {
+
+/// So many dead blocks are kept before the oldest is given back to the allocator.
+constexpr size_t kQuarantineLength = 200'000;
+constexpr int kDeadByte = 0xDD;
+constexpr int kDeepestDeath = 64;
+
+class Deeper {
+public:
+    explicit Deeper(int &depth) : depth_(depth) { ++depth_; }
+    Deeper(const Deeper &) = delete;
+    Deeper &operator=(const Deeper &) = delete;
+    ~Deeper() { --depth_; }
+
+private:
+    int &depth_;
+};
+
+std::string HandleText(const void *handle) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08x", static_cast<unsigned>(reinterpret_cast<uintptr_t>(handle)));
+    return text;
+}
+
+} // namespace
+
+void ForbidAccess(const void *address, size_t size) {
+    if (__asan_poison_memory_region)
+        __asan_poison_memory_region(address, size);
+}
+
+void AllowAccess(const void *address, size_t size) {
+    if (__asan_unpoison_memory_region)
+        __asan_unpoison_memory_region(address, size);
+}
+
+void *TrapAddress() {
+    static void *page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return page;
+}
+
+std::string Place::Describe() const {
+    std::string text = service ? std::string(service) + " (call " + std::to_string(call) + ")" : "the program";
+    if (during && !during->empty())
+        text += " during " + *during;
+    return text;
+}
+
+Heap::Heap(std::function<Place()> place, bool reuseAddresses)
+    : place_(std::move(place)), reuseAddresses_(reuseAddresses) {}
+
+Heap::~Heap() {
+    auto free = [](std::byte *address, size_t size) {
+        AllowAccess(address, size);
+        std::free(address);
+    };
+    for (const auto &[handle, entity] : live_)
+        free(entity->address, entity->size);
+    for (const DeadBlock &block : quarantine_)
+        free(block.address, block.size);
+    for (const auto &[size, addresses] : reusable_)
+        for (std::byte *address : addresses)
+            free(address, size);
+}
+
+std::byte *Heap::Allocate(size_t size) {
+    if (auto reusable = reusable_.find(size); reusable != reusable_.end() && !reusable->second.empty()) {
+        std::byte *address = reusable->second.back();
+        reusable->second.pop_back();
+        AllowAccess(address, size);
+        return address;
+    }
+    return static_cast<std::byte *>(std::malloc(size));
+}
+
+void Heap::Retire(std::byte *address, size_t size) {
+    AllowAccess(address, size);
+    std::memset(address, kDeadByte, size);
+    ForbidAccess(address, size);
+    if (reuseAddresses_) {
+        reusable_[size].push_back(address);
+        return;
+    }
+    quarantine_.push_back({address, size});
+    if (quarantine_.size() <= kQuarantineLength)
+        return;
+    DeadBlock oldest = quarantine_.front();
+    quarantine_.pop_front();
+    graves_.erase(oldest.address);
+    AllowAccess(oldest.address, oldest.size);
+    std::free(oldest.address);
+}
+
+void Heap::Add(std::unique_ptr<Entity> entity, size_t size) {
+    entity->heap = this;
+    entity->address = Allocate(size);
+    entity->size = size;
+    entity->references = 1;
+    entity->number = ++lastNumber_;
+    entity->madeAt = place_();
+    std::memset(entity->address, 0, size);
+    graves_.erase(entity->address);
+    const void *handle = entity->address;
+    live_[handle] = std::move(entity);
+}
+
+void Heap::Lock(Entity &entity) {
+    if (entity.references == 0)
+        Stop(entity.Describe() + " was locked while it dies, by " + place_().Describe());
+    ++entity.references;
+}
+
+void Heap::Unlock(Entity &entity) {
+    if (entity.references == 0)
+        Stop(entity.Describe() + " was unlocked while it dies, by " + place_().Describe());
+    if (--entity.references > 0)
+        return;
+    deaths_.push_back({&entity, place_()});
+    // What dies inside a death dies at once, as in a real host, but for the depth of the stack: beyond the limit it
+    // waits until there is room again.
+    if (dyingDepth_ == kDeepestDeath)
+        return;
+    Deeper deeper(dyingDepth_);
+    while (!deaths_.empty()) {
+        Death death = deaths_.back();
+        deaths_.pop_back();
+        Bury(*death.entity, death.place);
+    }
+}
+
+void Heap::Bury(Entity &entity, const Place &diedAt) {
+    entity.Die();
+    auto found = live_.find(entity.address);
+    std::unique_ptr<Entity> last = std::move(found->second);
+    live_.erase(found);
+    graves_[last->address] = {last->Describe(), last->madeAt, diedAt};
+    Retire(last->address, last->size);
+}
+
+Entity &Heap::At(const void *handle, const char *what) {
+    if (auto found = live_.find(handle); found != live_.end())
+        return *found->second;
+    std::string reason = place_().Describe() + " was given " + HandleText(handle) + " as " + what + ": ";
+    if (auto grave = graves_.find(handle); grave != graves_.end())
+        Stop(reason + grave->second.description + " is gone; it was made by " + grave->second.madeAt.Describe() +
+             " and died in " + grave->second.diedAt.Describe());
+    Stop(reason + (handle ? "nothing of the host was ever there" : "it must not be null"));
+}
+
+void Heap::StopForKind(const void *handle, const char *what) {
+    Stop(place_().Describe() + " was given " + At(handle, what).Describe() + " as " + what);
+}
+
+void Heap::VisitLive(const Entity::Visitor &visitor) const {
+    std::vector<Entity *> entities;
+    for (const auto &[handle, entity] : live_)
+        entities.push_back(entity.get());
+    std::sort(entities.begin(), entities.end(), [](Entity *a, Entity *b) { return a->number < b->number; });
+    for (Entity *entity : entities)
+        visitor(*entity);
+}
+
+} // namespace sim::host

@@ -1,0 +1,225 @@
+#include "simulator/host/runtime/services.h"
+
+#include "simulator/host/entities/array_entity.h"
+#include "simulator/host/entities/string_entity.h"
+#include "simulator/host/ground/stop.h"
+#include "simulator/host/runtime/runtime.h"
+
+#include <algorithm>
+
+namespace sim::host {
+
+namespace {
+
+std::vector<ServiceRow> BuildTable() {
+    std::vector<ServiceRow> table;
+    for (std::span<const ServiceRow> rows :
+         {RegistrationServices(), ObjectServices(), PropertyServices(), StringServices(), ArrayServices(),
+          VariantServices(), BuiltInServices(), FolderItemServices()})
+        table.insert(table.end(), rows.begin(), rows.end());
+    return table;
+}
+
+/// Whether a service is what a declaration names, for an object of that class.
+bool IsObjectMethod(const ServiceRow &row, const Class &itsClass, std::string_view declaration) {
+    if (row.reach != Reach::kObjectMethod)
+        return false;
+    std::string_view name = row.name;
+    size_t dot = name.find('.');
+    return itsClass.name == name.substr(0, dot) && SameDeclaration(name.substr(dot + 1), declaration);
+}
+
+} // namespace
+
+bool EnterService(int index, const std::string *argumentText) {
+    return Runtime::Current().services.Enter(index, argumentText);
+}
+
+void LeaveService() { Runtime::Current().services.Leave(); }
+
+int IndexOfService(const char *name) { return Services::IndexOf(name); }
+
+bool RecordsCalls() { return Runtime::Current().options.recordCalls; }
+
+bool HasListener() { return static_cast<bool>(Runtime::Current().services.listener); }
+
+void TellListener(const std::string &call) { Runtime::Current().services.listener(call); }
+
+std::string DescribeHandle(const void *handle) {
+    Heap &heap = Runtime::Current().heap;
+    if (!handle)
+        return "null";
+    if (!heap.IsLive(handle))
+        return "...";
+    Entity &entity = heap.At(handle, "an argument");
+    if (const auto *string = dynamic_cast<const StringEntity *>(&entity))
+        return "\"" + ToUTF8(string->GetText()) + "\"";
+    if (const auto *array = dynamic_cast<const ArrayEntity *>(&entity))
+        return array->ClassName() + '[' + std::to_string(array->Count()) + ']';
+    return entity.ClassName();
+}
+
+void RequireLoaded(const void *object, const char *name) {
+    auto &instance = Runtime::Current().heap.Require<Instance>(object, "the object of a loaded method");
+    const char *listed = Services::Table()[static_cast<size_t>(Services::IndexOf(name))].name;
+    if (!instance.loadedMethods.contains(listed))
+        Stop(std::string(name) + " was called on " + instance.Describe() + ", but was not loaded on it");
+}
+
+Services::Services(const HostOptions &options) : options_(options), states_(Table().size()) {
+    for (const std::string &name : options.withheld)
+        Withhold(name, INT32_MAX);
+}
+
+std::span<const ServiceRow> Services::Table() {
+    static const std::vector<ServiceRow> table = BuildTable();
+    return table;
+}
+
+int Services::IndexOf(std::string_view name) {
+    static const std::map<std::string_view, int> indices = [] {
+        std::map<std::string_view, int> found;
+        for (const ServiceRow &row : Table())
+            if (!found.emplace(row.name, static_cast<int>(found.size())).second)
+                Stop(std::string("two services are named ") + row.name);
+        return found;
+    }();
+    auto found = indices.find(name);
+    return found == indices.end() ? -1 : found->second;
+}
+
+Host::Function Services::Element(const char *name) {
+    int index = IndexOf(name);
+    if (index < 0)
+        Stop(std::string("there is no service ") + name);
+    return Table()[static_cast<size_t>(index)].function;
+}
+
+bool Services::IsOffered(const ServiceRow &row) {
+    if (options_.secondNamesOnly && row.reach == Reach::kFirstName)
+        return false;
+    std::string_view name = row.name;
+    if (name == "REALGetRBVersion")
+        return options_.version.has_value();
+    if (name == "REALGetStringCFString")
+        return options_.makeCFString && options_.offersCFStrings.value_or(options_.version.value_or(0) >= row.since);
+    return options_.version.value_or(0) >= row.since;
+}
+
+Host::Function Services::Answer(const std::string &name, const ServiceRow *row) {
+    bool answered = row && IsOffered(*row);
+    if (auto withheld = withheld_.find(name); withheld != withheld_.end()) {
+        answered = false;
+        if (withheld->second != INT32_MAX && --withheld->second == 0)
+            withheld_.erase(withheld);
+    }
+    ++requestCounts_[name];
+    if (options_.recordCalls)
+        requests_.push_back({name, answered, row != nullptr});
+    return answered ? row->function : nullptr;
+}
+
+Host::Function Services::Resolve(const char *name) {
+    if (!name)
+        Stop("the resolver was asked for a null name");
+    int index = IndexOf(name);
+    const ServiceRow *row = index < 0 ? nullptr : &Table()[static_cast<size_t>(index)];
+    bool byName = row && (row->reach == Reach::kName || row->reach == Reach::kFirstName);
+    return Answer(name, byName ? row : nullptr);
+}
+
+Host::Function Services::LoadGlobalMethod(const char *declaration) {
+    for (const ServiceRow &row : Table())
+        if (row.reach == Reach::kGlobalMethod && SameDeclaration(row.name, declaration))
+            return Answer(row.name, &row);
+    return Answer(declaration, nullptr);
+}
+
+Host::Function Services::LoadObjectMethod(Instance &object, const char *declaration) {
+    for (const ServiceRow &row : Table()) {
+        if (!IsObjectMethod(row, object.GetClass(), declaration))
+            continue;
+        Host::Function function = Answer(row.name, &row);
+        if (function)
+            object.loadedMethods.insert(row.name);
+        return function;
+    }
+    return Answer(object.ClassName() + "." + declaration, nullptr);
+}
+
+bool Services::Enter(int index, const std::string *argumentText) {
+    State &state = states_[static_cast<size_t>(index)];
+    const char *name = Table()[static_cast<size_t>(index)].name;
+    int32_t call = ++state.calls;
+    if (argumentText)
+        calls_.push_back({name, name + ("(" + *argumentText + ")")});
+    bool proceed = true;
+    // By position: an action may arm further faults.
+    for (size_t position = 0; position < state.faults.size(); ++position) {
+        Fault fault = state.faults[position];
+        if (call < fault.first || call > fault.last)
+            continue;
+        if (fault.action)
+            fault.action();
+        else if (fault.thrower)
+            fault.thrower();
+        else
+            proceed = false;
+    }
+    running_.push_back({index, static_cast<uint32_t>(call)});
+    return proceed;
+}
+
+const char *Services::RunningName() const {
+    return running_.empty() ? nullptr : Table()[static_cast<size_t>(running_.back().index)].name;
+}
+
+Services::State &Services::StateOf(std::string_view name) {
+    int index = IndexOf(name);
+    if (index < 0)
+        throw ProgramError("there is no service " + std::string(name));
+    return states_[static_cast<size_t>(index)];
+}
+
+void Services::Arm(std::string_view name, Fault fault) {
+    State &state = StateOf(name);
+    fault.first += state.calls;
+    fault.last = fault.last > INT32_MAX - state.calls ? INT32_MAX : fault.last + state.calls;
+    state.faults.push_back(std::move(fault));
+}
+
+void Services::Mend(std::string_view name) { StateOf(name).faults.clear(); }
+
+void Services::Withhold(std::string_view name, int32_t requests) {
+    StateOf(name);
+    withheld_[std::string(name)] = requests;
+}
+
+void Services::Offer(std::string_view name) {
+    StateOf(name);
+    if (auto withheld = withheld_.find(name); withheld != withheld_.end())
+        withheld_.erase(withheld);
+}
+
+int32_t Services::RequestCount(std::string_view name) const {
+    auto found = requestCounts_.find(name);
+    return found == requestCounts_.end() ? 0 : found->second;
+}
+
+int32_t Services::CallCount(std::string_view name) const {
+    int index = IndexOf(name);
+    if (index < 0)
+        throw ProgramError("there is no service " + std::string(name));
+    const State &state = states_[static_cast<size_t>(index)];
+    return state.calls - state.cleared;
+}
+
+void Services::ClearLog() {
+    requests_.clear();
+    requestCounts_.clear();
+    calls_.clear();
+    for (State &state : states_)
+        state.cleared = state.calls;
+}
+
+} // namespace sim::host

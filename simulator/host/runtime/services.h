@@ -1,0 +1,195 @@
+// The table of services, and what happens around each call of one: it is counted, noted, and made to fail where a fault
+// is armed. A service is an ordinary function; its row wraps it in a thunk of the same shape, so that the plugin gets a
+// plain C function and every call passes by here.
+#pragma once
+
+#include "simulator/host/entities/heap.h"
+#include "simulator/host/host.h"
+
+#include <deque>
+#include <map>
+#include <span>
+#include <tuple>
+#include <type_traits>
+
+namespace sim::host {
+
+/// How a service comes to the plugin.
+enum class Reach {
+    kName,         ///< the resolver, by name
+    kFirstName,    ///< the same, and there is an older second name
+    kGlobalMethod, ///< "REALLoadGlobalMethod", by declaration
+    kObjectMethod, ///< "REALLoadObjectMethod", by class and declaration
+    kElement,      ///< handed out by an array service
+};
+
+struct ServiceRow {
+    const char *name;
+    Reach reach;
+    Host::Function function;
+    /// The host version that it came with.
+    double since = 0;
+};
+
+/// Text as a template argument.
+template <size_t N> struct Name {
+    consteval Name(const char (&source)[N]) {
+        for (size_t index = 0; index < N; ++index)
+            text[index] = source[index];
+    }
+    char text[N];
+};
+
+/// Before a service does its work: false when it is to do nothing and give zero. May throw, as a fault.
+bool EnterService(int index, const std::string *argumentText);
+/// Leaves the mark of the service that is being carried out.
+void LeaveService();
+/// The place of a service in the table; asked once per process.
+int IndexOfService(const char *name);
+bool RecordsCalls();
+/// Whether somebody listens to the calls, and telling them.
+bool HasListener();
+void TellListener(const std::string &call);
+/// What a handle stands for: the text of a string, the class of an array and how many elements it has,
+/// the class of an object; "..." for what is no handle.
+std::string DescribeHandle(const void *handle);
+/// Stops unless that method was loaded on that very object.
+void RequireLoaded(const void *object, const char *name);
+
+namespace detail {
+
+inline void Append(std::string &text, const char *argument) {
+    text += text.empty() ? "" : ", ";
+    text += argument ? std::string("\"") + argument + "\"" : "null";
+}
+
+template <class T> void AppendArgument(std::string &text, T argument) {
+    if constexpr (std::is_same_v<T, const char *>)
+        Append(text, argument);
+    else if constexpr (std::is_same_v<T, int32_t>)
+        text += (text.empty() ? "" : ", ") + std::to_string(argument);
+}
+
+template <class T> void AppendHeard(std::string &text, T argument) {
+    text += text.empty() ? "" : ", ";
+    if constexpr (std::is_same_v<T, const char *>)
+        text += argument ? std::string("\"") + argument + "\"" : "null";
+    else if constexpr (std::is_arithmetic_v<T>)
+        text += std::to_string(argument);
+    else
+        text += DescribeHandle(reinterpret_cast<const void *>(argument));
+}
+
+struct LeaveAtEnd {
+    ~LeaveAtEnd() { LeaveService(); }
+};
+
+} // namespace detail
+
+template <Name name, Reach reach, auto function> struct Thunk;
+
+template <Name name, Reach reach, class Result, class... Arguments, Result (*function)(Arguments...)>
+struct Thunk<name, reach, function> {
+    static Result Call(Arguments... arguments) {
+        static const int index = IndexOfService(name.text);
+        std::string text;
+        if (RecordsCalls())
+            (detail::AppendArgument(text, arguments), ...);
+        if (HasListener()) {
+            std::string heard;
+            (detail::AppendHeard(heard, arguments), ...);
+            TellListener(name.text + ("(" + heard + ")"));
+        }
+        if constexpr (reach == Reach::kObjectMethod)
+            RequireLoaded(std::get<0>(std::tie(arguments...)), name.text);
+        bool proceed = EnterService(index, RecordsCalls() ? &text : nullptr);
+        detail::LeaveAtEnd leave;
+        if (!proceed)
+            return Result();
+        return function(arguments...);
+    }
+};
+
+template <Name name, auto function, Reach reach = Reach::kName> ServiceRow Service(double since = 0) {
+    // The thunk outlives the row's use of the name: both are static.
+    static constexpr Name kept = name;
+    return {kept.text, reach, reinterpret_cast<Host::Function>(&Thunk<name, reach, function>::Call), since};
+}
+
+/// The rows, one list per file that implements services.
+std::span<const ServiceRow> RegistrationServices();
+std::span<const ServiceRow> ObjectServices();
+std::span<const ServiceRow> PropertyServices();
+std::span<const ServiceRow> StringServices();
+std::span<const ServiceRow> ArrayServices();
+std::span<const ServiceRow> VariantServices();
+std::span<const ServiceRow> BuiltInServices();
+std::span<const ServiceRow> FolderItemServices();
+
+class Services {
+public:
+    explicit Services(const HostOptions &options);
+
+    /// The answer of the resolver.
+    Host::Function Resolve(const char *name);
+    Host::Function LoadGlobalMethod(const char *declaration);
+    Host::Function LoadObjectMethod(class Instance &object, const char *declaration);
+    /// An element function; stops when the table has none of that name.
+    static Host::Function Element(const char *name);
+
+    bool Enter(int index, const std::string *argumentText);
+    void Leave() { running_.pop_back(); }
+    /// The service being carried out and the number of its call; null between services.
+    const char *RunningName() const;
+    uint32_t RunningCall() const { return running_.empty() ? 0 : running_.back().call; }
+
+    struct Fault {
+        int32_t first;
+        int32_t last;
+        /// Neither: the service returns nothing.
+        std::function<void()> thrower = {};
+        std::function<void()> action = {};
+    };
+    void Arm(std::string_view name, Fault fault);
+    void Mend(std::string_view name);
+    void Withhold(std::string_view name, int32_t requests);
+    void Offer(std::string_view name);
+
+    const std::vector<Request> &Requests() const { return requests_; }
+    const std::vector<ServiceCall> &Calls() const { return calls_; }
+    int32_t RequestCount(std::string_view name) const;
+    int32_t CallCount(std::string_view name) const;
+    void ClearLog();
+
+    std::function<void(const std::string &call)> listener;
+
+    static std::span<const ServiceRow> Table();
+    static int IndexOf(std::string_view name);
+
+private:
+    struct State {
+        int32_t calls = 0;
+        /// Calls at the last ClearLog.
+        int32_t cleared = 0;
+        std::deque<Fault> faults;
+    };
+    struct Running {
+        int index;
+        uint32_t call;
+    };
+
+    State &StateOf(std::string_view name);
+    bool IsOffered(const ServiceRow &row);
+    Host::Function Answer(const std::string &name, const ServiceRow *row);
+
+    const HostOptions &options_;
+    std::vector<State> states_;
+    std::vector<Running> running_;
+    /// Names not found, and for how many more requests.
+    std::map<std::string, int32_t, std::less<>> withheld_;
+    std::vector<Request> requests_;
+    std::map<std::string, int32_t, std::less<>> requestCounts_;
+    std::vector<ServiceCall> calls_;
+};
+
+} // namespace sim::host

@@ -1,0 +1,59 @@
+// Properties by name. A read gives false, and leaves the result alone, when there is no such property or it has another
+// type; setting a property that is not there stops the host, because no plugin has a reason to.
+#include "simulator/host/ground/stop.h"
+#include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/truth.h"
+
+namespace sim::host {
+
+namespace {
+
+Entity &ObjectAt(const void *object) { return Runtime::Current().heap.At(object, "the object of a property"); }
+
+template <class T> uint32_t GetProperty(const void *object, const char *name, T *result) {
+    std::optional<Value> value = GetHostProperty(ObjectAt(object), name);
+    if (!value || !value->Is<T>())
+        return Truth(false);
+    *result = value->As<T>();
+    return Truth(true);
+}
+
+uint32_t GetString(const void *object, const char *name, void **result) {
+    std::optional<Value> value = GetHostProperty(ObjectAt(object), name);
+    if (!value || !value->Is<std::string>())
+        return Truth(false);
+    *result = Runtime::Current().NewString(value->As<Text>()).address;
+    return Truth(true);
+}
+
+uint32_t SetInteger(const void *object, const char *name, int32_t value) {
+    if (!SetHostInteger(ObjectAt(object), name, value))
+        Stop(ObjectAt(object).Describe() + " has no integer property " + name);
+    return Truth(true);
+}
+
+uint32_t SetString(const void *object, const char *name, const void *string) {
+    auto *text = Runtime::Current().heap.RequireOrNull<StringEntity>(string, "the value of a property");
+    if (!SetHostString(ObjectAt(object), name, text))
+        Stop(ObjectAt(object).Describe() + " has no string property " + name);
+    return Truth(true);
+}
+
+} // namespace
+
+std::span<const ServiceRow> PropertyServices() {
+    static const ServiceRow rows[] = {
+        Service<"REALGetPropValueInteger", GetProperty<int32_t>, Reach::kFirstName>(),
+        Service<"REALGetPropValueInt", GetProperty<int32_t>>(),
+        Service<"REALGetPropValueInt64", GetProperty<int64_t>>(),
+        Service<"REALGetPropValueSingle", GetProperty<float>>(),
+        Service<"REALGetPropValueDouble", GetProperty<double>>(),
+        Service<"REALGetPropValueString", GetString>(),
+        Service<"REALSetPropValueInteger", SetInteger, Reach::kFirstName>(),
+        Service<"REALSetPropValueInt", SetInteger>(),
+        Service<"REALSetPropValueString", SetString>(),
+    };
+    return rows;
+}
+
+} // namespace sim::host
