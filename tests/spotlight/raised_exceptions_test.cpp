@@ -4,6 +4,7 @@
 #include "tests/spotlight/support/exception_table.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/plugin_watch.h"
 
 #include <functional>
 #include <stdexcept>
@@ -265,7 +266,7 @@ void AddShrinkingArguments(std::vector<Way> &ways) {
         });
 }
 
-/// What a host throws while a text is built for it, and a class that it does not have.
+/// What a host throws while a text is built for it, no memory for a message, and a class that it does not have.
 void AddHosts(std::vector<Way> &ways) {
     const auto add = [&ways](const char *cause, const std::string &message,
                              const std::vector<std::function<void()>> &throwers) {
@@ -288,6 +289,14 @@ void AddHosts(std::vector<Way> &ways) {
         {[] { throw std::logic_error("no sense"); }});
     add("the host throws something else while a text is built", "Sorry, but there was an unnamed C++ Exception.",
         {[] { throw 42; }});
+    ways.push_back({"*", "there is no memory left for the message of an index outside an array", "Out of Bounds",
+                    [](QueryProgram &program) {
+                        const Object query = program.NewQuery();
+                        const Object options = program.Strings({"a", "b"});
+                        program.Host().Before("REALGetStringEncoding", 1, [options] { options.Resize(0); });
+                        const FailedAllocation failed(1);
+                        query.CallWith("SetSearchScope", {nullptr, options});
+                    }});
     ways.push_back({"*", "the host has no class of the name of the exception that was to be raised", kQueryMessage,
                     [](QueryProgram &program) { WithoutQuery(program).GetValue("ResultCount"); },
                     HostOptions{.missingClasses = {"NilObjectException"}}});
