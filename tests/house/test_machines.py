@@ -7,12 +7,15 @@ the system's own programs.
 
 from __future__ import annotations
 
+import json
 import os
 import shutil
 import subprocess
 import tempfile
 import unittest
 from pathlib import Path
+
+import container
 
 _TREE = Path(os.environ["SOURCE_TREE"])
 _WITHOUT_RIGHTS = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.getuid() == 0 else []
@@ -34,7 +37,9 @@ class Machines(unittest.TestCase):
             shutil.copy(_TREE / place, self.tree / place)
         script = (_TREE / "dev").read_text("utf-8")
         self.assertIn("export PATH=/usr/sbin:", script)
-        (self.tree / "dev").write_text(script.replace("export PATH=", f"export PATH={self.tools}:"), "utf-8")
+        self.assertIn(" /etc/os-release", script)
+        script = script.replace("export PATH=", f"export PATH={self.tools}:")
+        (self.tree / "dev").write_text(script.replace("/etc/os-release", f"{self.tools}/os-release"), "utf-8")
         (self.tree / "dev").chmod(0o755)
 
     def _tool(self, name: str, script: str) -> None:
@@ -48,11 +53,67 @@ class Machines(unittest.TestCase):
         self._tool("dpkg", "[[ $1 != --print-architecture ]] || echo amd64")
         self._tool("apt-get", "exit 1")
         self._tool("id", f"echo {uid}")
+        self._system("bookworm")
         self._tool("sudo", "exit 1")
 
-    def _dev(self, *words: str, rights: bool = True) -> subprocess.CompletedProcess[str]:
+    def _system(self, codename: str) -> None:
+        (self.tools / "os-release").write_text(f"NAME=Linux\nVERSION_CODENAME={codename}\n", "utf-8")
+
+    def _dev(
+        self, *words: str, rights: bool = True, environment: dict[str, str] | None = None
+    ) -> subprocess.CompletedProcess[str]:
         command = [*([] if rights else _WITHOUT_RIGHTS), str(self.tree / "dev"), *words]
-        return subprocess.run(command, cwd="/", stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
+        return subprocess.run(
+            command,
+            cwd="/",
+            env={**os.environ, **(environment or {})},
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
+            check=False,
+        )
+
+    def _sends_to_a_container(self, ran: subprocess.CompletedProcess[str]) -> None:
+        self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+        self.assertEqual(
+            ran.stderr,
+            "dev: this takes Debian 12 on amd64, and elsewhere a container of it (docker or podman): "
+            f"cd {self.tree} && docker build -t spotlight -f Containerfile . && "
+            'docker run --rm -it -v "$PWD:/spotlight" spotlight ./dev run\n',
+        )
+        self.assertNotIn("apt-get", self.calls.read_text("utf-8"))
+
+    def test_another_distribution_is_sent_to_a_container(self) -> None:
+        self._lacks_packages(uid=0)
+        self._system("noble")
+        self._sends_to_a_container(self._dev("run", "--once"))
+
+    def test_another_processor_is_sent_to_a_container(self) -> None:
+        self._lacks_packages(uid=0)
+        self._tool("dpkg", "[[ $1 != --print-architecture ]] || echo arm64")
+        self._sends_to_a_container(self._dev("run", "--once"))
+
+    def test_a_system_that_is_no_linux_is_sent_to_a_container(self) -> None:
+        self._sends_to_a_container(self._dev("run", "--once", environment={"OSTYPE": "darwin23"}))
+
+    def test_a_container_has_all_packages_that_a_command_asks_for(self) -> None:
+        steps = container.steps((_TREE / "Containerfile").read_text("utf-8"))
+        self.assertEqual([word for word, _ in steps], ["FROM", "RUN", "COPY", "RUN", "RUN", "WORKDIR"])
+        self.assertEqual(steps[2][1], "dev.packages /")
+        reads = steps[3][1].partition("&& ")[2].partition(" |")[0].replace("/dev.packages", str(_TREE / "dev.packages"))
+        read = subprocess.run(["sh", "-c", reads], capture_output=True, text=True, check=True).stdout.split()
+        listed = [line.split()[0] for line in (_TREE / "dev.packages").read_text("utf-8").splitlines() if line[:1].isalpha()]
+        self.assertEqual(read, listed)
+        self.assertEqual(
+            [line for line in (_TREE / ".dockerignore").read_text("utf-8").splitlines() if not line.startswith("#")],
+            ["*", "!dev.packages"],
+        )
+
+    def test_an_editor_makes_its_container_of_the_same_file(self) -> None:
+        folder = _TREE / ".devcontainer"
+        build = json.loads((folder / "devcontainer.json").read_text("utf-8"))["build"]
+        self.assertEqual((folder / build["dockerfile"]).resolve(), (_TREE / "Containerfile").resolve())
+        self.assertEqual((folder / build["context"]).resolve(), _TREE.resolve())
 
     def test_adding_an_architecture_is_said_before_it_is_done(self) -> None:
         self._lacks_packages(uid=0)
