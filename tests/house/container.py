@@ -40,7 +40,7 @@ def _inside(root: Path, folder: str, command: list[str]) -> int:
 
 def _begin(root: Path, image: str) -> None:
     """What an image's registry would hand out: the smallest Debian of that version, and how to reach its packages."""
-    suites = {"docker.io/library/debian:12": "bookworm"}
+    suites = {"debian:12": "bookworm"}
     sources = next(path for path in _SOURCES if path.is_file())
     reached = root.parent / f"{root.name}.apt"
     dump = subprocess.run(["apt-config", "dump"], capture_output=True, text=True, check=True).stdout
