@@ -2,6 +2,8 @@
 
 What is remembered of a source is one number, made from everything that the outcome depends on: the source and all that
 it includes of this tree, how it is compiled, the checks, and the versions of the tools and of the headers around it.
+
+The checks visit the declarations of this tree alone, which own_declarations.cpp sees to.
 """
 
 from __future__ import annotations
@@ -18,6 +20,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 _TIDY = "clang-tidy-14"
+_PLUGIN = Path(__file__).with_name("own_declarations.cpp")
 _INCLUDE = re.compile(rb'^[ \t]*#[ \t]*(?:include|import)[ \t]*["<]([^">]+)[">]', re.MULTILINE)
 # The packages whose headers sources include; a new version may mean other findings.
 _PACKAGES = ("clang-tidy-14", "libstdc++-12-dev", "libc6-dev", "libicu-dev", "doctest-dev", "libbenchmark-dev")
@@ -74,7 +77,7 @@ def _output(*command: str, cwd: Path | None = None) -> str:
 
 def _surroundings(root: Path) -> str:
     versions = _output("dpkg-query", "-W", "-f=${Package} ${Version}\n", *_PACKAGES)
-    return versions + (root / ".clang-tidy").read_text("utf-8")
+    return versions + (root / ".clang-tidy").read_text("utf-8") + _PLUGIN.read_text("utf-8")
 
 
 def changed_since(root: Path, reference: str) -> set[Path]:
@@ -95,17 +98,30 @@ def chosen(tree: Tree, changed: set[Path]) -> list[Path]:
     return sorted(found)
 
 
+def built_plugin(tree: Tree) -> Path:
+    """The plugin, compiled where that was not done yet. Its undefined symbols are clang-tidy's own."""
+    source = _PLUGIN.read_bytes()
+    library = tree.build / f"own-declarations-{hashlib.sha256(source).hexdigest()[:16]}.so"
+    if not library.exists():
+        options = ["-std=c++17", "-O1", "-fno-rtti", "-fPIC", "-shared", "-isystem", "/usr/lib/llvm-14/include"]
+        subprocess.run(["clang++-14", *options, str(_PLUGIN), "-o", f"{library}.new"], check=True)
+        Path(f"{library}.new").rename(library)
+    return library
+
+
 def tidy(tree: Tree, sources: list[Path]) -> bool:
     """Whether nothing is found in these. Prints what is."""
     clean = tree.build / "clean"
     clean.mkdir(exist_ok=True)
+    plugin = built_plugin(tree)
 
     def examine(source: Path) -> bool:
         mark = clean / tree.key(source)
         if mark.exists():
             mark.touch()
             return True
-        command = [_TIDY, "-p", str(tree.build), "--quiet", "--warnings-as-errors=*", str(source)]
+        options = [f"--load={plugin}", "-p", str(tree.build), "--quiet", "--warnings-as-errors=*"]
+        command = [_TIDY, *options, str(source)]
         examined = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         if examined.returncode == 0 and not examined.stdout:
             mark.touch()
