@@ -3,7 +3,7 @@
 // none.
 #pragma once
 
-#include "simulator/host/entities/value.h"
+#include "simulator/host/program/object.h"
 
 #include <string>
 #include <utility>

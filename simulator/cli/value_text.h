@@ -1,7 +1,7 @@
 // Values of the host in words: what type a value has, and what it says.
 #pragma once
 
-#include "simulator/host/entities/value.h"
+#include "simulator/host/program/object.h"
 
 #include <string>
 

@@ -6,6 +6,7 @@
 #include "simulator/host/program/balance.h"
 #include "simulator/host/program/calls.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 
 #include <utility>
 
@@ -27,12 +28,12 @@ template <class T> T &RequireBuiltIn(Runtime &runtime, const char *name) {
 
 } // namespace
 
-Host::Host(HostOptions options) : runtime_(std::make_unique<Runtime>(std::move(options))) {}
+Host::Host(HostOptions options) : runtime_(std::make_unique<Runtime>(std::move(options), AllServices())) {}
 
 Host::~Host() = default;
 
 void Host::Start(EntryPoint entryPoint) {
-    Runtime::During during("the plugin's start");
+    Places::During during(runtime_->heap.places, "the plugin's start");
     entryPoint(GetResolver());
 }
 
@@ -60,7 +61,7 @@ std::vector<std::string> Host::CallNames(bool withArguments) const {
 
 std::vector<std::string> Host::ServiceNames() {
     std::vector<std::string> names;
-    for (const ServiceRow &row : Services::Table())
+    for (const ServiceRow &row : AllServices())
         names.emplace_back(row.name);
     return names;
 }

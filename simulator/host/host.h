@@ -15,8 +15,9 @@
 #pragma once
 
 #include "simulator/host/declarations/records.h"
-#include "simulator/host/entities/value.h"
 #include "simulator/host/ground/options.h"
+#include "simulator/host/program/object.h"
+#include "simulator/host/runtime/notes.h"
 
 #include <memory>
 
@@ -24,35 +25,9 @@ namespace sim::host {
 
 class Runtime;
 
-/// One question to the resolver, or one load by declaration.
-struct Request {
-    std::string name;
-    bool answered = false;
-    /// Whether this stand-in has such a service at all; a name that it does not know deserves a look.
-    bool known = false;
-};
-
-/// One call of a service.
-struct ServiceCall {
-    std::string name;
-    /// The name with its text and integer arguments: `PluginNewInstance("Date")`.
-    std::string text;
-};
-
-/// An exception object as it was when it was raised.
-struct RaisedException {
-    std::string className;
-    /// Nothing when "Message" or "ErrorNumber" was never set.
-    std::optional<std::string> message;
-    std::optional<uint32_t> messageEncoding;
-    std::optional<int32_t> errorNumber;
-
-    bool Is(std::string_view name, std::string_view text) const { return className == name && message == text; }
-};
-
 class Host {
 public:
-    using Function = void (*)();
+    using Function = host::Function;
     using Resolver = Function (*)(const char *name);
     using EntryPoint = void (*)(Resolver resolver);
 

@@ -2,6 +2,7 @@
 
 #include "simulator/host/ground/text.h"
 #include "simulator/host/program/calls.h"
+#include "simulator/host/program/property_access.h"
 #include "simulator/host/runtime/runtime.h"
 #include "simulator/language/conversions.h"
 #include "simulator/language/program_object.h"

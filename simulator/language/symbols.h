@@ -4,6 +4,7 @@
 #pragma once
 
 #include "simulator/host/classes/classes.h"
+#include "simulator/host/program/object.h"
 #include "simulator/language/source.h"
 #include "simulator/language/types.h"
 

@@ -1,7 +1,7 @@
 // Values of both worlds in words, as deep as they go, so that a test says what it expects in one line.
 #pragma once
 
-#include "simulator/host/entities/value.h"
+#include "simulator/host/program/object.h"
 #include "tests/convert/core_values.h"
 
 namespace tests {

@@ -1,20 +1,26 @@
 """Checks which way includes point: every room may include itself and the rooms behind it, and nothing else.
 
-The product's rooms stand in one line; those inside the stand-in system stand on each other likewise. The simulator and the product state for themselves what both must agree on, and so
-do the stand-in host and the stand-in system; an include between them would make the test of one against the other worth
-nothing. Only what both read of the platform, in angle brackets, is common ground.
+The product's rooms stand in one line; those inside the stand-in system and inside the stand-in host stand on each other
+likewise. The simulator and the product state for themselves what both must agree on, and so do the stand-in host and
+the stand-in system; an include between them would make the test of one against the other worth nothing. Only what both read of the platform, in angle brackets, is common ground.
 """
 
 from __future__ import annotations
 
 import re
 import sys
+from collections.abc import Iterator
 from pathlib import Path
 
 # Inside the stand-in system: what every part of it stands on, and what most do.
 _GROUND = ("simulator/macos/control",)
 _FOUNDATION = "simulator/macos/CoreFoundation"
 _METADATA = "simulator/macos/CoreServices/metadata"
+
+# Inside the stand-in host: each floor stands on those before it; services and program are neighbours on the last.
+_HOST = "simulator/host"
+_HOST_FLOORS = tuple(f"{_HOST}/{room}" for room in ("ground", "entities", "declarations", "classes", "runtime"))
+_HOST_ROOMS = (*_HOST_FLOORS, f"{_HOST}/services", f"{_HOST}/program")
 
 # Each room and what it may include besides itself. A room within a room stands for itself.
 MAY_INCLUDE: dict[str, tuple[str, ...]] = {
@@ -34,18 +40,19 @@ MAY_INCLUDE: dict[str, tuple[str, ...]] = {
     f"{_METADATA}/query": (
         f"{_METADATA}/store", f"{_METADATA}/expression", f"{_METADATA}/items", _FOUNDATION, *_GROUND
     ),
-    "simulator/host": (),
+    **{room: _HOST_FLOORS[:floor] for floor, room in enumerate(_HOST_FLOORS)},
+    f"{_HOST}/services": _HOST_FLOORS,
+    f"{_HOST}/program": _HOST_FLOORS,
+    _HOST: _HOST_ROOMS,
     "simulator/loader": (),
-    "simulator/session": ("simulator/macos", "simulator/host", "simulator/loader"),
-    "simulator/validate": ("simulator/session", "simulator/macos", "simulator/host", "simulator/loader"),
-    "simulator/cli": ("simulator/session", "simulator/macos", "simulator/host", "simulator/loader"),
-    "simulator/language": ("simulator/cli", "simulator/session", "simulator/macos", "simulator/host"),
+    "simulator/session": ("simulator/macos", _HOST, *_HOST_ROOMS, "simulator/loader"),
+    "simulator/validate": ("simulator/session", "simulator/macos", _HOST, *_HOST_ROOMS, "simulator/loader"),
+    "simulator/cli": ("simulator/session", "simulator/macos", _HOST, *_HOST_ROOMS, "simulator/loader"),
+    "simulator/language": ("simulator/cli", "simulator/session", "simulator/macos", _HOST, *_HOST_ROOMS),
 }
 
 _OWN_FOLDERS = ("plugin", "host", "convert", "spotlight", "simulator", "tests", "fuzz", "bench")
-_INCLUDE = re.compile(
-    rf'^\s*#\s*include\s*(?:"([^"]+)"|<((?:{"|".join(_OWN_FOLDERS)})/[^>]+)>)', re.MULTILINE
-)
+_INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+/[^>]+)>)', re.MULTILINE)
 
 
 def room_of(path: str) -> str | None:
@@ -58,20 +65,30 @@ def _is_in(target: str, allowed: str) -> bool:
     return target.startswith(allowed + "/") and (allowed not in MAY_INCLUDE or room_of(target) == allowed)
 
 
+def includes_in(tree: Path) -> Iterator[tuple[str, str]]:
+    """The includes of a tree: a file, and what it includes of this tree's folders or, below platform, of the system."""
+    for folder in _OWN_FOLDERS:
+        for path in sorted((tree / folder).rglob("*")):
+            if path.suffix not in (".h", ".cpp", ".def"):
+                continue
+            for own, other in _INCLUDE.findall(path.read_text("utf-8")):
+                if own or other.split("/")[0] in _OWN_FOLDERS:
+                    yield str(path.relative_to(tree)), own or other
+                elif (tree / "platform/include" / other).is_file():
+                    yield str(path.relative_to(tree)), f"platform/include/{other}"
+
+
 def misdirected(tree: Path) -> list[str]:
     """Every include in the rooms of this tree that points the wrong way or at nothing, as 'file: sentence'."""
     found = []
-    for room, others in MAY_INCLUDE.items():
-        for path in sorted((tree / room).rglob("*")):
-            where = path.relative_to(tree)
-            if path.suffix not in (".h", ".cpp", ".def") or room_of(str(where)) != room:
-                continue
-            for include in _INCLUDE.finditer(path.read_text("utf-8")):
-                target = include[1] or include[2]
-                if not any(_is_in(target, allowed) for allowed in (room, *others)):
-                    found.append(f"{where}: may not include {target}")
-                elif not (tree / target).is_file():
-                    found.append(f"{where}: includes {target}, which does not exist")
+    for where, target in includes_in(tree):
+        room = room_of(where)
+        if room is None or target.startswith("platform/include/"):
+            continue
+        if not any(_is_in(target, allowed) for allowed in (room, *MAY_INCLUDE[room])):
+            found.append(f"{where}: may not include {target}")
+        elif not (tree / target).is_file():
+            found.append(f"{where}: includes {target}, which does not exist")
     return found
 
 

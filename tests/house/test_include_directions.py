@@ -53,6 +53,22 @@ class IncludeDirections(unittest.TestCase):
         found = self.found_with(simulator__macos__control__a_dot_h='#include "simulator/macos/CoreFoundation/b.h"\n')
         self.assertEqual(found, ["simulator/macos/control/a.h: may not include simulator/macos/CoreFoundation/b.h"])
 
+    def test_inside_the_stand_in_host_arrows_run_one_way_too(self) -> None:
+        found = self.found_with(
+            simulator__host__runtime__a_dot_h='#include "simulator/host/program/b.h"\n',
+            simulator__host__services__a_dot_h='#include "simulator/host/program/b.h"\n',
+            simulator__host__program__b_dot_h='#include "simulator/host/host.h"\n',
+            simulator__host__host_dot_h='#include "simulator/host/program/b.h"\n',
+        )
+        self.assertEqual(
+            found,
+            [
+                "simulator/host/program/b.h: may not include simulator/host/host.h",
+                "simulator/host/runtime/a.h: may not include simulator/host/program/b.h",
+                "simulator/host/services/a.h: may not include simulator/host/program/b.h",
+            ],
+        )
+
     def test_a_room_within_a_room_stands_for_itself(self) -> None:
         query = "simulator/macos/CoreServices/metadata/query/b.h"
         found = self.found_with(

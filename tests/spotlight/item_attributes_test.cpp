@@ -54,7 +54,7 @@ TEST_CASE("GetAttribute gives the converted value of an attribute") {
         CHECK(value("kMDItemTitle") == Value("A letter"));
         CHECK(value("kMDItemNumberOfPages") == Value(3));
         CHECK(value("kMDItemStreamable") == Value(true));
-        CHECK(value("kMDItemDueDate").As<sim::host::DateFields>() == sim::host::DateFields{2014, 6, 30, 23, 30, 59});
+        CHECK(value("kMDItemDueDate").As<sim::host::Object>().Date() == sim::host::DateFields{2014, 6, 30, 23, 30, 59});
         CHECK(host.Raised().empty());
     }
 }

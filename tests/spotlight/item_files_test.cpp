@@ -93,7 +93,7 @@ std::string OutputOf(const std::string &command) {
     return output;
 }
 
-DateFields DateOf(Object &item, const char *name) { return item.Call<DateFields>("GetAttribute", name); }
+DateFields DateOf(Object &item, const char *name) { return item.Call<Object>("GetAttribute", name).Date(); }
 std::string TextOf(Object &item, const char *name) { return item.Call<std::string>("AttributeString", name); }
 double NumberOf(Object &item, const char *name) { return item.Call<double>("AttributeDouble", name); }
 

@@ -177,7 +177,7 @@ TEST_CASE("Values of every kind reach the program: texts, numbers, truth, dates 
     CHECK(value("x_text") == Value("t"));
     CHECK(value("x_truth") == Value(true));
     CHECK(value("x_real") == Value(0.5));
-    const auto date = value("x_date").As<sim::host::DateFields>();
+    const auto date = value("x_date").As<sim::host::Object>().Date();
     CHECK(date == sim::host::DateFields{2014, 6, 30, 15, 4, 5});
     CHECK(value("x_list").As<Object>().As<std::string>() == Names{"one", "two"});
     CHECK(query.Call<uint32_t>("CountOfResultsWithAttributeValue", "x_truth", true) == 1);

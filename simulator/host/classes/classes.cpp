@@ -4,6 +4,7 @@
 #include "simulator/host/ground/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace sim::host {
 

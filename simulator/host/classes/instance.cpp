@@ -2,7 +2,6 @@
 
 #include "simulator/host/classes/classes.h"
 #include "simulator/host/ground/stop.h"
-#include "simulator/host/runtime/runtime.h"
 
 #include <algorithm>
 #include <cstring>
@@ -66,7 +65,7 @@ void Instance::VisitHeld(const Visitor &visitor) const {
 
 void Instance::Die() {
     if (class_.destructor) {
-        Runtime::During during(class_.name + "'s destructor");
+        Places::During during(heap->places, class_.name + "'s destructor");
         reinterpret_cast<void (*)(void *)>(static_cast<uintptr_t>(class_.destructor))(address);
     }
     if (class_.companion && class_.companion->wraps)

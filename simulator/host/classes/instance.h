@@ -31,8 +31,9 @@ public:
     /// The bytes that an instance of the class takes now.
     static size_t SizeFor(const Class &itsClass);
 
+    using EventFunction = std::function<void(Instance &, const std::string &event, std::vector<Value> arguments)>;
     /// Event handlers by the position of the event in its class.
-    std::map<size_t, std::function<void(const EventCall &)>> handlers;
+    std::map<size_t, EventFunction> handlers;
     /// Methods that were loaded on this very instance, by their service names.
     std::set<const char *> loadedMethods;
 

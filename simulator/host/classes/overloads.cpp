@@ -1,7 +1,9 @@
 #include "simulator/host/classes/overloads.h"
 
+#include "simulator/host/classes/instance.h"
+#include "simulator/host/entities/array_entity.h"
+#include "simulator/host/entities/variant_entity.h"
 #include "simulator/host/ground/text.h"
-#include "simulator/host/runtime/runtime.h"
 
 namespace sim::host {
 
@@ -88,8 +90,8 @@ std::string Describe(const std::vector<Value> &arguments) {
 std::optional<int> Distance(const Value &value, const Type &type) {
     if (value.IsNil())
         return type.IsCounted() ? std::optional(type.kind == TypeKind::kVariant ? 2 : 1) : std::nullopt;
-    if (value.Is<Object>())
-        return ObjectDistance(value.As<Object>().Get(), type);
+    if (value.Is<Reference>())
+        return ObjectDistance(value.As<Reference>().Get(), type);
     return type.isArray ? std::nullopt : ScalarDistance(value, type.kind);
 }
 
@@ -128,7 +130,7 @@ const Method &ChooseMethod(const std::string &owner, std::span<const Method> met
 }
 
 Value Widen(const Value &value, const Type &type) {
-    if (type.isArray || value.IsNil() || value.Is<Object>())
+    if (type.isArray || value.IsNil() || value.Is<Reference>())
         return value;
     switch (type.kind) {
     case TypeKind::kUInt32:
@@ -142,6 +144,11 @@ Value Widen(const Value &value, const Type &type) {
     default:
         return value;
     }
+}
+
+void RequireElementFits(const ArrayEntity &array, const Value &value) {
+    if (!Distance(value, ParseType(array.TypeName())))
+        throw ProgramError("an array of " + array.TypeName() + " does not take " + value.Describe());
 }
 
 } // namespace sim::host

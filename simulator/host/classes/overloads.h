@@ -9,6 +9,8 @@
 
 namespace sim::host {
 
+class ArrayEntity;
+
 /// How far a value is from a type: 0 for the same, more for each step of widening, nothing when it does not fit.
 std::optional<int> Distance(const Value &value, const Type &type);
 
@@ -19,5 +21,8 @@ const Method &ChooseMethod(const std::string &owner, std::span<const Method> met
 
 /// The value as the type has it: an integer widened, a preset taken as it is. The value must fit.
 Value Widen(const Value &value, const Type &type);
+
+/// Throws ProgramError when an array of objects may not hold that.
+void RequireElementFits(const ArrayEntity &array, const Value &value);
 
 } // namespace sim::host

@@ -12,6 +12,9 @@ namespace sim::host {
 
 using Word = uint32_t;
 
+/// A function as it passes between host and plugin; who calls it knows its shape.
+using Function = void (*)();
+
 /// The words of one record in the plugin's memory. The host writes to it only where the interface gives it a word.
 struct RawRecord {
     Word *address = nullptr;

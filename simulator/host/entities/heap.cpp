@@ -54,16 +54,6 @@ void *TrapAddress() {
     return page;
 }
 
-std::string Place::Describe() const {
-    std::string text = service ? std::string(service) + " (call " + std::to_string(call) + ")" : "the program";
-    if (during && !during->empty())
-        text += " during " + *during;
-    return text;
-}
-
-Heap::Heap(std::function<Place()> place, bool reuseAddresses)
-    : place_(std::move(place)), reuseAddresses_(reuseAddresses) {}
-
 Heap::~Heap() {
     auto free = [](std::byte *address, size_t size) {
         AllowAccess(address, size);
@@ -112,7 +102,7 @@ void Heap::Add(std::unique_ptr<Entity> entity, size_t size) {
     entity->size = size;
     entity->references = 1;
     entity->number = ++lastNumber_;
-    entity->madeAt = place_();
+    entity->madeAt = places.Now();
     std::memset(entity->address, 0, size);
     graves_.erase(entity->address);
     const void *handle = entity->address;
@@ -121,16 +111,16 @@ void Heap::Add(std::unique_ptr<Entity> entity, size_t size) {
 
 void Heap::Lock(Entity &entity) {
     if (entity.references == 0)
-        Stop(entity.Describe() + " was locked while it dies, by " + place_().Describe());
+        Stop(entity.Describe() + " was locked while it dies, by " + places.Now().Describe());
     ++entity.references;
 }
 
 void Heap::Unlock(Entity &entity) {
     if (entity.references == 0)
-        Stop(entity.Describe() + " was unlocked while it dies, by " + place_().Describe());
+        Stop(entity.Describe() + " was unlocked while it dies, by " + places.Now().Describe());
     if (--entity.references > 0)
         return;
-    deaths_.push_back({&entity, place_()});
+    deaths_.push_back({&entity, places.Now()});
     // What dies inside a death dies at once, as in a real host, but for the depth of the stack: beyond the limit it
     // waits until there is room again.
     if (dyingDepth_ == kDeepestDeath)
@@ -155,7 +145,7 @@ void Heap::Bury(Entity &entity, const Place &diedAt) {
 Entity &Heap::At(const void *handle, const char *what) {
     if (auto found = live_.find(handle); found != live_.end())
         return *found->second;
-    std::string reason = place_().Describe() + " was given " + HandleText(handle) + " as " + what + ": ";
+    std::string reason = places.Now().Describe() + " was given " + HandleText(handle) + " as " + what + ": ";
     if (auto grave = graves_.find(handle); grave != graves_.end())
         Stop(reason + grave->second.description + " is gone; it was made by " + grave->second.madeAt.Describe() +
              " and died in " + grave->second.diedAt.Describe());
@@ -163,7 +153,7 @@ Entity &Heap::At(const void *handle, const char *what) {
 }
 
 void Heap::StopForKind(const void *handle, const char *what) {
-    Stop(place_().Describe() + " was given " + At(handle, what).Describe() + " as " + what);
+    Stop(places.Now().Describe() + " was given " + At(handle, what).Describe() + " as " + what);
 }
 
 void Heap::VisitLive(const Entity::Visitor &visitor) const {

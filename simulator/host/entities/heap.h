@@ -5,26 +5,18 @@
 // wanted.
 #pragma once
 
+#include "simulator/host/entities/places.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
 #include <memory>
-#include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace sim::host {
-
-/// Where in a run something happened: a service call, or the program itself, perhaps inside a call of the program.
-struct Place {
-    const char *service = nullptr;
-    uint32_t call = 0;
-    const std::string *during = nullptr;
-
-    std::string Describe() const;
-};
 
 struct Entity {
     using Visitor = std::function<void(Entity &)>;
@@ -58,8 +50,7 @@ struct Entity {
 
 class Heap {
 public:
-    /// `place` tells where the run is now.
-    Heap(std::function<Place()> place, bool reuseAddresses);
+    explicit Heap(bool reuseAddresses) : reuseAddresses_(reuseAddresses) {}
     Heap(const Heap &) = delete;
     Heap &operator=(const Heap &) = delete;
     ~Heap();
@@ -91,6 +82,8 @@ public:
 
     void VisitLive(const Entity::Visitor &visitor) const;
 
+    Places places;
+
 private:
     struct Grave {
         std::string description;
@@ -113,7 +106,6 @@ private:
     void Retire(std::byte *address, size_t size);
     [[noreturn]] void StopForKind(const void *handle, const char *what);
 
-    std::function<Place()> place_;
     bool reuseAddresses_;
     uint32_t lastNumber_ = 0;
     std::vector<Death> deaths_;

@@ -1,8 +1,5 @@
 #include "simulator/host/entities/value.h"
 
-#include "simulator/host/entities/heap.h"
-#include "simulator/host/ground/text.h"
-
 #include <cstdio>
 #include <ostream>
 
@@ -41,7 +38,7 @@ struct Describer {
         std::snprintf(encoding, sizeof encoding, " (0x%X)", text.encoding);
         return described + encoding;
     }
-    std::string operator()(const Object &object) const { return object.IsNil() ? "nil" : object.Get()->Describe(); }
+    std::string operator()(const Reference &reference) const { return reference.Describe(); }
 };
 
 struct Comparer {
@@ -52,9 +49,9 @@ struct Comparer {
 
 } // namespace
 
-Value::Value(Object object) {
-    if (object)
-        held_ = std::move(object);
+Value::Value(Reference reference) {
+    if (reference)
+        held_ = std::move(reference);
 }
 
 bool Value::operator==(const Value &other) const { return std::visit(Comparer(), held_, other.held_); }
@@ -69,7 +66,7 @@ void Value::ThrowUnlike(const char *wanted) const {
 
 std::ostream &operator<<(std::ostream &out, const Value &value) { return out << value.Describe(); }
 
-std::ostream &operator<<(std::ostream &out, const Object &object) { return out << Value(object).Describe(); }
+std::ostream &operator<<(std::ostream &out, const Reference &reference) { return out << reference.Describe(); }
 
 std::ostream &operator<<(std::ostream &out, const DateFields &date) {
     char text[96];

@@ -74,7 +74,7 @@ double ToDouble(const Value &value) {
         return value.As<double>();
     if (value.Is<std::string>())
         return std::strtod(value.As<std::string>().c_str(), nullptr);
-    if (value.IsNil() || value.Is<Object>())
+    if (value.IsNil() || value.Is<Reference>())
         return 0;
     return static_cast<double>(ToInteger(value));
 }
@@ -88,7 +88,7 @@ std::optional<Text> ToText(const Value &value) {
         return Text{Digits(ToDouble(value)), kASCII};
     if (value.Is<Color>())
         return Text{ColorText(value.As<Color>()), kASCII};
-    if (value.IsNil() || value.Is<Object>())
+    if (value.IsNil() || value.Is<Reference>())
         return std::nullopt;
     return Text{Digits(ToInteger(value)), kASCII};
 }

@@ -1,6 +1,5 @@
 #include "simulator/host/ground/text.h"
 
-#include "simulator/host/entities/value.h"
 #include "simulator/host/ground/stop.h"
 
 #include <algorithm>

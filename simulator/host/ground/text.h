@@ -11,6 +11,9 @@ namespace sim::host {
 /// then still bears the number that was asked for.
 Text Convert(const Text &text, uint32_t encoding);
 
+/// `text` as UTF-8; bytes that are no text in its encoding become U+FFFD. Text of unknown encoding is read as MacRoman.
+std::string ToUTF8(const Text &text);
+
 /// Between UTF-8 and UTF-16 units; ill-formed parts become U+FFFD.
 std::u16string ToUTF16(std::string_view utf8);
 std::string ToUTF8(std::u16string_view utf16);

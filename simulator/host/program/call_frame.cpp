@@ -2,7 +2,7 @@
 
 #include "simulator/host/classes/overloads.h"
 #include "simulator/host/ground/stop.h"
-#include "simulator/host/program/calls.h"
+#include "simulator/host/runtime/plugin_values.h"
 
 #include <bit>
 #include <cstring>
@@ -92,7 +92,9 @@ Value Frame::Call(Word function, const Type &result) const {
     return ValueFromWords(result, words, true);
 }
 
-ProgramCall::ProgramCall(const std::string &what) : during_(what) { ++Runtime::Current().depth; }
+ProgramCall::ProgramCall(const std::string &what) : during_(Runtime::Current().heap.places, what) {
+    ++Runtime::Current().depth;
+}
 
 ProgramCall::~ProgramCall() { --Runtime::Current().depth; }
 

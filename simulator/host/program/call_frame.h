@@ -47,7 +47,7 @@ public:
     void Finish();
 
 private:
-    Runtime::During during_;
+    Places::During during_;
 };
 
 } // namespace sim::host

@@ -1,9 +1,9 @@
-// A plugin's properties: stored ones, which the host reads and writes in the instance's data by itself, and computed
-// ones, which it asks the plugin for.
+#include "simulator/host/program/property_access.h"
+
 #include "simulator/host/classes/overloads.h"
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/program/call_frame.h"
-#include "simulator/host/program/calls.h"
+#include "simulator/host/runtime/plugin_values.h"
 
 #include <cstring>
 

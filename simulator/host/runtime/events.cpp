@@ -1,7 +1,7 @@
 #include "simulator/host/runtime/events.h"
 
 #include "simulator/host/ground/stop.h"
-#include "simulator/host/program/calls.h"
+#include "simulator/host/runtime/plugin_values.h"
 #include "simulator/host/runtime/runtime.h"
 
 #include <array>
@@ -25,11 +25,10 @@ template <size_t slot, size_t... index> struct Handler<slot, std::index_sequence
     }
 };
 
-using Pool = std::array<std::array<Host::Function, kMaxWords + 1>, kSlots>;
+using Pool = std::array<std::array<Function, kMaxWords + 1>, kSlots>;
 
 template <size_t slot, size_t... words> void FillRow(Pool &pool, std::index_sequence<words...>) {
-    ((pool[slot][words] = reinterpret_cast<Host::Function>(&Handler<slot, std::make_index_sequence<words>>::Call)),
-     ...);
+    ((pool[slot][words] = reinterpret_cast<Function>(&Handler<slot, std::make_index_sequence<words>>::Call)), ...);
 }
 
 template <size_t... slots> Pool MakePool(std::index_sequence<slots...>) {
@@ -45,7 +44,7 @@ const Pool &HandlerPool() {
 
 } // namespace
 
-Host::Function Events::HandlerFor(Instance &object, uint32_t identifier) {
+Function Events::HandlerFor(Instance &object, uint32_t identifier) {
     const Class &itsClass = object.GetClass();
     for (size_t event = 0; event < itsClass.events.size(); ++event) {
         if (itsClass.events[event].identifier != identifier)
@@ -73,16 +72,16 @@ void Events::Deliver(size_t slot, void *object, const uint32_t *words) {
     auto handler = instance.handlers.find(slots_[slot].event);
     if (handler == instance.handlers.end())
         Stop("the event " + declaration.name + " was raised on " + instance.Describe() + ", which does not handle it");
-    Runtime::During during(instance.ClassName() + "'s event " + declaration.name);
-    EventCall call = {Object::Share(&instance), declaration.name, {}};
+    Places::During during(Runtime::Current().heap.places, instance.ClassName() + "'s event " + declaration.name);
+    std::vector<Value> arguments;
     for (const Parameter &parameter : declaration.parameters) {
-        call.arguments.push_back(ValueFromWords(parameter.type, words, false));
+        arguments.push_back(ValueFromWords(parameter.type, words, false));
         words += parameter.type.Words();
     }
     // A copy: the handler may replace itself. What it throws must not pass through the plugin.
-    std::function<void(const EventCall &)> function = handler->second;
+    Instance::EventFunction function = handler->second;
     try {
-        function(call);
+        function(instance, declaration.name, std::move(arguments));
     } catch (...) {
         if (!failure_)
             failure_ = std::current_exception();

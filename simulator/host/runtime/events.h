@@ -4,7 +4,7 @@
 #pragma once
 
 #include "simulator/host/declarations/declaration.h"
-#include "simulator/host/host.h"
+#include "simulator/host/declarations/records.h"
 
 #include <exception>
 
@@ -17,7 +17,7 @@ class Events {
 public:
     /// The function for the event with that identifier, or null when the object has no handler for it. An identifier
     /// that no event of the object's class has stops the host.
-    Host::Function HandlerFor(Instance &object, uint32_t identifier);
+    Function HandlerFor(Instance &object, uint32_t identifier);
 
     /// Runs the handler of the event in a slot of the pool; `words` are the declared arguments.
     void Deliver(size_t slot, void *object, const uint32_t *words);

@@ -1,8 +1,7 @@
-// Values as they come from the plugin, held against the type that it declared.
-#include "simulator/host/classes/overloads.h"
+#include "simulator/host/runtime/plugin_values.h"
+
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/ground/text.h"
-#include "simulator/host/program/calls.h"
 #include "simulator/host/runtime/runtime.h"
 
 #include <bit>
@@ -41,7 +40,7 @@ Value CountedFromHandle(const Type &type, const void *handle, bool owned) {
     Value value;
     if (type.isArray) {
         RequireArrayOf(type, runtime.heap.Require<ArrayEntity>(handle, "an array from the plugin"));
-        value = Object::Share(&entity);
+        value = Reference::Share(&entity);
     } else if (type.kind == TypeKind::kString) {
         value = runtime.heap.Require<StringEntity>(handle, "a string from the plugin").GetText();
     } else {
@@ -79,11 +78,6 @@ Value ValueFromWords(const Type &type, const Word *words, bool owned) {
     default:
         return nullptr;
     }
-}
-
-void RequireElementFits(const ArrayEntity &array, const Value &value) {
-    if (!Distance(value, ParseType(array.TypeName())))
-        throw ProgramError("an array of " + array.TypeName() + " does not take " + value.Describe());
 }
 
 } // namespace sim::host

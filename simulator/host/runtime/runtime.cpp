@@ -1,7 +1,7 @@
 #include "simulator/host/runtime/runtime.h"
 
+#include "simulator/host/classes/overloads.h"
 #include "simulator/host/ground/stop.h"
-#include "simulator/host/program/calls.h"
 
 #include <cstring>
 
@@ -33,9 +33,8 @@ Instance &MakeInstance(Heap &heap, const Class &itsClass) {
 
 } // namespace
 
-Runtime::Runtime(HostOptions given)
-    : options(std::move(given)), services(options), heap([this] { return CurrentPlace(); }, options.reuseAddresses),
-      classes(options) {
+Runtime::Runtime(HostOptions given, std::span<const ServiceRow> rows)
+    : options(std::move(given)), heap(options.reuseAddresses), services(rows, options, heap), classes(options) {
     if (current)
         Stop("one host is alive already");
     current = this;
@@ -56,17 +55,6 @@ Runtime &Runtime::Current() {
 }
 
 Runtime *Runtime::CurrentOrNull() { return current; }
-
-Place Runtime::CurrentPlace() const {
-    return {services.RunningName(), services.RunningCall(), during_.empty() ? nullptr : during_.back()};
-}
-
-Runtime::During::During(const std::string &what) {
-    Runtime &runtime = Current();
-    runtime.during_.push_back(&*runtime.places_.insert(what).first);
-}
-
-Runtime::During::~During() { Current().during_.pop_back(); }
 
 StringEntity &Runtime::NewString(Text text) { return MakeString(heap, std::move(text), IsOlderThan(2016.0)); }
 
@@ -95,8 +83,8 @@ Instance *Runtime::NewInstanceNamed(std::string_view className) {
 Entity *Runtime::Box(const Value &value) {
     if (value.IsNil())
         return nullptr;
-    if (value.Is<Object>()) {
-        Entity *entity = value.As<Object>().Get();
+    if (value.Is<Reference>()) {
+        Entity *entity = value.As<Reference>().Get();
         heap.Lock(*entity);
         return entity;
     }
@@ -112,7 +100,7 @@ Value Runtime::Unbox(Entity *entity) {
         return variant->Held();
     if (auto *string = dynamic_cast<StringEntity *>(entity))
         Stop(string->Describe() + " was given as a variant");
-    return Object::Share(entity);
+    return Reference::Share(entity);
 }
 
 Value Runtime::ElementOf(const ArrayEntity &array, int32_t index) {

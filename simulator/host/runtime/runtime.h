@@ -10,13 +10,14 @@
 #include "simulator/host/runtime/events.h"
 #include "simulator/host/runtime/services.h"
 
-#include <set>
+#include <span>
 
 namespace sim::host {
 
 class Runtime {
 public:
-    explicit Runtime(HostOptions given);
+    /// `services` are all that this stand-in has; they must outlive it.
+    Runtime(HostOptions given, std::span<const ServiceRow> services);
     ~Runtime();
 
     /// Stops when no host is alive.
@@ -50,18 +51,9 @@ public:
     /// Raises an exception of the host itself.
     void Raise(std::string className, std::string message);
 
-    /// What the program is doing, for the story of each thing: alive as long as the object.
-    class During {
-    public:
-        explicit During(const std::string &what);
-        During(const During &) = delete;
-        During &operator=(const During &) = delete;
-        ~During();
-    };
-
     const HostOptions options;
-    Services services;
     Heap heap;
+    Services services;
     Classes classes;
     Events events;
     Arrivals arrivals;
@@ -70,12 +62,6 @@ public:
     std::map<std::string, int32_t, std::less<>> expectedLeft;
     /// Calls of the program under way, one inside the other.
     int32_t depth = 0;
-
-private:
-    Place CurrentPlace() const;
-
-    std::set<std::string> places_;
-    std::vector<const std::string *> during_;
 };
 
 } // namespace sim::host

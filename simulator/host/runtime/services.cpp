@@ -11,15 +11,6 @@ namespace sim::host {
 
 namespace {
 
-std::vector<ServiceRow> BuildTable() {
-    std::vector<ServiceRow> table;
-    for (std::span<const ServiceRow> rows :
-         {RegistrationServices(), ObjectServices(), PropertyServices(), StringServices(), ArrayServices(),
-          VariantServices(), BuiltInServices(), FolderItemServices()})
-        table.insert(table.end(), rows.begin(), rows.end());
-    return table;
-}
-
 /// Whether a service is what a declaration names, for an object of that class.
 bool IsObjectMethod(const ServiceRow &row, const Class &itsClass, std::string_view declaration) {
     if (row.reach != Reach::kObjectMethod)
@@ -37,7 +28,7 @@ bool EnterService(int index, const std::string *argumentText) {
 
 void LeaveService() { Runtime::Current().services.Leave(); }
 
-int IndexOfService(const char *name) { return Services::IndexOf(name); }
+int IndexOfService(const char *name) { return Runtime::Current().services.IndexOf(name); }
 
 bool RecordsCalls() { return Runtime::Current().options.recordCalls; }
 
@@ -61,38 +52,30 @@ std::string DescribeHandle(const void *handle) {
 
 void RequireLoaded(const void *object, const char *name) {
     auto &instance = Runtime::Current().heap.Require<Instance>(object, "the object of a loaded method");
-    const char *listed = Services::Table()[static_cast<size_t>(Services::IndexOf(name))].name;
+    const char *listed = Runtime::Current().services.Row(IndexOfService(name)).name;
     if (!instance.loadedMethods.contains(listed))
         Stop(std::string(name) + " was called on " + instance.Describe() + ", but was not loaded on it");
 }
 
-Services::Services(const HostOptions &options) : options_(options), states_(Table().size()) {
+Services::Services(std::span<const ServiceRow> rows, const HostOptions &options, Heap &heap)
+    : rows_(rows), options_(options), heap_(heap), states_(rows.size()) {
+    for (const ServiceRow &row : rows)
+        if (!indices_.emplace(row.name, static_cast<int>(indices_.size())).second)
+            Stop(std::string("two services are named ") + row.name);
     for (const std::string &name : options.withheld)
         Withhold(name, INT32_MAX);
 }
 
-std::span<const ServiceRow> Services::Table() {
-    static const std::vector<ServiceRow> table = BuildTable();
-    return table;
+int Services::IndexOf(std::string_view name) const {
+    auto found = indices_.find(name);
+    return found == indices_.end() ? -1 : found->second;
 }
 
-int Services::IndexOf(std::string_view name) {
-    static const std::map<std::string_view, int> indices = [] {
-        std::map<std::string_view, int> found;
-        for (const ServiceRow &row : Table())
-            if (!found.emplace(row.name, static_cast<int>(found.size())).second)
-                Stop(std::string("two services are named ") + row.name);
-        return found;
-    }();
-    auto found = indices.find(name);
-    return found == indices.end() ? -1 : found->second;
-}
-
-Host::Function Services::Element(const char *name) {
+Function Services::Element(const char *name) const {
     int index = IndexOf(name);
     if (index < 0)
         Stop(std::string("there is no service ") + name);
-    return Table()[static_cast<size_t>(index)].function;
+    return Row(index).function;
 }
 
 bool Services::IsOffered(const ServiceRow &row) {
@@ -106,7 +89,7 @@ bool Services::IsOffered(const ServiceRow &row) {
     return options_.version.value_or(0) >= row.since;
 }
 
-Host::Function Services::Answer(const std::string &name, const ServiceRow *row) {
+Function Services::Answer(const std::string &name, const ServiceRow *row) {
     bool answered = row && IsOffered(*row);
     if (auto withheld = withheld_.find(name); withheld != withheld_.end()) {
         answered = false;
@@ -119,27 +102,27 @@ Host::Function Services::Answer(const std::string &name, const ServiceRow *row) 
     return answered ? row->function : nullptr;
 }
 
-Host::Function Services::Resolve(const char *name) {
+Function Services::Resolve(const char *name) {
     if (!name)
         Stop("the resolver was asked for a null name");
     int index = IndexOf(name);
-    const ServiceRow *row = index < 0 ? nullptr : &Table()[static_cast<size_t>(index)];
+    const ServiceRow *row = index < 0 ? nullptr : &Row(index);
     bool byName = row && (row->reach == Reach::kName || row->reach == Reach::kFirstName);
     return Answer(name, byName ? row : nullptr);
 }
 
-Host::Function Services::LoadGlobalMethod(const char *declaration) {
-    for (const ServiceRow &row : Table())
+Function Services::LoadGlobalMethod(const char *declaration) {
+    for (const ServiceRow &row : rows_)
         if (row.reach == Reach::kGlobalMethod && SameDeclaration(row.name, declaration))
             return Answer(row.name, &row);
     return Answer(declaration, nullptr);
 }
 
-Host::Function Services::LoadObjectMethod(Instance &object, const char *declaration) {
-    for (const ServiceRow &row : Table()) {
+Function Services::LoadObjectMethod(Instance &object, const char *declaration) {
+    for (const ServiceRow &row : rows_) {
         if (!IsObjectMethod(row, object.GetClass(), declaration))
             continue;
-        Host::Function function = Answer(row.name, &row);
+        Function function = Answer(row.name, &row);
         if (function)
             object.loadedMethods.insert(row.name);
         return function;
@@ -149,7 +132,7 @@ Host::Function Services::LoadObjectMethod(Instance &object, const char *declarat
 
 bool Services::Enter(int index, const std::string *argumentText) {
     State &state = states_[static_cast<size_t>(index)];
-    const char *name = Table()[static_cast<size_t>(index)].name;
+    const char *name = Row(index).name;
     int32_t call = ++state.calls;
     if (argumentText)
         calls_.push_back({name, name + ("(" + *argumentText + ")")});
@@ -166,12 +149,8 @@ bool Services::Enter(int index, const std::string *argumentText) {
         else
             proceed = false;
     }
-    running_.push_back({index, static_cast<uint32_t>(call)});
+    heap_.places.Enter(name, static_cast<uint32_t>(call));
     return proceed;
-}
-
-const char *Services::RunningName() const {
-    return running_.empty() ? nullptr : Table()[static_cast<size_t>(running_.back().index)].name;
 }
 
 Services::State &Services::StateOf(std::string_view name) {

@@ -3,8 +3,10 @@
 // plain C function and every call passes by here.
 #pragma once
 
+#include "simulator/host/declarations/records.h"
 #include "simulator/host/entities/heap.h"
-#include "simulator/host/host.h"
+#include "simulator/host/ground/options.h"
+#include "simulator/host/runtime/notes.h"
 
 #include <deque>
 #include <map>
@@ -26,7 +28,7 @@ enum class Reach {
 struct ServiceRow {
     const char *name;
     Reach reach;
-    Host::Function function;
+    Function function;
     /// The host version that it came with.
     double since = 0;
 };
@@ -113,35 +115,23 @@ struct Thunk<name, reach, function> {
 template <Name name, auto function, Reach reach = Reach::kName> ServiceRow Service(double since = 0) {
     // The thunk outlives the row's use of the name: both are static.
     static constexpr Name kept = name;
-    return {kept.text, reach, reinterpret_cast<Host::Function>(&Thunk<name, reach, function>::Call), since};
+    return {kept.text, reach, reinterpret_cast<Function>(&Thunk<name, reach, function>::Call), since};
 }
-
-/// The rows, one list per file that implements services.
-std::span<const ServiceRow> RegistrationServices();
-std::span<const ServiceRow> ObjectServices();
-std::span<const ServiceRow> PropertyServices();
-std::span<const ServiceRow> StringServices();
-std::span<const ServiceRow> ArrayServices();
-std::span<const ServiceRow> VariantServices();
-std::span<const ServiceRow> BuiltInServices();
-std::span<const ServiceRow> FolderItemServices();
 
 class Services {
 public:
-    explicit Services(const HostOptions &options);
+    /// All of them are borrowed. A row's place in the list is the same in every host.
+    Services(std::span<const ServiceRow> rows, const HostOptions &options, Heap &heap);
 
     /// The answer of the resolver.
-    Host::Function Resolve(const char *name);
-    Host::Function LoadGlobalMethod(const char *declaration);
-    Host::Function LoadObjectMethod(class Instance &object, const char *declaration);
+    Function Resolve(const char *name);
+    Function LoadGlobalMethod(const char *declaration);
+    Function LoadObjectMethod(class Instance &object, const char *declaration);
     /// An element function; stops when the table has none of that name.
-    static Host::Function Element(const char *name);
+    Function Element(const char *name) const;
 
     bool Enter(int index, const std::string *argumentText);
-    void Leave() { running_.pop_back(); }
-    /// The service being carried out and the number of its call; null between services.
-    const char *RunningName() const;
-    uint32_t RunningCall() const { return running_.empty() ? 0 : running_.back().call; }
+    void Leave() { heap_.places.Leave(); }
 
     struct Fault {
         int32_t first;
@@ -163,8 +153,9 @@ public:
 
     std::function<void(const std::string &call)> listener;
 
-    static std::span<const ServiceRow> Table();
-    static int IndexOf(std::string_view name);
+    /// -1 when there is no such service.
+    int IndexOf(std::string_view name) const;
+    const ServiceRow &Row(int index) const { return rows_[static_cast<size_t>(index)]; }
 
 private:
     struct State {
@@ -173,18 +164,15 @@ private:
         int32_t cleared = 0;
         std::deque<Fault> faults;
     };
-    struct Running {
-        int index;
-        uint32_t call;
-    };
-
     State &StateOf(std::string_view name);
     bool IsOffered(const ServiceRow &row);
-    Host::Function Answer(const std::string &name, const ServiceRow *row);
+    Function Answer(const std::string &name, const ServiceRow *row);
 
+    std::span<const ServiceRow> rows_;
     const HostOptions &options_;
+    Heap &heap_;
+    std::map<std::string_view, int> indices_;
     std::vector<State> states_;
-    std::vector<Running> running_;
     /// Names not found, and for how many more requests.
     std::map<std::string, int32_t, std::less<>> withheld_;
     std::vector<Request> requests_;

@@ -3,6 +3,7 @@
 // references and take their own; an index outside the array raises "OutOfBoundsException" and does nothing.
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 #include "simulator/host/services/truth.h"
 
 namespace sim::host {
@@ -104,25 +105,25 @@ constexpr ElementFunctions kElementFunctions[] = {
     {ElementKind::kDouble, "double array get", nullptr, nullptr},
 };
 
-Host::Function ElementFunction(const ArrayEntity &array, const char *ElementFunctions::*which) {
+Function ElementFunction(const ArrayEntity &array, const char *ElementFunctions::*which) {
     for (const ElementFunctions &row : kElementFunctions)
         if (row.kind == array.Kind()) {
             if (!(row.*which))
                 Stop("inserting into or setting elements of " + array.Describe() + " is not modelled");
-            return Services::Element(row.*which);
+            return Runtime::Current().services.Element(row.*which);
         }
     return nullptr;
 }
 
 /// The services for one kind of element insist on an array of that kind.
-template <ElementKind kind, const char *ElementFunctions::*which> Host::Function ProcFor(const void *array) {
+template <ElementKind kind, const char *ElementFunctions::*which> Function ProcFor(const void *array) {
     ArrayEntity &entity = ArrayAt(array);
     if (entity.Kind() != kind)
         Stop("an element function for another kind of array was asked for " + entity.Describe());
     return ElementFunction(entity, which);
 }
 
-template <const char *ElementFunctions::*which> Host::Function DirectProc(const void *array) {
+template <const char *ElementFunctions::*which> Function DirectProc(const void *array) {
     return ElementFunction(ArrayAt(array), which);
 }
 

@@ -2,6 +2,7 @@
 // that a plugin loads by declaration.
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 
 namespace sim::host {
 

@@ -2,6 +2,7 @@
 // is there is asked each time. The File Manager's names use a slash where a path has a colon, and the other way round.
 #include "simulator/host/ground/text.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 #include "simulator/host/services/truth.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Objects and their references, classes, and exceptions. Unlocking null does nothing; a dead handle stops the host.
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 #include "simulator/host/services/truth.h"
 
 namespace sim::host {

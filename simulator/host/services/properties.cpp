@@ -2,6 +2,7 @@
 // type; setting a property that is not there stops the host, because no plugin has a reason to.
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 #include "simulator/host/services/truth.h"
 
 namespace sim::host {

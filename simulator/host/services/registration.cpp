@@ -2,6 +2,7 @@
 // by declaration, and event handlers.
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 #include "simulator/host/services/truth.h"
 
 namespace sim::host {
@@ -60,20 +61,20 @@ void RegisterMethod(Word *address) {
     runtime.arrivals.globalMethods.push_back(std::move(record));
 }
 
-Host::Function LoadGlobalMethod(const void *module, const char *declaration) {
+Function LoadGlobalMethod(const void *module, const char *declaration) {
     if (module)
         Stop("a method of a module was to be loaded, which is not modelled");
     return Runtime::Current().services.LoadGlobalMethod(declaration);
 }
 
-Host::Function LoadObjectMethod(const void *object, const char *declaration) {
+Function LoadObjectMethod(const void *object, const char *declaration) {
     Runtime &runtime = Runtime::Current();
     Entity &entity = runtime.heap.At(object, "the object of \"REALLoadObjectMethod\"");
     auto *instance = dynamic_cast<Instance *>(&entity);
     return instance ? runtime.services.LoadObjectMethod(*instance, declaration) : nullptr;
 }
 
-Host::Function GetEventInstance(const void *object, uint32_t identifier) {
+Function GetEventInstance(const void *object, uint32_t identifier) {
     Runtime &runtime = Runtime::Current();
     auto &instance = runtime.heap.Require<Instance>(object, "the object of \"GetEventInstance\"");
     return runtime.events.HandlerFor(instance, identifier);

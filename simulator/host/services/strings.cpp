@@ -3,6 +3,7 @@
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/ground/text.h"
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 #include "simulator/host/services/truth.h"
 
 namespace sim::host {

@@ -1,5 +1,6 @@
 // Variants: making them of scalars and texts, their type code, and their conversions. A null variant is nil.
 #include "simulator/host/runtime/runtime.h"
+#include "simulator/host/services/table.h"
 
 namespace sim::host {
 
