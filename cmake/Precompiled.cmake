@@ -1,7 +1,8 @@
-# Headers that nearly every source includes, read by the compiler once instead of once for each source. A compiler cache
-# does better without: it could not share what was compiled with the precompiled headers of another tree. Sources must
-# still include what they use, which ./dev lint sees to.
-option(SPOTLIGHT_PRECOMPILE "Compile with precompiled headers" ON)
+# Headers are read by the compiler once instead of once for each source: those that nearly every source includes are
+# precompiled, and the sources of some targets are compiled a dozen at a time, so that what their headers make of
+# templates is made once, too. A compiler cache does better without: it could not share what was compiled with the
+# precompiled headers of another tree. Sources must still include what they use, which ./dev lint sees to.
+option(SPOTLIGHT_PRECOMPILE "Compile with precompiled headers, and some sources together" ON)
 if(CMAKE_CXX_COMPILER_LAUNCHER)
   set(SPOTLIGHT_PRECOMPILE OFF)
 endif()
@@ -26,5 +27,12 @@ function(use_precompiled_headers name)
       # The name that CMake defines for a shared library would make it another compilation.
       set_target_properties(${target} PROPERTIES DEFINE_SYMBOL "")
     endforeach()
+  endif()
+endfunction()
+
+# compile_together(<target>...): names that a source keeps to itself must then be its own in the whole target.
+function(compile_together)
+  if(SPOTLIGHT_PRECOMPILE)
+    set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
   endif()
 endfunction()

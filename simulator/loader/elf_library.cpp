@@ -9,7 +9,7 @@
 namespace sim::loader {
 namespace {
 
-const link_map *MapOf(void *handle) {
+const link_map *EntryOf(void *handle) {
     const link_map *map = nullptr;
     dlinfo(handle, RTLD_DI_LINKMAP, &map);
     return map;
@@ -35,7 +35,7 @@ void AddReexports(const link_map &map, std::span<const char *const> reexports, s
         void *handle = dlopen(std::string(needed).c_str(), RTLD_NOW | RTLD_NOLOAD);
         if (!handle)
             continue;
-        const link_map *member = MapOf(handle);
+        const link_map *member = EntryOf(handle);
         dlclose(handle); // whoever needs it keeps it loaded
         if (std::ranges::find(members, member) != members.end())
             continue;
@@ -50,7 +50,7 @@ ElfLibrary::ElfLibrary(const std::string &name, std::span<const char *const> ree
     : handle_(dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (!handle_)
         throw std::runtime_error(dlerror());
-    members_.push_back(MapOf(handle_));
+    members_.push_back(EntryOf(handle_));
     AddReexports(*members_.front(), reexports, members_);
 }
 

@@ -13,10 +13,10 @@ StringEntity::StringEntity(Text text, bool readableInPlace)
 }
 
 void StringEntity::LayOut() {
-    constexpr uint32_t kHostsOwn = 0xB0B0B0B0;
+    constexpr uint32_t kHostWord = 0xB0B0B0B0;
     const void *storage = readableInPlace_ ? storage_.get() : TrapAddress();
     uint32_t length = readableInPlace_ ? static_cast<uint32_t>(text_.bytes.size()) : 0x7FFFFFFF;
-    uint32_t words[] = {kHostsOwn, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(storage)), kHostsOwn, length};
+    uint32_t words[] = {kHostWord, static_cast<uint32_t>(reinterpret_cast<uintptr_t>(storage)), kHostWord, length};
     static_assert(sizeof words == kHandleSize);
     std::memcpy(address, words, sizeof words);
     if (!readableInPlace_)

@@ -11,7 +11,7 @@ namespace {
 constexpr const char *kTypeNames[] = {"nil",      "a boolean", "an integer", "a uint32", "an int64",
                                       "a single", "a double",  "a color",    "a string", "an object"};
 
-std::string Digits(double number) {
+std::string ExactDigits(double number) {
     char text[40];
     std::snprintf(text, sizeof text, "%.17g", number);
     return text;
@@ -23,8 +23,8 @@ struct Describer {
     std::string operator()(int32_t value) const { return std::to_string(value); }
     std::string operator()(uint32_t value) const { return std::to_string(value) + "u"; }
     std::string operator()(int64_t value) const { return std::to_string(value) + "LL"; }
-    std::string operator()(float value) const { return Digits(static_cast<double>(value)) + "f"; }
-    std::string operator()(double value) const { return Digits(value); }
+    std::string operator()(float value) const { return ExactDigits(static_cast<double>(value)) + "f"; }
+    std::string operator()(double value) const { return ExactDigits(value); }
     std::string operator()(Color value) const {
         char text[16];
         std::snprintf(text, sizeof text, "#%06X", value.rgb);

@@ -10,9 +10,9 @@ namespace sim::host {
 
 namespace {
 
-std::string Digits(int64_t number) { return std::to_string(number); }
+std::string Decimal(int64_t number) { return std::to_string(number); }
 
-std::string Digits(double number) {
+std::string Decimal(double number) {
     char text[32];
     auto [end, error] = std::to_chars(text, text + sizeof text, number);
     return {text, end};
@@ -85,12 +85,12 @@ std::optional<Text> ToText(const Value &value) {
     if (value.Is<bool>())
         return Text{value.As<bool>() ? "True" : "False", kASCII};
     if (value.Is<float>() || value.Is<double>())
-        return Text{Digits(ToDouble(value)), kASCII};
+        return Text{Decimal(ToDouble(value)), kASCII};
     if (value.Is<Color>())
         return Text{ColorText(value.As<Color>()), kASCII};
     if (value.IsNil() || value.Is<Reference>())
         return std::nullopt;
-    return Text{Digits(ToInteger(value)), kASCII};
+    return Text{Decimal(ToInteger(value)), kASCII};
 }
 
 } // namespace sim::host

@@ -9,34 +9,34 @@ namespace sim::host {
 
 namespace {
 
-Entity &ObjectAt(const void *object) { return Runtime::Current().heap.At(object, "the object of a property"); }
+Entity &Owner(const void *object) { return Runtime::Current().heap.At(object, "the object of a property"); }
 
 template <class T> uint32_t GetProperty(const void *object, const char *name, T *result) {
-    std::optional<Value> value = GetHostProperty(ObjectAt(object), name);
+    std::optional<Value> value = GetHostProperty(Owner(object), name);
     if (!value || !value->Is<T>())
         return Truth(false);
     *result = value->As<T>();
     return Truth(true);
 }
 
-uint32_t GetString(const void *object, const char *name, void **result) {
-    std::optional<Value> value = GetHostProperty(ObjectAt(object), name);
+uint32_t GetStringProperty(const void *object, const char *name, void **result) {
+    std::optional<Value> value = GetHostProperty(Owner(object), name);
     if (!value || !value->Is<std::string>())
         return Truth(false);
     *result = Runtime::Current().NewString(value->As<Text>()).address;
     return Truth(true);
 }
 
-uint32_t SetInteger(const void *object, const char *name, int32_t value) {
-    if (!SetHostInteger(ObjectAt(object), name, value))
-        Stop(ObjectAt(object).Describe() + " has no integer property " + name);
+uint32_t SetIntegerProperty(const void *object, const char *name, int32_t value) {
+    if (!SetHostInteger(Owner(object), name, value))
+        Stop(Owner(object).Describe() + " has no integer property " + name);
     return Truth(true);
 }
 
-uint32_t SetString(const void *object, const char *name, const void *string) {
+uint32_t SetStringProperty(const void *object, const char *name, const void *string) {
     auto *text = Runtime::Current().heap.RequireOrNull<StringEntity>(string, "the value of a property");
-    if (!SetHostString(ObjectAt(object), name, text))
-        Stop(ObjectAt(object).Describe() + " has no string property " + name);
+    if (!SetHostString(Owner(object), name, text))
+        Stop(Owner(object).Describe() + " has no string property " + name);
     return Truth(true);
 }
 
@@ -49,10 +49,10 @@ std::span<const ServiceRow> PropertyServices() {
         Service<"REALGetPropValueInt64", GetProperty<int64_t>>(),
         Service<"REALGetPropValueSingle", GetProperty<float>>(),
         Service<"REALGetPropValueDouble", GetProperty<double>>(),
-        Service<"REALGetPropValueString", GetString>(),
-        Service<"REALSetPropValueInteger", SetInteger, Reach::kFirstName>(),
-        Service<"REALSetPropValueInt", SetInteger>(),
-        Service<"REALSetPropValueString", SetString>(),
+        Service<"REALGetPropValueString", GetStringProperty>(),
+        Service<"REALSetPropValueInteger", SetIntegerProperty, Reach::kFirstName>(),
+        Service<"REALSetPropValueInt", SetIntegerProperty>(),
+        Service<"REALSetPropValueString", SetStringProperty>(),
     };
     return rows;
 }

@@ -48,8 +48,8 @@ CFRef<CFArrayRef> MakeArray(std::span<const CFTypeRef> objects) {
 
 namespace {
 
-FallibleCall create("CFArrayCreate");
-FallibleCall createMutable("CFArrayCreateMutable");
+FallibleCall createArray("CFArrayCreate");
+FallibleCall createMutableArray("CFArrayCreateMutable");
 
 } // namespace
 
@@ -65,7 +65,7 @@ CFTypeID CFArrayGetTypeID() {
 CFArrayRef CFArrayCreate(CFAllocatorRef, const void **values, CFIndex count, const CFArrayCallBacks *callBacks) {
     if (count < 0 || (count > 0 && !values))
         Stop("CFArrayCreate was given no values, or less than none");
-    if (create.Fails())
+    if (createArray.Fails())
         return nullptr;
     auto *array = new Array(callBacks, false);
     auto held = CFRef<CFArrayRef>::Adopt(array->As<CFArrayRef>());
@@ -77,7 +77,7 @@ CFArrayRef CFArrayCreate(CFAllocatorRef, const void **values, CFIndex count, con
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex capacity, const CFArrayCallBacks *callBacks) {
     if (capacity < 0)
         Stop("CFArrayCreateMutable was given a negative capacity");
-    if (createMutable.Fails())
+    if (createMutableArray.Fails())
         return nullptr;
     return (new Array(callBacks, true))->As<CFMutableArrayRef>();
 }

@@ -15,7 +15,7 @@ using namespace sim::macos;
 
 namespace {
 
-FallibleCall create("CFBundleCreate");
+FallibleCall createBundle("CFBundleCreate");
 FallibleCall loadExecutable("CFBundleLoadExecutable");
 
 class Bundle final : public Object {
@@ -59,7 +59,7 @@ CFTypeID CFBundleGetTypeID() {
 
 CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef url) {
     const std::optional<std::string> path = FilePathOf(url);
-    if (create.Fails() || !path)
+    if (createBundle.Fails() || !path)
         return nullptr;
     std::optional<std::string> existing = ExistingPath(*path);
     if (!existing || !IsDirectory(*existing))

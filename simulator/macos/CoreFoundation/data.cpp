@@ -26,7 +26,7 @@ CFRef<CFDataRef> MakeData(std::span<const UInt8> bytes) {
 
 namespace {
 
-FallibleCall create("CFDataCreate");
+FallibleCall createData("CFDataCreate");
 std::optional<CFIndex> claimedLength;
 
 } // namespace
@@ -49,7 +49,7 @@ CFTypeID CFDataGetTypeID() {
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8 *bytes, CFIndex length) {
     if (length > 0 && !bytes)
         Stop("CFDataCreate was given no bytes");
-    if (create.Fails() || length < 0)
+    if (createData.Fails() || length < 0)
         return nullptr;
     return MakeData({bytes, static_cast<std::size_t>(length)}).Give();
 }

@@ -48,7 +48,7 @@ void RequireGmt(CFTimeZoneRef timeZone) {
         Stop("calendars of time zones other than GMT are not modelled");
 }
 
-FallibleCall create("CFDateCreate");
+FallibleCall createDate("CFDateCreate");
 
 } // namespace
 
@@ -65,7 +65,7 @@ CFTypeID CFDateGetTypeID() {
     return type;
 }
 
-CFDateRef CFDateCreate(CFAllocatorRef, CFAbsoluteTime at) { return create.Fails() ? nullptr : MakeDate(at).Give(); }
+CFDateRef CFDateCreate(CFAllocatorRef, CFAbsoluteTime at) { return createDate.Fails() ? nullptr : MakeDate(at).Give(); }
 
 CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date) { return Expect<Date>(date).At(); }
 

@@ -104,7 +104,7 @@ CFRef<CFDictionaryRef> MakeDictionary(std::span<const std::pair<CFTypeRef, CFTyp
 
 namespace {
 
-FallibleCall createMutable("CFDictionaryCreateMutable");
+FallibleCall createMutableDictionary("CFDictionaryCreateMutable");
 
 } // namespace
 
@@ -122,7 +122,7 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex capacit
                                                  const CFDictionaryValueCallBacks *valueCallBacks) {
     if (capacity < 0)
         Stop("CFDictionaryCreateMutable was given a negative capacity");
-    if (createMutable.Fails())
+    if (createMutableDictionary.Fails())
         return nullptr;
     return (new Dictionary(keyCallBacks, valueCallBacks, true))->As<CFMutableDictionaryRef>();
 }

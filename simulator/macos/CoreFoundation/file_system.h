@@ -17,6 +17,9 @@
 
 namespace sim::macos {
 
+/// What the File Manager answers when there is no memory.
+constexpr OSErr kMemoryFullError = -108;
+
 /// The path of an existing item as the file system spells it, without symbolic links, "." and ".." on the way to it and
 /// without a slash at the end. The path must be absolute; names in UTF-8.
 std::optional<std::string> ExistingPath(std::string_view path);

@@ -109,7 +109,7 @@ bool SameValue(std::int64_t integer, double real) {
     return StoreInteger<std::int64_t>(&whole, real) && whole == integer && !(real == 0 && std::signbit(real));
 }
 
-FallibleCall create("CFNumberCreate");
+FallibleCall createNumber("CFNumberCreate");
 
 } // namespace
 
@@ -207,7 +207,7 @@ CFTypeID CFNumberGetTypeID() {
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void *value) {
     if (!value)
         Stop("CFNumberCreate was given no value");
-    if (create.Fails())
+    if (createNumber.Fails())
         return nullptr;
     return MakeNumber(type, value).Give();
 }

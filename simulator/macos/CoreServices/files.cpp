@@ -19,8 +19,6 @@ using namespace sim::macos;
 
 namespace {
 
-constexpr OSErr kMemoryFullError = -108;
-
 FallibleCall getCatalogInfo("FSGetCatalogInfo");
 
 std::u16string NameOf(const ReferencedItem &item) {

@@ -11,8 +11,6 @@ using namespace sim::macos;
 
 namespace {
 
-constexpr OSErr kMemoryFullError = -108;
-
 FallibleCall findFolder("FSFindFolder");
 
 } // namespace

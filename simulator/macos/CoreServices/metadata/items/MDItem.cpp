@@ -9,7 +9,7 @@ namespace {
 
 using namespace sim::macos;
 
-const FallibleCall createCall("MDItemCreateWithURL");
+const FallibleCall createWithURLCall("MDItemCreateWithURL");
 const FallibleCall copyAttributeCall("MDItemCopyAttribute");
 const FallibleCall copyAttributesCall("MDItemCopyAttributes");
 const FallibleCall copyAttributeNamesCall("MDItemCopyAttributeNames");
@@ -28,7 +28,7 @@ std::string PathOf(CFURLRef url) {
 CFTypeID MDItemGetTypeID(void) { return Item::Type(); }
 
 MDItemRef MDItemCreateWithURL(CFAllocatorRef, CFURLRef url) {
-    if (createCall.Fails())
+    if (createWithURLCall.Fails())
         return nullptr;
     const OwnCalls own;
     return Item::CreateForPath(PathOf(url));

@@ -21,7 +21,7 @@ CFTypeRef Kind(FileFacts &file) {
     return type ? TextValue(type->kind) : nullptr;
 }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kContentTypeReaders[] = {
     {"kMDItemContentType", ContentType},
     {"kMDItemContentTypeTree", ContentTypeTree},
     {"kMDItemKind", Kind},
@@ -29,6 +29,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> ContentTypeAttributes() { return kReaders; }
+std::span<const AttributeReader> ContentTypeAttributes() { return kContentTypeReaders; }
 
 } // namespace sim::macos

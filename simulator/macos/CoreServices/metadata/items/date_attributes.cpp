@@ -30,7 +30,7 @@ template <statx_timestamp(statx::*time)> CFTypeRef Time(FileFacts &file) {
     return status ? DateOf(status->*time) : nullptr;
 }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kDateReaders[] = {
     {"kMDItemFSCreationDate", Birth},
     {"kMDItemContentCreationDate", Birth},
     {"kMDItemDateAdded", Birth},
@@ -42,6 +42,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> DateAttributes() { return kReaders; }
+std::span<const AttributeReader> DateAttributes() { return kDateReaders; }
 
 } // namespace sim::macos

@@ -49,7 +49,7 @@ CFTypeRef StarRating(FileFacts &file) {
     return halfStars % 2 == 0 ? NumberValue(std::int64_t{halfStars / 2}) : NumberValue(halfStars / 2.0);
 }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kDesktopReaders[] = {
     {"kMDItemFinderComment", Text<"user.xdg.comment">},
     {"kMDItemComment", Text<"user.xdg.comment">},
     {"kMDItemKeywords", List<"user.xdg.tags">},
@@ -70,6 +70,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> DesktopAttributes() { return kReaders; }
+std::span<const AttributeReader> DesktopAttributes() { return kDesktopReaders; }
 
 } // namespace sim::macos

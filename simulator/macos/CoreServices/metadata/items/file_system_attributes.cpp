@@ -37,7 +37,7 @@ template <int mode> CFTypeRef Access(FileFacts &file) {
     return file.Status() ? BooleanValue(access(file.Path().c_str(), mode) == 0) : nullptr;
 }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kFileSystemReaders[] = {
     {"kMDItemFSSize", Size},
     {"kMDItemFSOwnerUserID", Owner<&statx::stx_uid>},
     {"kMDItemFSOwnerGroupID", Owner<&statx::stx_gid>},
@@ -49,6 +49,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> FileSystemAttributes() { return kReaders; }
+std::span<const AttributeReader> FileSystemAttributes() { return kFileSystemReaders; }
 
 } // namespace sim::macos

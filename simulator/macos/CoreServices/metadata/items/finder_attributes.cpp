@@ -21,7 +21,7 @@ CFTypeRef Label(FileFacts &file) {
     return file.Status() ? NumberValue(std::int64_t{ReadFinderInfo(file).label}) : nullptr;
 }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kFinderReaders[] = {
     {"kMDItemFSHasCustomIcon", Flag<&FinderInfo::hasCustomIcon>},
     {"kMDItemFSIsExtensionHidden", Flag<&FinderInfo::isExtensionHidden>},
     {"kMDItemFSIsStationery", Flag<&FinderInfo::isStationery>},
@@ -31,6 +31,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> FinderAttributes() { return kReaders; }
+std::span<const AttributeReader> FinderAttributes() { return kFinderReaders; }
 
 } // namespace sim::macos

@@ -36,7 +36,7 @@ CFTypeRef Orientation(FileFacts &file) {
     return NumberValue(std::int64_t{image->isShownOnItsSide ? isStoredWide : isStoredTall});
 }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kImageReaders[] = {
     {"kMDItemPixelWidth", Field<&ImageHeader::pixelWidth>},
     {"kMDItemPixelHeight", Field<&ImageHeader::pixelHeight>},
     {"kMDItemPixelCount", PixelCount},
@@ -53,6 +53,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> ImageAttributes() { return kReaders; }
+std::span<const AttributeReader> ImageAttributes() { return kImageReaders; }
 
 } // namespace sim::macos

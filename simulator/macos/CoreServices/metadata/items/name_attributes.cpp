@@ -19,7 +19,7 @@ CFTypeRef DisplayName(FileFacts &file) {
 
 CFTypeRef Path(FileFacts &file) { return FileNameValue(file.Path()); }
 
-constexpr AttributeReader kReaders[] = {
+constexpr AttributeReader kNameReaders[] = {
     {"kMDItemFSName", FSName},
     {"kMDItemDisplayName", DisplayName},
     {"kMDItemPath", Path},
@@ -27,6 +27,6 @@ constexpr AttributeReader kReaders[] = {
 
 } // namespace
 
-std::span<const AttributeReader> NameAttributes() { return kReaders; }
+std::span<const AttributeReader> NameAttributes() { return kNameReaders; }
 
 } // namespace sim::macos

@@ -6,25 +6,23 @@ namespace sim::macos {
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr std::size_t kMostBytes = 10'000'000;
 
 bool IsPlain(const UniformType &type) {
     return ConformsTo(type, "public.text") && !ConformsTo(type, "public.html") && !ConformsTo(type, "public.rtf");
 }
 
-bool BeginsWithUTF16Mark(const Bytes &bytes) {
+bool BeginsWithUTF16Mark(const std::vector<std::uint8_t> &bytes) {
     return bytes.size() >= 2 && ((bytes[0] == 0xFE && bytes[1] == 0xFF) || (bytes[0] == 0xFF && bytes[1] == 0xFE));
 }
 
-CFStringRef Decode(const Bytes &bytes, CFStringEncoding encoding) {
+CFStringRef Decode(const std::vector<std::uint8_t> &bytes, CFStringEncoding encoding) {
     return CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()), encoding,
                                    true);
 }
 
 /// A cut in the middle of a character would make the whole no UTF-8.
-void DropCutCharacter(Bytes &bytes) {
+void DropCutCharacter(std::vector<std::uint8_t> &bytes) {
     std::size_t start = bytes.size();
     while (start > 0 && bytes.size() - start < 4) {
         start--;
@@ -43,7 +41,7 @@ CFTypeRef CopyTextContent(FileFacts &file) {
     const UniformType *type = file.IsRegularFile() ? file.Type() : nullptr;
     if (!type || !IsPlain(*type))
         return nullptr;
-    Bytes bytes = FileBytes(file.Path()).Read(0, kMostBytes);
+    std::vector<std::uint8_t> bytes = FileBytes(file.Path()).Read(0, kMostBytes);
     if (bytes.empty())
         return nullptr;
     if (BeginsWithUTF16Mark(bytes)) {

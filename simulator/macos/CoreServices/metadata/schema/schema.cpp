@@ -17,13 +17,12 @@ struct Row {
     std::string_view displayDescription;
 };
 
-using enum ElementType;
 constexpr bool Single = false;
 constexpr bool Multiple = true;
 
 constexpr Row kRows[] = {
 #define SCHEMA_ATTRIBUTE(key, type, multiplicity, displayName, displayDescription)                                     \
-    {#key, type, multiplicity, displayName, displayDescription},
+    {#key, ElementType::type, multiplicity, displayName, displayDescription},
 #include "simulator/macos/CoreServices/metadata/schema/attributes.def"
 };
 
@@ -31,19 +30,19 @@ constexpr Row kRows[] = {
 
 CFTypeID TypeIDOf(ElementType type) {
     switch (type) {
-    case String:
+    case ElementType::String:
         return CFStringGetTypeID();
-    case Number:
+    case ElementType::Number:
         return CFNumberGetTypeID();
-    case Date:
+    case ElementType::Date:
         return CFDateGetTypeID();
-    case Boolean:
+    case ElementType::Boolean:
         return CFBooleanGetTypeID();
-    case Data:
+    case ElementType::Data:
         return CFDataGetTypeID();
-    case Dictionary:
+    case ElementType::Dictionary:
         return CFDictionaryGetTypeID();
-    case UUID:
+    case ElementType::UUID:
         return CFUUIDGetTypeID();
     }
     Stop("The schema has no such type of value.");
