@@ -14,6 +14,11 @@ namespace {
 constexpr size_t kSlots = 32;
 constexpr size_t kMaxWords = 8;
 
+// What the many handlers have in common, compiled once.
+[[gnu::noinline]] void Relay(size_t slot, void *object, const uint32_t *words) {
+    Runtime::Current().events.Deliver(slot, object, words);
+}
+
 template <size_t> using OneWord = uint32_t;
 
 template <size_t slot, class Indices> struct Handler;
@@ -21,7 +26,7 @@ template <size_t slot, class Indices> struct Handler;
 template <size_t slot, size_t... index> struct Handler<slot, std::index_sequence<index...>> {
     static void Call(void *object, OneWord<index>... words) {
         const std::array<uint32_t, sizeof...(words) + 1> all = {words..., 0};
-        Runtime::Current().events.Deliver(slot, object, all.data());
+        Relay(slot, object, all.data());
     }
 };
 

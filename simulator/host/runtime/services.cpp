@@ -20,22 +20,10 @@ bool IsObjectMethod(const ServiceRow &row, const Class &itsClass, std::string_vi
     return itsClass.name == name.substr(0, dot) && SameDeclaration(name.substr(dot + 1), declaration);
 }
 
-} // namespace
+std::string InQuotes(const char *text) { return text ? std::string("\"") + text + "\"" : "null"; }
 
-bool EnterService(int index, const std::string *argumentText) {
-    return Runtime::Current().services.Enter(index, argumentText);
-}
-
-void LeaveService() { Runtime::Current().services.Leave(); }
-
-int IndexOfService(const char *name) { return Runtime::Current().services.IndexOf(name); }
-
-bool RecordsCalls() { return Runtime::Current().options.recordCalls; }
-
-bool HasListener() { return static_cast<bool>(Runtime::Current().services.listener); }
-
-void TellListener(const std::string &call) { Runtime::Current().services.listener(call); }
-
+/// What a handle stands for: the text of a string, the class of an array and how many elements it has, the class of an
+/// object; "..." for what is no handle.
 std::string DescribeHandle(const void *handle) {
     Heap &heap = Runtime::Current().heap;
     if (!handle)
@@ -50,12 +38,54 @@ std::string DescribeHandle(const void *handle) {
     return entity.ClassName();
 }
 
-void RequireLoaded(const void *object, const char *name) {
-    auto &instance = Runtime::Current().heap.Require<Instance>(object, "the object of a loaded method");
-    const char *listed = Runtime::Current().services.Row(IndexOfService(name)).name;
-    if (!instance.loadedMethods.contains(listed))
+std::string Described(const Argument &argument) {
+    if (const auto *text = std::get_if<const char *>(&argument))
+        return InQuotes(*text);
+    if (const auto *handle = std::get_if<const void *>(&argument))
+        return DescribeHandle(*handle);
+    if (const auto *number = std::get_if<double>(&argument))
+        return std::to_string(*number);
+    const auto *small = std::get_if<int32_t>(&argument);
+    return std::to_string(small ? *small : std::get<int64_t>(argument));
+}
+
+/// The arguments as a listener hears them, or only the texts and the numbers that are noted with a call.
+std::string ListOf(std::initializer_list<Argument> arguments, bool notedOnly) {
+    std::string list;
+    for (const Argument &argument : arguments) {
+        const bool isNoted =
+            std::holds_alternative<const char *>(argument) || std::holds_alternative<int32_t>(argument);
+        if (isNoted || !notedOnly)
+            list += (list.empty() ? "" : ", ") + Described(argument);
+    }
+    return list;
+}
+
+/// Stops unless that method was loaded on that very object.
+void RequireLoaded(const Argument &object, const char *name) {
+    auto &instance =
+        Runtime::Current().heap.Require<Instance>(std::get<const void *>(object), "the object of a loaded method");
+    if (!instance.loadedMethods.contains(name))
         Stop(std::string(name) + " was called on " + instance.Describe() + ", but was not loaded on it");
 }
+
+} // namespace
+
+int IndexOfService(const char *name) { return Runtime::Current().services.IndexOf(name); }
+
+Passage::Passage(int index, std::initializer_list<Argument> arguments) {
+    Runtime &runtime = Runtime::Current();
+    const ServiceRow &row = runtime.services.Row(index);
+    if (runtime.services.listener)
+        runtime.services.listener(row.name + ("(" + ListOf(arguments, false) + ")"));
+    if (row.reach == Reach::kObjectMethod)
+        RequireLoaded(*arguments.begin(), row.name);
+    const bool isNoted = runtime.options.recordCalls;
+    const std::string noted = isNoted ? ListOf(arguments, true) : std::string();
+    proceeds_ = runtime.services.Enter(index, isNoted ? &noted : nullptr);
+}
+
+Passage::~Passage() { Runtime::Current().services.Leave(); }
 
 Services::Services(std::span<const ServiceRow> rows, const HostOptions &options, Heap &heap)
     : rows_(rows), options_(options), heap_(heap), states_(rows.size()) {

@@ -9,10 +9,11 @@
 #include "simulator/host/runtime/notes.h"
 
 #include <deque>
+#include <initializer_list>
 #include <map>
 #include <span>
-#include <tuple>
 #include <type_traits>
+#include <variant>
 
 namespace sim::host {
 
@@ -42,51 +43,39 @@ template <size_t N> struct Name {
     char text[N];
 };
 
-/// Before a service does its work: false when it is to do nothing and give zero. May throw, as a fault.
-bool EnterService(int index, const std::string *argumentText);
-/// Leaves the mark of the service that is being carried out.
-void LeaveService();
+/// An argument as it is shown to those who note calls or listen to them. What is neither a text nor a number is a
+/// handle.
+using Argument = std::variant<const char *, int32_t, int64_t, double, const void *>;
+
+template <class T> Argument ArgumentOf(T value) {
+    if constexpr (std::is_same_v<T, const char *> || std::is_same_v<T, int32_t>)
+        return value;
+    else if constexpr (std::is_floating_point_v<T>)
+        return static_cast<double>(value);
+    else if constexpr (std::is_arithmetic_v<T>)
+        return static_cast<int64_t>(value);
+    else
+        return reinterpret_cast<const void *>(value);
+}
+
 /// The place of a service in the table; asked once per process.
 int IndexOfService(const char *name);
-bool RecordsCalls();
-/// Whether somebody listens to the calls, and telling them.
-bool HasListener();
-void TellListener(const std::string &call);
-/// What a handle stands for: the text of a string, the class of an array and how many elements it has,
-/// the class of an object; "..." for what is no handle.
-std::string DescribeHandle(const void *handle);
-/// Stops unless that method was loaded on that very object.
-void RequireLoaded(const void *object, const char *name);
 
-namespace detail {
+/// While a service is carried out. It is the same for all of them, so that a thunk has next to nothing to compile.
+class Passage {
+public:
+    /// Tells whoever listens or notes. Stops when a method was not loaded on its object; may throw, as a fault.
+    Passage(int index, std::initializer_list<Argument> arguments);
+    ~Passage();
+    Passage(const Passage &) = delete;
+    Passage &operator=(const Passage &) = delete;
 
-inline void Append(std::string &text, const char *argument) {
-    text += text.empty() ? "" : ", ";
-    text += argument ? std::string("\"") + argument + "\"" : "null";
-}
+    /// False when the service is to do nothing and give zero.
+    bool Proceeds() const { return proceeds_; }
 
-template <class T> void AppendArgument(std::string &text, T argument) {
-    if constexpr (std::is_same_v<T, const char *>)
-        Append(text, argument);
-    else if constexpr (std::is_same_v<T, int32_t>)
-        text += (text.empty() ? "" : ", ") + std::to_string(argument);
-}
-
-template <class T> void AppendHeard(std::string &text, T argument) {
-    text += text.empty() ? "" : ", ";
-    if constexpr (std::is_same_v<T, const char *>)
-        text += argument ? std::string("\"") + argument + "\"" : "null";
-    else if constexpr (std::is_arithmetic_v<T>)
-        text += std::to_string(argument);
-    else
-        text += DescribeHandle(reinterpret_cast<const void *>(argument));
-}
-
-struct LeaveAtEnd {
-    ~LeaveAtEnd() { LeaveService(); }
+private:
+    bool proceeds_;
 };
-
-} // namespace detail
 
 template <Name name, Reach reach, auto function> struct Thunk;
 
@@ -94,21 +83,8 @@ template <Name name, Reach reach, class Result, class... Arguments, Result (*fun
 struct Thunk<name, reach, function> {
     static Result Call(Arguments... arguments) {
         static const int index = IndexOfService(name.text);
-        std::string text;
-        if (RecordsCalls())
-            (detail::AppendArgument(text, arguments), ...);
-        if (HasListener()) {
-            std::string heard;
-            (detail::AppendHeard(heard, arguments), ...);
-            TellListener(name.text + ("(" + heard + ")"));
-        }
-        if constexpr (reach == Reach::kObjectMethod)
-            RequireLoaded(std::get<0>(std::tie(arguments...)), name.text);
-        bool proceed = EnterService(index, RecordsCalls() ? &text : nullptr);
-        detail::LeaveAtEnd leave;
-        if (!proceed)
-            return Result();
-        return function(arguments...);
+        const Passage passage(index, {ArgumentOf(arguments)...});
+        return passage.Proceeds() ? function(arguments...) : Result();
     }
 };
 
