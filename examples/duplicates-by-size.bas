@@ -32,4 +32,4 @@ Sub Main(args() As String)
 End Sub
 
 ' It prints:
-'   9 files, no two alike
+'   32 bytes, public.plain-text: letter.txt, minutes.txt

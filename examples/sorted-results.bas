@@ -45,8 +45,8 @@ End Sub
 '   3439  map.png
 '   1946  holiday.png
 '   1790  portrait.png
+'   32  minutes.txt
 '   32  letter.txt
-'   23  minutes.txt
 '   20  budget 10.csv
 '   18  budget 9.csv
 '   10  song.mp3

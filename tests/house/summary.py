@@ -1,4 +1,5 @@
-"""What a run of the tests comes to, for a glance: a line for each room, and what to run again.
+"""What a run of the tests comes to, for a glance: a line for each room, what tests told of how much they tried, and what
+to run again.
 
 summary.py LIST RESULTS: LIST is the list of tests in the build tree (room, file, targets, ctest's name), RESULTS what
 `ctest --output-junit` wrote.
@@ -59,5 +60,19 @@ def report(found: dict[str, Room]) -> str:
     return "\n".join(lines)
 
 
+def told(results: str) -> list[str]:
+    """What tests said they executed: their lines that begin with that word."""
+    lines = []
+    for output in ElementTree.fromstring(results).iter("system-out"):
+        lines += [line for line in (output.text or "").splitlines() if line.startswith("executed: ")]
+    return lines
+
+
+def main(test_list: str, results: str) -> None:
+    print(report(rooms(test_list, results)))
+    for line in told(results):
+        print(line)
+
+
 if __name__ == "__main__":
-    print(report(rooms(Path(sys.argv[1]).read_text("utf-8"), Path(sys.argv[2]).read_text("utf-8"))))
+    main(Path(sys.argv[1]).read_text("utf-8"), Path(sys.argv[2]).read_text("utf-8"))

@@ -38,6 +38,11 @@ class Summary(unittest.TestCase):
         failed = [("plugin start_up: native", "fail"), ("plugin start_up: shipping", "fail"), ("house: dev", "run")]
         self.assertEqual(self._lines(*failed)[-2:], ["all          1       2      3.8", "again: ./dev test start_up"])
 
+    def test_what_a_test_says_that_it_executed_is_repeated(self) -> None:
+        output = "test_one ... executed: nothing, being in the middle\nexecuted: 3 programs\nok\n"
+        case = f'<testcase name="a" time="1" status="run"><system-out>{output}</system-out></testcase>'
+        self.assertEqual(summary.told(f"<testsuite>{case}{case}</testsuite>"), ["executed: 3 programs"] * 2)
+
     def test_a_test_that_is_on_no_list_counts_too(self) -> None:
         self.assertIn("others       0       1      1.2", self._lines(("new one", "fail")))
 

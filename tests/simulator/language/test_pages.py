@@ -24,7 +24,9 @@ from snippets import snippets
 PROGRAM = os.environ["PROGRAM"]
 PLUGIN = os.environ["PLUGIN"]
 TREE = Path(os.environ["SOURCE_TREE"])
+WORKED_QUERIES = TREE / "docs/guides/worked-queries.md"
 
+_NOT_SOURCES = ("build", "dist", ".git")
 # A host that does not tell its version counts as older than any.
 HOSTS = ("none", "3000")
 _PATIENCE = 120
@@ -40,10 +42,17 @@ class Program:
     text: str
     output: str
     is_stopped: bool = False
+    is_worked_query: bool = False
+
+
+def texts(pattern: str) -> list[Path]:
+    """The files of the tree with such names, but for what is built."""
+    found = (path for path in TREE.rglob(pattern) if path.relative_to(TREE).parts[0] not in _NOT_SOURCES)
+    return sorted(path for path in found if path.is_file())
 
 
 def pages() -> list[Path]:
-    return [TREE / "README.md", *sorted((TREE / "docs").rglob("*.md")), TREE / "examples/README.md"]
+    return texts("*.md")
 
 
 def programs_of(page: Path) -> list[Program]:
@@ -52,12 +61,15 @@ def programs_of(page: Path) -> list[Program]:
         name = f"{page.relative_to(TREE)}:{snippet.block.first_line}"
         output = "".join(line + "\n" for line in snippet.output or [])
         text = "".join(line + "\n" for line in snippet.lines())
-        found.append(Program(name, text, output, snippet.is_stopped))
+        # One statement that shows what an expression finds.
+        is_worked_query = page == WORKED_QUERIES and bool(snippet.prepared)
+        found.append(Program(name, text, output, snippet.is_stopped, is_worked_query))
     return found
 
 
 def examples() -> list[Path]:
-    return sorted((TREE / "examples").glob("*.bas"))
+    """The programs; a module of the toolkit runs inside those that name it."""
+    return [path for path in texts("*.bas") if path.parent != TREE / "examples/toolkit"]
 
 
 def example(path: Path) -> Program:
@@ -104,6 +116,11 @@ def outcome(program: Program, host: str) -> str:
     return text.replace(str(home), "~") + (f"exit code {code}\n" if code else "")
 
 
+def tell(what: str) -> None:
+    """The summary at the end of ./dev test repeats it."""
+    print(f"\nexecuted: {what}", file=sys.stderr)
+
+
 class Pages(unittest.TestCase):
     def check(self, programs: list[Program]) -> None:
         runs = [(program, host) for program in programs for host in HOSTS]
@@ -115,22 +132,31 @@ class Pages(unittest.TestCase):
 
     def test_every_snippet_on_every_page_runs_and_prints_what_the_page_says(self) -> None:
         programs = [program for page in pages() for program in programs_of(page)]
-        blocks = sum(len(re.findall(r"^```basic", page.read_text("utf-8"), re.MULTILINE)) for page in pages())
-        self.assertEqual(len(programs), blocks)
-        self.assertGreater(len(programs), 0)
-        print(f"{len(programs)} snippets on {len(pages())} pages, on {len(HOSTS)} hosts", file=sys.stderr)
+        fences = sum(len(re.findall(r"^```basic", page.read_text("utf-8"), re.MULTILINE)) for page in pages())
+        queries = [program for program in programs if program.is_worked_query]
+        asked = len(re.findall(r"^### ", WORKED_QUERIES.read_text("utf-8"), re.MULTILINE))
+        self.assertEqual((len(programs), len(queries)), (fences, asked))
+        self.assertGreaterEqual(len(queries), 20)
         self.check(programs)
+        tell(f"{len(programs) - len(queries)} snippets and {len(queries)} worked queries on {len(pages())} pages, all "
+             f"that there are, on {len(HOSTS)} hosts")
 
     def test_every_example_runs_and_prints_what_it_says(self) -> None:
         programs = [example(path) for path in examples()]
         self.assertGreaterEqual(len(programs), 10)
-        print(f"{len(programs)} programs, on {len(HOSTS)} hosts", file=sys.stderr)
         self.check(programs)
+        tell(f"{len(programs)} programs, all that there are, on {len(HOSTS)} hosts")
 
     def test_every_example_and_every_module_of_the_toolkit_is_listed_beside_the_examples(self) -> None:
         listed = (TREE / "examples/README.md").read_text("utf-8")
         for path in [*examples(), *(TREE / "examples/toolkit").glob("*.bas")]:
             self.assertIn(f"({path.relative_to(TREE / 'examples')})", listed)
+
+    def test_the_page_of_worked_queries_says_how_many_there_are(self) -> None:
+        queries = [program for program in programs_of(WORKED_QUERIES) if program.is_worked_query]
+        said = re.search(r"^(\d+) questions", WORKED_QUERIES.read_text("utf-8"), re.MULTILINE)
+        assert said
+        self.assertEqual(int(said[1]), len(queries))
 
     def test_every_module_of_the_toolkit_is_used_by_an_example(self) -> None:
         texts = "".join(path.read_text("utf-8") for path in examples())
