@@ -1,4 +1,5 @@
 // Which form of a routine a call means, and how its arguments get there.
+#include "simulator/host/ground/text.h"
 #include "simulator/language/checker.h"
 
 #include <algorithm>
@@ -20,8 +21,9 @@ std::optional<int> CallDistance(const Routine &form, const std::vector<Checked> 
         return std::nullopt;
     int sum = 0;
     for (size_t index = 0; index < given.size(); ++index) {
-        const std::optional<int> distance = Distance(given[index].type, form.parameters[index].type);
-        if (!distance)
+        const Parameter &parameter = form.parameters[index];
+        const std::optional<int> distance = Distance(given[index].type, parameter.type);
+        if (!distance || (parameter.isByReference && *distance > 0))
             return std::nullopt;
         sum += *distance;
     }
@@ -48,7 +50,7 @@ std::string CountOf(const Routine &form) {
     if (given.size() < form.RequiredArguments() || given.size() > form.parameters.size())
         throw WrongProgram(where, form.name + " takes " + CountOf(form) + ", found " + std::to_string(given.size()));
     for (size_t index = 0; index < given.size(); ++index)
-        if (!Distance(given[index].type, form.parameters[index].type))
+        if (!CallDistance({"", {form.parameters[index]}, {}, true, {}}, {given[index]}))
             throw WrongProgram(given[index].where, "expected " + form.parameters[index].type.Name() + ", found " +
                                                        given[index].type.Name());
     throw WrongProgram(where, "expected " + form.Describe());
@@ -73,14 +75,11 @@ const Routine &Choose(const std::vector<const Routine *> &forms, const std::vect
 /// The method as the object's own class has it, where the program declares that class.
 const Routine &Overriding(const Routine &named, const Execution &execution, const host::Object &object) {
     const ClassSymbol *itsClass = execution.ClassOf(object);
-    if (!itsClass || !itsClass->isProgram)
-        return named;
-    for (const Routine *form : FindRoutines(*itsClass, named.name))
-        if (std::equal(form->parameters.begin(), form->parameters.end(), named.parameters.begin(),
-                       named.parameters.end(),
-                       [](const Parameter &left, const Parameter &right) { return left.type == right.type; }) &&
-            form->result == named.result)
-            return *form;
+    for (; itsClass && itsClass->isProgram; itsClass = itsClass->super)
+        for (const Routine &form : itsClass->routines)
+            if (host::EqualIgnoringCase(form.name, named.name) && SameTypes(form.parameters, named.parameters) &&
+                form.result == named.result)
+                return form;
     return named;
 }
 
@@ -95,8 +94,14 @@ std::vector<Checked> Checker::CheckArguments(const Arguments *arguments) {
     std::vector<Checked> checked;
     if (arguments)
         for (const ExpressionPointer &argument : *arguments)
-            checked.push_back(CheckValue(*argument));
+            checked.emplace_back(CheckValue(*argument)).written = argument.get();
     return checked;
+}
+
+Checker::Store Checker::ReferenceTo(const Checked &argument, const Parameter &parameter) {
+    if (!argument.written || !std::holds_alternative<NameExpression>(argument.written->node))
+        throw WrongProgram(argument.where, "expected a variable, since " + parameter.name + " is passed by reference");
+    return TargetOf(*argument.written).store;
 }
 
 Checked Checker::CallRoutine(const std::vector<const Routine *> &forms, const Evaluation &self,
@@ -111,15 +116,18 @@ Checked Checker::CallChecked(const std::vector<const Routine *> &forms, const Ev
                              std::vector<Checked> given, const Location &where, Binding binding) {
     const Routine &chosen = Choose(forms, given, where);
     std::vector<Evaluation> arguments;
+    std::map<size_t, Store> references;
     for (size_t index = 0; index < chosen.parameters.size(); ++index) {
         const Parameter &parameter = chosen.parameters[index];
+        if (parameter.isByReference)
+            references[index] = ReferenceTo(given[index], parameter);
         if (index < given.size())
             arguments.push_back(ConvertedTo(given[index], parameter.type));
         else
             arguments.push_back([value = *parameter.preset](Frame &) { return value; });
     }
     return {chosen.result,
-            [&chosen, self, arguments = std::move(arguments), where, binding](Frame &frame) {
+            [&chosen, self, arguments = std::move(arguments), references, where, binding](Frame &frame) {
                 host::Object keeper;
                 const host::Object &object = self ? RequireObject(self(frame), frame.execution, where, keeper) : keeper;
                 std::vector<host::Value> values;
@@ -128,7 +136,19 @@ Checked Checker::CallChecked(const std::vector<const Routine *> &forms, const Ev
                     values.push_back(argument(frame));
                 Call call{frame.execution, object, values, where};
                 const bool isFixed = !self || binding == Binding::kNamed;
-                return (isFixed ? chosen : Overriding(chosen, frame.execution, object)).function(call);
+                const Routine &routine = isFixed ? chosen : Overriding(chosen, frame.execution, object);
+                const auto giveBack = [&] {
+                    for (const auto &[index, store] : references)
+                        store(frame, std::move(values[index]));
+                };
+                try {
+                    host::Value result = routine.function(call);
+                    giveBack();
+                    return result;
+                } catch (const Thrown &) {
+                    giveBack();
+                    throw;
+                }
             },
             where};
 }

@@ -208,7 +208,8 @@ Action Checker::Check(const HandlerStatement &handler, const Location &) {
         if (form.parameters.size() != event->parameters.size() + 1 || !Distance(object.type, form.parameters[0].type))
             return false;
         for (size_t index = 0; index < event->parameters.size(); ++index)
-            if (event->parameters[index].type != form.parameters[index + 1].type)
+            if (event->parameters[index].type != form.parameters[index + 1].type ||
+                form.parameters[index + 1].isByReference)
                 return false;
         return form.isShared || self || !context_.itsClass || FindRoutines(*context_.itsClass, form.name).empty();
     };

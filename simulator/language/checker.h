@@ -28,6 +28,8 @@ struct Checked {
     Type type;
     Evaluation value;
     Location where;
+    /// How an argument was written, where it was.
+    const Expression *written = nullptr;
 };
 
 class Checker {
@@ -70,7 +72,7 @@ private:
         Store store;
     };
 
-    // Declarations: check_program.cpp.
+    // Declarations: check_program.cpp, check_classes.cpp.
     void DeclareClassNames(const ProgramSyntax &text);
     void ResolveSuper(const ClassSyntax &syntax);
     void GiveHostClass(ClassSymbol &itsClass);
@@ -85,6 +87,8 @@ private:
     const Routine *FindMain(const ProgramSyntax &text);
     Routine DeclareRoutine(const RoutineSyntax &syntax, const ClassSymbol *itsClass);
     std::vector<Parameter> Parameters(const RoutineSyntax &syntax);
+    /// An event that a class handles does not reach its subclasses.
+    void RefuseSecondHandlers(const ClassSyntax &syntax);
     void CheckInitialValues(const ClassSyntax &syntax);
     void CheckBody(PendingBody &pending);
     BodyPointer CheckOutside(const ProgramSyntax &text);
@@ -176,6 +180,8 @@ private:
     Checked CallChecked(const std::vector<const Routine *> &forms, const Evaluation &self, std::vector<Checked> given,
                         const Location &where, Binding binding = Binding::kObject);
     std::vector<Checked> CheckArguments(const Arguments *arguments);
+    /// Where the value of a parameter by reference goes after the call.
+    Store ReferenceTo(const Checked &argument, const Parameter &parameter);
 
     // Arrays: check_arrays.cpp.
     Checked MemberOfArray(const Checked &array, const Identifier &name, const Arguments *arguments,

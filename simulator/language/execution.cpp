@@ -107,6 +107,11 @@ void Execution::Clear() {
         PartOf(object).fields.clear();
 }
 
+Frame NewFrame(Execution &execution, const host::Object &self, std::vector<host::Value> arguments, size_t slots) {
+    arguments.resize(std::max(slots, arguments.size()));
+    return {execution, self, std::move(arguments)};
+}
+
 const host::Object &RequireObject(const host::Value &value, Execution &execution, const Location &where,
                                   host::Object &keeper) {
     if (value.IsNil())

@@ -90,6 +90,9 @@ struct Frame {
     host::Value result = {};
 };
 
+/// One with room for that many variables, the first of which are the arguments.
+Frame NewFrame(Execution &execution, const host::Object &self, std::vector<host::Value> arguments, size_t slots);
+
 /// What an expression was checked into: it gives a value of the type that the checker found.
 using Evaluation = std::function<host::Value(Frame &)>;
 

@@ -172,10 +172,9 @@ std::vector<ParameterSyntax> Parser::Parameters() {
 
 ParameterSyntax Parser::Parameter() {
     ParameterSyntax parameter;
-    if (At("byref"))
-        throw WrongProgram(Peek().where, "parameters by reference are not known here; give a result instead");
-    Skip("byval");
-    parameter.assigns = Skip("assigns");
+    parameter.isByReference = Skip("byref");
+    if (!parameter.isByReference && !Skip("byval"))
+        parameter.assigns = Skip("assigns");
     parameter.name = NeedName("the parameter's name");
     bool isArray = false;
     if (Skip("(")) {
@@ -185,7 +184,7 @@ ParameterSyntax Parser::Parameter() {
     Need("as", " and a type");
     parameter.type = Type();
     parameter.type.isArray |= isArray;
-    if (Skip("="))
+    if (!parameter.isByReference && Skip("="))
         parameter.preset = AnyExpression();
     return parameter;
 }

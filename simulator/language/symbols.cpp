@@ -31,6 +31,21 @@ host::Value PresetOf(const host::Parameter &parameter, const Type &type) {
 
 } // namespace
 
+bool SameTypes(const std::vector<Parameter> &left, const std::vector<Parameter> &right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](const Parameter &one, const Parameter &other) {
+                          return one.type == other.type && one.isByReference == other.isByReference;
+                      });
+}
+
+std::string TypesOf(const std::vector<Parameter> &parameters) {
+    std::string text;
+    for (const Parameter &parameter : parameters)
+        text += (text.empty() ? "" : ", ") + std::string(parameter.isByReference ? "ByRef " : "") +
+                parameter.type.Name() + (parameter.preset ? " (optional)" : "");
+    return "(" + text + ")";
+}
+
 size_t Routine::RequiredArguments() const {
     size_t required = parameters.size();
     while (required > 0 && parameters[required - 1].preset)
@@ -38,12 +53,7 @@ size_t Routine::RequiredArguments() const {
     return required;
 }
 
-std::string Routine::Describe() const {
-    std::string text;
-    for (const Parameter &parameter : parameters)
-        text += (text.empty() ? "" : ", ") + parameter.type.Name() + (parameter.preset ? " (optional)" : "");
-    return name + "(" + text + ")";
-}
+std::string Routine::Describe() const { return name + TypesOf(parameters); }
 
 bool ClassSymbol::IsA(const ClassSymbol &other) const {
     for (const ClassSymbol *itsClass = this; itsClass; itsClass = itsClass->super)
@@ -105,11 +115,19 @@ const EventSymbol *FindEvent(const ClassSymbol &itsClass, std::string_view name)
 }
 
 std::vector<const Routine *> FindRoutines(const ClassSymbol &first, std::string_view name) {
+    const bool isConstructor = host::EqualIgnoringCase(name, "Constructor");
     std::vector<const Routine *> found;
-    for (const ClassSymbol *itsClass = &first; itsClass && found.empty(); itsClass = itsClass->super)
-        for (const Routine &routine : itsClass->routines)
-            if (host::EqualIgnoringCase(routine.name, name))
+    for (const ClassSymbol *itsClass = &first; itsClass; itsClass = itsClass->super) {
+        const size_t nearer = found.size();
+        for (const Routine &routine : itsClass->routines) {
+            const auto isLike = [&](const Routine *other) { return SameTypes(other->parameters, routine.parameters); };
+            if (host::EqualIgnoringCase(routine.name, name) &&
+                std::none_of(found.data(), found.data() + nearer, isLike))
                 found.push_back(&routine);
+        }
+        if (isConstructor && !found.empty())
+            break;
+    }
     return found;
 }
 

@@ -16,7 +16,8 @@ namespace sim::language {
 
 class Execution;
 
-/// A call under way. The arguments have the declared types, and none is missing.
+/// A call under way. The arguments have the declared types, and none is missing. After the call of a routine of the
+/// program's the parameters by reference are in their places among them.
 struct Call {
     Execution &execution;
     /// The object whose method or property it is; nil for shared and global ones.
@@ -32,7 +33,14 @@ struct Parameter {
     Type type;
     bool assigns = false;
     std::optional<host::Value> preset = {};
+    /// What the routine makes of it is the argument's value afterwards. The argument is a variable of the very type.
+    bool isByReference = false;
 };
+
+/// Whether what fits one list of parameters fits the other in the same way.
+bool SameTypes(const std::vector<Parameter> &left, const std::vector<Parameter> &right);
+/// "(String, ByRef Integer)"
+std::string TypesOf(const std::vector<Parameter> &parameters);
 
 struct Routine {
     std::string name;
@@ -42,7 +50,7 @@ struct Routine {
     Function function;
 
     size_t RequiredArguments() const;
-    /// "Left(String, Integer) As String"
+    /// "Left(String, Integer)"
     std::string Describe() const;
     /// Called as an assignment: object.Name(arguments) = value.
     bool Assigns() const { return !parameters.empty() && parameters.back().assigns; }
@@ -124,7 +132,8 @@ private:
 const PropertySymbol *FindProperty(const ClassSymbol &itsClass, std::string_view name);
 const ConstantSymbol *FindConstant(const ClassSymbol &itsClass, std::string_view name);
 const EventSymbol *FindEvent(const ClassSymbol &itsClass, std::string_view name);
-/// Every form of the routine in the first class that has one.
+/// Every form of the routine, the class's own first; one of a superclass only where no other has the same types. A
+/// class with constructors has no others.
 std::vector<const Routine *> FindRoutines(const ClassSymbol &itsClass, std::string_view name);
 
 } // namespace sim::language

@@ -206,6 +206,7 @@ struct Statement {
 struct ParameterSyntax {
     Identifier name;
     TypeName type;
+    bool isByReference = false;
     bool assigns = false;
     ExpressionPointer preset;
 };

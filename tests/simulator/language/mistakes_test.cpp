@@ -93,7 +93,8 @@ TEST_CASE("An event that the class has not, or with other parameters, is found")
     const std::string head = "Class Watch\nInherits MDQueryQTX\n";
     CHECK(MistakeIn(head + "Event Finish(items() As MDItemQTX)\nEnd Event\nEnd Class") ==
           "program:3:7: expected Finish(), found (MDItemQTX())");
-    CHECK(MistakeIn(head + "Event Done()\nEnd Event\nEnd Class") == "program:3:7: Watch has no event Done");
+    CHECK(MistakeIn(head + "Event Done()\nEnd Event\nEnd Class") ==
+          "program:3:7: Watch has no event Done, and a program declares none of its own here");
     CHECK(MistakeIn("Sub Done()\nEnd Sub\nDim q As MDQueryQTX\nAddHandler q.Finish, AddressOf Done") ==
           "program:4:32: expected a sub that takes (MDQueryQTX)");
 }
