@@ -104,12 +104,13 @@ Value CompareDates(Execution &execution, const Value &left, const Value &right, 
     execution.Raise("NilObjectException", "there is no date to compare, only Nil", where);
 }
 
-template <bool wanted> Value CompareValues(Execution &, const Value &left, const Value &right, const Location &) {
-    return AreEqual(left, right) == wanted;
+template <BinaryOperator op> Value CompareValues(Execution &, const Value &left, const Value &right, const Location &) {
+    return AreEqual(left, right) == (op == BinaryOperator::kEqual);
 }
 
-template <bool wanted> Value CompareIdentity(Execution &, const Value &left, const Value &right, const Location &) {
-    return (left == right) == wanted;
+template <BinaryOperator op>
+Value CompareIdentity(Execution &, const Value &left, const Value &right, const Location &) {
+    return (left == right) == (op == BinaryOperator::kEqual);
 }
 
 template <bool isAnd> Value Bits(Execution &, const Value &left, const Value &right, const Location &) {
@@ -222,7 +223,8 @@ std::optional<Operation> Comparison(BinaryOperator op, const Type &left, const T
     if (isEquality && either(isVariant))
         return Operation{{Kind::kVariant},
                          {Kind::kBoolean},
-                         op == BinaryOperator::kEqual ? CompareValues<true> : CompareValues<false>};
+                         op == BinaryOperator::kEqual ? CompareValues<BinaryOperator::kEqual>
+                                                      : CompareValues<BinaryOperator::kUnequal>};
     // A Variant beside a text or a number is taken for one.
     if (either(isVariant) && either(isText))
         return From(kTexts, op, {Kind::kString});
@@ -231,7 +233,8 @@ std::optional<Operation> Comparison(BinaryOperator op, const Type &left, const T
     if (isEquality && (Distance(left, right) || Distance(right, left)))
         return Operation{{Kind::kVariant},
                          {Kind::kBoolean},
-                         op == BinaryOperator::kEqual ? CompareIdentity<true> : CompareIdentity<false>};
+                         op == BinaryOperator::kEqual ? CompareIdentity<BinaryOperator::kEqual>
+                                                      : CompareIdentity<BinaryOperator::kUnequal>};
     return std::nullopt;
 }
 
@@ -258,7 +261,7 @@ std::optional<Operation> FindOperation(BinaryOperator op, const Type &left, cons
     if (op == BinaryOperator::kIs) {
         if (!left.CanBeNil() || !right.CanBeNil())
             return std::nullopt;
-        return Operation{{Kind::kVariant}, {Kind::kBoolean}, CompareIdentity<true>};
+        return Operation{{Kind::kVariant}, {Kind::kBoolean}, CompareIdentity<BinaryOperator::kEqual>};
     }
     if (op == BinaryOperator::kXor && left.Is(Kind::kBoolean) && right.Is(Kind::kBoolean))
         return Operation{{Kind::kBoolean}, {Kind::kBoolean}, TruthXor};
