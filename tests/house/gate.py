@@ -3,7 +3,7 @@
 gate.py [TREE]: makes each trial of dev.commands that must succeed, in a copy of the tree (this one, if none is named) at a
 path with a blank and an apostrophe, called from another folder, without a terminal and in one. A trial fails, too, when
 it changes a source or anything in the folder that it was called from. The copy stays in build/gate, so that the next run
-builds only what changed. What must be refused is tried by test_commands.py, which is one of the tests that ./dev test
+builds only what changed, and what the linter found nothing in is known to both. What must be refused is tried by test_commands.py, which is one of the tests that ./dev test
 runs.
 """
 
@@ -59,6 +59,14 @@ def _copy(tree: Path, copy: Path) -> None:
             shutil.copy2(path, copy / place)
 
 
+def _share(folder: Path, place: Path) -> None:
+    """Makes the folder the same one as that of the copy."""
+    folder.mkdir(parents=True, exist_ok=True)
+    place.parent.mkdir(parents=True, exist_ok=True)
+    if not place.is_symlink():
+        place.symlink_to(folder)
+
+
 def _contents(folder: Path) -> dict[str, str]:
     return {place: hashlib.sha256(path.read_bytes()).hexdigest() for place, path in _sources(folder).items()}
 
@@ -82,6 +90,7 @@ class Gate:
         self._caller = work / "another folder"
         sdk = work / "an SDK"
         _copy(tree, self._copy)
+        _share(tree / "build" / "linted", self._copy / "build" / "linted")
         for folder in (self._caller, sdk):
             shutil.rmtree(folder, ignore_errors=True)
         made_up_sdk.lay_out(tree, sdk)

@@ -1,7 +1,8 @@
 """Runs clang-tidy on the sources that the lint preset compiles, each once: what it found nothing in is remembered.
 
 What is remembered of a source is one number, made from everything that the outcome depends on: the source and all that
-it includes of this tree, how it is compiled, the checks, and the versions of the tools and of the headers around it.
+it includes of this tree, how it is compiled, the checks, and the versions of the tools and of the headers around it. It
+is the same in a copy of the tree. The numbers are names of empty files in build/linted.
 
 The checks visit the declarations of this tree alone, which own_declarations.cpp sees to.
 """
@@ -14,6 +15,7 @@ import hashlib
 import json
 import os
 import re
+import shlex
 import subprocess
 import sys
 from concurrent.futures import ThreadPoolExecutor
@@ -32,6 +34,7 @@ class Tree:
     def __init__(self, root: Path) -> None:
         self.root = root.resolve()
         self.build = self.root / "build" / "lint"
+        self.clean = self.root / "build" / "linted"
         self.commands: dict[Path, str] = {}
         for entry in json.loads((self.build / "compile_commands.json").read_text("utf-8")):
             # The same source in two programs is read as the first of them compiles it.
@@ -64,8 +67,8 @@ class Tree:
 
     def key(self, source: Path) -> str:
         """The number that stands for the source and all that the findings in it depend on."""
-        command = self.commands[source].replace(str(self.root), "")
-        lines = [self._surroundings, command]
+        words = [word.replace(str(self.root), "") for word in shlex.split(self.commands[source])]
+        lines = [self._surroundings, *words]
         for path in sorted(self.closure(source)):
             lines.append(f"{path.relative_to(self.root)} {self._contents(path)[0]}")
         return hashlib.sha256("\n".join(lines).encode()).hexdigest()
@@ -111,12 +114,11 @@ def built_plugin(tree: Tree) -> Path:
 
 def tidy(tree: Tree, sources: list[Path]) -> bool:
     """Whether nothing is found in these. Prints what is."""
-    clean = tree.build / "clean"
-    clean.mkdir(exist_ok=True)
+    tree.clean.mkdir(exist_ok=True)
     plugin = built_plugin(tree)
 
     def examine(source: Path) -> bool:
-        mark = clean / tree.key(source)
+        mark = tree.clean / tree.key(source)
         if mark.exists():
             mark.touch()
             return True

@@ -12,8 +12,9 @@ import termios
 from dataclasses import dataclass
 from pathlib import Path
 
-# All of the environment that a command gets.
-ENVIRONMENT = {"PATH": "/usr/bin:/bin", "TERM": "xterm"}
+# All of the environment that a command gets. A compiler cache changes nothing but how long it takes.
+_CACHE = "CMAKE_CXX_COMPILER_LAUNCHER"
+ENVIRONMENT = {"PATH": "/usr/bin:/bin", "TERM": "xterm"} | ({_CACHE: os.environ[_CACHE]} if _CACHE in os.environ else {})
 
 
 @dataclass
