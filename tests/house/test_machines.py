@@ -140,6 +140,19 @@ class Machines(unittest.TestCase):
         )
         self.assertNotIn("apt-get", self.calls.read_text("utf-8"))
 
+    def test_without_sudo_it_says_what_root_must_run(self) -> None:
+        self._lacks_packages(uid=1000)
+        (self.tools / "sudo").unlink()
+        for program in Path("/usr/bin").iterdir():
+            if program.name != "sudo" and not (self.tools / program.name).exists():
+                (self.tools / program.name).symlink_to(program)
+        script = (self.tree / "dev").read_text("utf-8")
+        (self.tree / "dev").write_text(script.replace(":/usr/sbin:/usr/bin:/sbin:/bin ", " "), "utf-8")
+        ran = self._dev("build")
+        self.assertEqual(ran.returncode, 1)
+        self.assertRegex(ran.stderr, r"\Adev: not root and no sudo; as root, run: apt-get install cmake [^\n]+\n\Z")
+        self.assertNotIn("apt-get", self.calls.read_text("utf-8"))
+
     def test_a_full_disk_is_named_as_the_reason(self) -> None:
         self._lacks_packages(uid=0)
         self._tool("df", "echo Avail; echo 0")
@@ -155,16 +168,48 @@ class Machines(unittest.TestCase):
             f"dev: {self.tree} cannot be written to, so nothing can be built there; copy the tree to a folder of yours\n",
         )
 
-    def test_a_tree_that_is_built_and_cannot_be_written_to_just_runs(self) -> None:
+    def _is_built(self) -> list[Path]:
+        """Makes the tree one that was built at time 2000; gives the files that say so. A stand-in builds from now on."""
+        os.utime(self.tree / "simulator" / "cli" / "help.txt", (1000, 1000))
+        marks = []
         for preset, target in (("macho", "dylib"), ("release", "spotlight-run")):
-            (self.tree / "build" / preset / "bin").mkdir(parents=True)
-            cache = f"CMAKE_HOME_DIRECTORY:INTERNAL={self.tree}\n"
-            (self.tree / "build" / preset / "CMakeCache.txt").write_text(cache, "utf-8")
-            (self.tree / "build" / preset / f"{target}.built").touch()
-            (self.tree / "build" / preset / f"{target}.built").chmod(0o444)
+            built = self.tree / "build" / preset
+            (built / "bin").mkdir(parents=True)
+            (built / "CMakeCache.txt").write_text(f"CMAKE_HOME_DIRECTORY:INTERNAL={self.tree}\n", "utf-8")
+            (built / "build.ninja").touch()
+            marks.append(built / f"{target}.built")
+            marks[-1].touch()
+            os.utime(marks[-1], (2000, 2000))
         program = self.tree / "build" / "release" / "bin" / "spotlight-run"
         program.write_text('#!/bin/bash\necho "runs $*"\n', "utf-8")
         program.chmod(0o555)
+        self._tool("ninja", "")
+        return marks
+
+    def test_run_says_what_it_builds_when_sources_are_newer(self) -> None:
+        library, simulator = "dev: building dist/Spotlight.dylib\n", "dev: building the simulator\n"
+        for folder, said in (
+            ("convert", library),
+            ("simulator/cli", simulator),
+            ("platform", library + simulator),
+            ("docs", ""),
+        ):
+            with self.subTest(folder=folder):
+                self._is_built()
+                (self.tree / folder).mkdir(exist_ok=True)
+                source = self.tree / folder / "pulled.cpp"
+                source.touch()
+                os.utime(source, (3000, 3000))
+                ran = self._dev("run", "--once")
+                self.assertEqual((ran.returncode, ran.stderr), (0, said))
+                self.assertEqual(ran.stdout, f"runs --plugin {self.tree}/dist/Spotlight.dylib --once\n")
+                self.assertEqual(self._dev("run", "--once").stderr, "")
+                source.unlink()
+                shutil.rmtree(self.tree / "build")
+
+    def test_a_tree_that_is_built_and_cannot_be_written_to_just_runs(self) -> None:
+        for mark in self._is_built():
+            mark.chmod(0o444)
         ran = self._dev("run", "--once", rights=False)
         self.assertEqual(
             (ran.returncode, ran.stdout, ran.stderr),
