@@ -18,13 +18,6 @@
 
 void RaiseNoItem() { RaiseException("NilObjectException", "MDItem Reference is nil"); }
 
-MDItemRef RequireItem(REALobjectStruct *self) {
-    const MDItemRef item = self ? ItemData(self).Handle : nullptr;
-    if (!item)
-        RaiseNoItem();
-    return item;
-}
-
 OwnedObject NewItemObject(MDItemRef item) {
     if (!item)
         return {};

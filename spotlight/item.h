@@ -20,7 +20,12 @@ inline MDItemData &ItemData(REALobjectStruct *item) { return InstanceData<MDItem
 void RaiseNoItem();
 
 /// The item of an instance, borrowed. Without one, a null instance included, it raises and gives null.
-MDItemRef RequireItem(REALobjectStruct *self);
+inline MDItemRef RequireItem(REALobjectStruct *self) {
+    const MDItemRef item = self ? ItemData(self).Handle : nullptr;
+    if (!item)
+        RaiseNoItem();
+    return item;
+}
 
 /// A new host object that keeps the item alive; null for a null item or a host that cannot make one.
 OwnedObject NewItemObject(MDItemRef item);

@@ -25,7 +25,7 @@ _TIDY = "clang-tidy-14"
 _PLUGIN = Path(__file__).with_name("own_declarations.cpp")
 _INCLUDE = re.compile(rb'^[ \t]*#[ \t]*(?:include|import)[ \t]*["<]([^">]+)[">]', re.MULTILINE)
 # The packages whose headers sources include; a new version may mean other findings.
-_PACKAGES = ("clang-tidy-14", "libstdc++-12-dev", "libc6-dev", "libicu-dev", "doctest-dev", "libbenchmark-dev")
+_PACKAGES = ("clang-tidy-14", "libstdc++-12-dev", "libc6-dev", "libicu-dev", "doctest-dev", "valgrind")
 
 
 class Tree:

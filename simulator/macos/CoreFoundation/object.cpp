@@ -17,7 +17,6 @@ namespace {
 
 constexpr std::size_t kTypeBase = 1;
 constexpr std::uint32_t kDying = 0x676e6964;
-constexpr std::uint32_t kDead = 0x64616564;
 
 // Releasing a chain of objects recurses, as it does on the real system, but only this deep: what is deeper waits until
 // the stack has unwound, so that no nesting exhausts it.
@@ -119,8 +118,6 @@ void Object::Bury(Object *object) {
     DeadObject dead{object->serial_, object->TypeID(), object->Description(), object->made_, TakeTrace()};
     void *memory = dynamic_cast<void *>(object);
     object->~Object();
-    const Words remains{nullptr, kDead};
-    std::memcpy(memory, &remains, sizeof remains);
     Registry::Instance().Remember(memory, std::move(dead));
 }
 
@@ -141,7 +138,7 @@ Object &ObjectOf(CFTypeRef cf, const char *caller) {
         Stop(std::string(caller) + " was given something that is no object");
     }
     const std::uint32_t state = WordsOf(cf).second;
-    if (state == kDead)
+    if (state == Remains::kDead)
         StopForDead(cf, caller);
     if (state == kDying)
         Stop(std::string(caller) + " was given an object that is being destroyed");

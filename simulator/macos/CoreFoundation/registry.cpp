@@ -1,6 +1,7 @@
 // The list of live objects and the memory of dead ones.
 #include "simulator/macos/CoreFoundation/registry.h"
 
+#include <cstring>
 #include <new>
 
 #if __has_feature(address_sanitizer)
@@ -39,24 +40,32 @@ void Registry::Remove(Object &object) {
 
 void Registry::Remember(void *memory, DeadObject object) {
     const DeadObject *last = &graves_.emplace_back(Grave{memory, std::move(object)}).object;
-    dead_.insert_or_assign(memory, last);
-    if (SIMULATOR_ADDRESS_SANITIZER)
+    if (SIMULATOR_ADDRESS_SANITIZER) {
+        dead_.insert_or_assign(memory, last);
         ::operator delete(memory);
+    } else {
+        const Remains remains{last};
+        std::memcpy(memory, &remains, sizeof remains);
+    }
     if (graves_.size() <= kRemembered)
         return;
     const Grave &oldest = graves_.front();
-    if (auto found = dead_.find(oldest.memory); found != dead_.end() && found->second == &oldest.object)
-        dead_.erase(found);
     if (!SIMULATOR_ADDRESS_SANITIZER)
         ::operator delete(oldest.memory);
+    else if (auto found = dead_.find(oldest.memory); found != dead_.end() && found->second == &oldest.object)
+        dead_.erase(found);
     graves_.pop_front();
 }
 
 std::optional<DeadObject> Registry::Recall(CFTypeRef address) {
-    auto found = dead_.find(address);
-    if (found == dead_.end())
-        return std::nullopt;
-    return *found->second;
+    if (SIMULATOR_ADDRESS_SANITIZER) {
+        const auto found = dead_.find(address);
+        return found == dead_.end() ? std::nullopt : std::optional(*found->second);
+    }
+    Remains remains{nullptr, 0};
+    if (IsReadable(address))
+        std::memcpy(&remains, address, sizeof remains);
+    return remains.state == Remains::kDead ? std::optional(*remains.object) : std::nullopt;
 }
 
 std::optional<DeadObject> Registry::Recall(std::uint64_t serial) {

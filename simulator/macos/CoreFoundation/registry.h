@@ -20,6 +20,15 @@ struct DeadObject {
     Trace died;
 };
 
+/// What lies where a dead object was, for as long as it is remembered: the second word is the one by which a reference
+/// is recognised.
+struct Remains {
+    static constexpr std::uint32_t kDead = 0x64616564;
+
+    const DeadObject *object = nullptr;
+    std::uint32_t state = kDead;
+};
+
 class Registry {
 public:
     static Registry &Instance();
@@ -45,12 +54,13 @@ private:
         DeadObject object;
     };
 
-    static constexpr std::size_t kRemembered = 16384;
+    static constexpr std::size_t kRemembered = 8192;
 
     Object *first_ = nullptr;
     std::size_t count_ = 0;
     std::uint64_t lastSerial_ = 0;
     std::deque<Grave> graves_; // oldest first
+    /// Only where dead memory cannot be read: elsewhere it says itself whose it was.
     std::unordered_map<const void *, const DeadObject *> dead_;
 };
 

@@ -1,6 +1,8 @@
 // Comparison of strings: literal by default, by UTF-16 unit; equivalent sequences, case, numbers and the order of a
 // language by option. The language is none in particular (the root of the Unicode collation), whatever the machine is
 // set to. Options of searches, which mean nothing to a comparison, are refused.
+#include "simulator/macos/CoreFoundation/string_compare.h"
+
 #include "simulator/macos/CoreFoundation/normalization.h"
 #include "simulator/macos/CoreFoundation/object.h"
 #include "simulator/macos/CoreFoundation/text.h"
@@ -86,6 +88,22 @@ public:
                             static_cast<std::int32_t>(other.size()));
     }
 
+    std::string KeyOf(std::u16string_view text) const {
+        const auto length = static_cast<std::int32_t>(text.size());
+        std::string key(2 * text.size() + 16, '\0');
+        const auto write = [&] {
+            return ucol_getSortKey(collator_, text.data(), length, reinterpret_cast<std::uint8_t *>(key.data()),
+                                   static_cast<std::int32_t>(key.size()));
+        };
+        auto needed = static_cast<std::size_t>(write());
+        if (needed > key.size()) {
+            key.resize(needed);
+            write();
+        }
+        key.resize(needed - 1); // a 0 ends it
+        return key;
+    }
+
     static const Collation &For(CFStringCompareFlags options) {
         static const Collation plain(0);
         static const Collation numeric(kCFCompareNumerically);
@@ -109,6 +127,10 @@ std::u16string Prepared(std::u16string_view text, CFStringCompareFlags options) 
 }
 
 } // namespace
+
+std::string sim::macos::CollationKeyOf(CFStringRef text, CFStringCompareFlags options) {
+    return Collation::For(options).KeyOf(StringText(text).View());
+}
 
 CFComparisonResult CFStringCompare(CFStringRef string1, CFStringRef string2, CFStringCompareFlags options) {
     StringText one(string1);

@@ -1,5 +1,5 @@
 // The order of results.
-#include "simulator/macos/CoreServices/metadata/query/value_order.h"
+#include "simulator/macos/CoreServices/metadata/query/sort_key.h"
 #include "tests/simulator/macos/query/support/scripted_query.h"
 
 #include <doctest/doctest.h>
@@ -8,7 +8,7 @@ namespace sim::macos {
 
 namespace {
 
-using query::CompareValues;
+using query::SortKeyOf;
 
 bool SetSortOrder(const TestQuery &query, NameList names) {
     return MDQuerySetSortOrder(query.Get(), Names(names).Get()) != 0;
@@ -73,13 +73,52 @@ TEST_CASE("values are ordered within their kind and kinds are kept apart") {
             CAPTURE(one);
             CAPTURE(other);
             const int order = (one > other) - (one < other);
-            CHECK(static_cast<int>(CompareValues(rising[one].Get(), rising[other].Get())) == order);
+            const int found = SortKeyOf(rising[one].Get()).compare(SortKeyOf(rising[other].Get()));
+            CHECK((found > 0) - (found < 0) == order);
         }
     }
 }
 
 TEST_CASE("texts that differ only in how they are composed are in no order") {
-    CHECK(CompareValues(Text("caf\xc3\xa9").Get(), Text("cafe\xcc\x81").Get()) == kCFCompareEqualTo);
+    CHECK(SortKeyOf(Text("caf\xc3\xa9").Get()) == SortKeyOf(Text("cafe\xcc\x81").Get()));
+}
+
+TEST_CASE("where one sorting value ends counts before the next, whatever bytes both have, forwards and backwards") {
+    const auto key = [](std::initializer_list<std::string_view> parts, bool reversed) {
+        std::string whole;
+        for (const std::string_view part : parts)
+            query::AppendSortKey(whole, part, reversed);
+        return whole;
+    };
+    const std::string_view zero("\0", 1);
+    for (const bool reversed : {false, true}) {
+        CAPTURE(reversed);
+        const auto before = [&](std::initializer_list<std::string_view> one,
+                                std::initializer_list<std::string_view> other) {
+            return reversed ? key(other, true) < key(one, true) : key(one, false) < key(other, false);
+        };
+        CHECK(before({"", "z"}, {zero, "a"}));
+        CHECK(before({"a", "z"}, {"ab", "a"}));
+        CHECK(before({"a", "z"}, {std::string_view("a\0", 2), "a"}));
+        CHECK(before({std::string_view("a\0b", 3), "a"}, {std::string_view("a\0c", 3), "a"}));
+        CHECK(before({zero, ""}, {"\x01", ""}));
+        CHECK(before({"same", "a"}, {"same", "b"}));
+    }
+}
+
+TEST_CASE("strings have the order in which CFStringCompare puts them") {
+    const char *const texts[] = {"",        "a",        "A", "\xc3\xa1",     "ab", "file 9",
+                                 "file 10", "file 010", "z", "\xe4\xb8\xad", "-",  " "};
+    constexpr CFStringCompareFlags kAsAReader = kCFCompareNonliteral | kCFCompareLocalized | kCFCompareNumerically;
+    for (const char *one : texts) {
+        for (const char *other : texts) {
+            CAPTURE(one);
+            CAPTURE(other);
+            const auto left = MakeString(one), right = MakeString(other);
+            const int keys = SortKeyOf(left.Get()).compare(SortKeyOf(right.Get()));
+            CHECK((keys > 0) - (keys < 0) == static_cast<int>(CFStringCompare(left.Get(), right.Get(), kAsAReader)));
+        }
+    }
 }
 
 TEST_CASE("without sorting attributes results stand in the order in which they were found") {

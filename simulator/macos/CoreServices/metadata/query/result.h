@@ -3,11 +3,13 @@
 
 #include "simulator/macos/CoreFoundation/ref.h"
 #include "simulator/macos/CoreServices/metadata/items/attribute_source.h"
+#include "simulator/macos/CoreServices/metadata/query/sort_order.h"
 
 #include <CoreServices/MDItem.h>
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace sim::macos::query {
@@ -30,6 +32,14 @@ public:
     /// Borrowed; made now if it has not been before.
     MDItemRef Item();
 
+    /// Makes the key by which the list sorts. Due after every change of the source or of the order.
+    void MakeKey(const SortOrder &order);
+    /// Results whose keys do not tell them apart stand in the order of arrival.
+    bool StandsBefore(const Result &other) const {
+        const int order = key_.compare(other.key_);
+        return order != 0 ? order < 0 : arrival_ < other.arrival_;
+    }
+
     std::size_t index = 0; // kept by the list
 
 private:
@@ -38,6 +48,7 @@ private:
     std::shared_ptr<const AttributeSource> source_;
     std::vector<CFRef<CFTypeRef>> values_;
     CFRef<MDItemRef> item_;
+    std::string key_;
 };
 
 } // namespace sim::macos::query

@@ -36,6 +36,7 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             byFile_.erase(found);
         } else {
             result.SetSource(std::move(change.source), names_);
+            result.MakeKey(order_);
             touched.push_back(&result);
         }
     }
@@ -45,6 +46,7 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             continue;
         auto result = std::make_unique<Result>(change.file, ++lastArrival_);
         result->SetSource(std::move(change.source), names_);
+        result->MakeKey(order_);
         touched.push_back(result.get());
         applied.added.push_back(result.get());
         byFile_.emplace(change.file, std::move(result));
@@ -60,12 +62,14 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
 
 void ResultList::SetOrder(SortOrder order) {
     order_ = std::move(order);
+    for (Result *result : inOrder_)
+        result->MakeKey(order_);
     Merge(std::exchange(inOrder_, {}));
 }
 
 /// Puts results to where they belong among those that are in order already.
 void ResultList::Merge(std::vector<Result *> touched) {
-    const auto before = [this](const Result *one, const Result *other) { return StandsBefore(*one, *other, order_); };
+    const auto before = [](const Result *one, const Result *other) { return one->StandsBefore(*other); };
     std::sort(touched.begin(), touched.end(), before);
     // Comparing is what costs: a search for each place, not a look at every result that stays where it is.
     std::vector<Result *> merged;

@@ -1,8 +1,7 @@
 // By which attributes results are sorted, and which of them backwards.
 #pragma once
 
-#include "simulator/macos/CoreServices/metadata/query/result.h"
-
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -14,8 +13,5 @@ struct SortKey {
 };
 
 using SortOrder = std::vector<SortKey>;
-
-/// Whether one result stands before another. Results that the keys do not tell apart stand in the order of arrival.
-bool StandsBefore(const Result &one, const Result &other, const SortOrder &order);
 
 } // namespace sim::macos::query
