@@ -3,8 +3,7 @@
 #include <cstring>
 
 #include "convert/dates.h"
-#include "convert/from_host.h"
-#include "convert/to_host.h"
+#include "convert/values.h"
 #include "convert/variant_scalars.h"
 #include "host/arrays.h"
 #include "host/strings.h"

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "convert/from_host.h"
-#include "convert/to_host.h"
+#include "convert/values.h"
 
 constinit REALobjectStruct *LastDictionary = nullptr;
 constinit DictionarySetter LastDictionarySetter = nullptr;

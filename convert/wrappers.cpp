@@ -8,7 +8,7 @@
 #include "host/objects.h"
 #include "host/services.h"
 
-OwnedObject WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef)) {
+OwnedObject NewWrapper(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef)) {
     auto instance = AdoptHost(REALnewInstance(className));
     if (!instance)
         return {};
@@ -19,7 +19,7 @@ OwnedObject WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*re
     return instance;
 }
 
-OwnedObject WrapperOrCFObject(CFTypeRef value, const char *className) {
+OwnedObject NewWrapperOrCFObject(CFTypeRef value, const char *className) {
     auto instance = NewInstance(className, "CFObjectQTX");
     if (!instance)
         return {};

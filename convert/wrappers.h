@@ -30,18 +30,18 @@ template <class Data> Data &CompanionData(REALobjectStruct *instance) {
 
 // The platform's retain functions come in as template arguments, so that a table holds a function of ours and the
 // import is bound when it is first called.
-template <class Reference> Reference ParameterOf(Reference (*)(Reference));
+template <class Result, class Parameter> Parameter ParameterOf(Result (*)(Parameter));
 template <auto retain> CFTypeRef RetainBy(CFTypeRef value) {
     return retain(static_cast<decltype(ParameterOf(retain))>(const_cast<void *>(value)));
 }
 
 /// An instance of the named class that owns one retain on the value, by the retain function of its type; null when the
 /// application lacks the class.
-OwnedObject WrapperKeptBy(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef));
+OwnedObject NewWrapper(CFTypeRef value, const char *className, CFTypeRef (*retain)(CFTypeRef));
 
 /// The same with CFRetain, in "CFObjectQTX" when the application lacks the class; null when it lacks both or the
 /// instance is not a wrapper.
-OwnedObject WrapperOrCFObject(CFTypeRef value, const char *className);
+OwnedObject NewWrapperOrCFObject(CFTypeRef value, const char *className);
 
 /// The reference that a companion's object holds, or the coordinates of a geometry object as data; null for an object
 /// of no known class.

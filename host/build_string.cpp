@@ -30,7 +30,7 @@ OwnedString ConvertToUTF8(OwnedString string) {
 }
 
 OwnedString BuildUTF16(const void *bytes, int32_t length) {
-    if (HostBuildsInAnyEncoding())
+    if (HostBuildsWithEncoding())
         return ConvertToUTF8(AdoptHost(REALBuildStringWithEncoding(bytes, length, kCFStringEncodingUnicode)));
     return ConvertToUTF8(BuildTagged(bytes, length, kCFStringEncodingUnicode));
 }

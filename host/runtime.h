@@ -31,8 +31,10 @@ constexpr int32_t DeclarationLayoutOf(double version) {
 
 /// Such a host gets records that registration has shortened, and knows events by their shortened records.
 inline bool HostReadsOldRecords() { return CurrentREALControlVersion == kOldDeclarationLayout; }
-/// From 2012 on the host builds strings of any encoding, and is asked twice for a string's CFString.
-inline bool HostBuildsInAnyEncoding() { return rbversion >= 2012.0; }
+/// From 2012 on the host builds a string in the encoding that it is told.
+inline bool HostBuildsWithEncoding() { return rbversion >= 2012.0; }
+/// From 2012 on the host makes CFStrings of its strings. Older ones may, and are asked once less.
+inline bool HostGivesCFStrings() { return rbversion >= 2012.0; }
 /// Hosts before 2013 cannot convert UTF-32 themselves.
 inline bool HostConvertsUTF32() { return rbversion >= 2013.0; }
 /// From 2013 on, but for hosts that call themselves 3000 or later, global methods stand in modules.

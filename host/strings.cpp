@@ -69,7 +69,7 @@ CFStringRef RBString2CFString(REALstringStruct *string) {
     if (encoding == kHostUnknownEncoding)
         return StringFromBytes(string, kCFStringEncodingMacRoman);
 
-    if (HostBuildsInAnyEncoding())
+    if (HostGivesCFStrings())
         if (CFStringRef converted = REALGetStringCFString(string, 0))
             return converted;
     // Deliberate: hosts from 2012 on are asked a second time, through a cell of its own; for older ones it is the

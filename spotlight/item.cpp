@@ -8,7 +8,7 @@
 #include "convert/dictionaries.h"
 #include "convert/folder_items.h"
 #include "convert/string_arrays.h"
-#include "convert/to_host.h"
+#include "convert/values.h"
 #include "convert/wrappers.h"
 #include "host/arrays.h"
 #include "host/exceptions.h"

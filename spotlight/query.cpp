@@ -6,9 +6,8 @@
 
 #include <iterator>
 
-#include "convert/from_host.h"
 #include "convert/string_arrays.h"
-#include "convert/to_host.h"
+#include "convert/values.h"
 #include "host/arrays.h"
 #include "host/exceptions.h"
 #include "host/strings.h"

@@ -5,8 +5,7 @@
 // Input: the host, what fails, the direction, then the value.
 #include "fuzz/values/made_values.h"
 
-#include "convert/from_host.h"
-#include "convert/to_host.h"
+#include "convert/values.h"
 #include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/session/core_foundation_text.h"
 #include "simulator/session/system_files.h"

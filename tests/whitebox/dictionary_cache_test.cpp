@@ -3,7 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "convert/dictionaries.h"
-#include "convert/to_host.h"
+#include "convert/values.h"
 #include "host/owned.h"
 #include "tests/whitebox/fake_resolver.h"
 #include "tests/whitebox/restored.h"

@@ -1,5 +1,6 @@
-// Which host value a Core Foundation type becomes. The order of the rows is the contract: the first match decides.
-#include "convert/to_host.h"
+// What becomes what: which host value a Core Foundation type, which Core Foundation value a variant. Scalars are
+// converted here, every other kind of value in a file of its own.
+#include "convert/values.h"
 
 #include <ApplicationServices/ApplicationServices.h>
 
@@ -8,10 +9,14 @@
 #include "convert/dictionaries.h"
 #include "convert/folder_items.h"
 #include "convert/memory_blocks.h"
+#include "convert/variant_scalars.h"
 #include "convert/wrappers.h"
+#include "host/objects.h"
 #include "host/strings.h"
 
 namespace {
+
+// To the host. The order of the rows is the contract: the first match decides.
 
 OwnedObject NilValue(CFNullRef) { return {}; }
 
@@ -46,13 +51,12 @@ struct Conversion {
 // bound when it is first called.
 template <CFTypeID (*typeID)()> bool IsOfType(CFTypeID type) { return typeID() == type; }
 
-template <class Host, class Reference> Reference ParameterOf(Host (*)(Reference));
 template <auto convert> OwnedObject ConvertBy(CFTypeRef value, const char *) {
     return convert(static_cast<decltype(ParameterOf(convert))>(value));
 }
 
-template <auto retain> OwnedObject WrapKeptBy(CFTypeRef value, const char *className) {
-    return WrapperKeptBy(value, className, RetainBy<retain>);
+template <auto retain> OwnedObject WrapBy(CFTypeRef value, const char *className) {
+    return NewWrapper(value, className, RetainBy<retain>);
 }
 
 /// A natural host value, made by a function.
@@ -61,13 +65,13 @@ template <CFTypeID (*typeID)(), auto convert> constexpr Conversion Converted() {
 }
 
 /// A wrapper that keeps the reference with the type's own retain function. There is no class to fall back on.
-template <CFTypeID (*typeID)(), auto retain> constexpr Conversion WrappedKeptBy(const char *className) {
-    return {IsOfType<typeID>, WrapKeptBy<retain>, className};
+template <CFTypeID (*typeID)(), auto retain> constexpr Conversion Wrapped(const char *className) {
+    return {IsOfType<typeID>, WrapBy<retain>, className};
 }
 
 /// A wrapper of the named class, or else a "CFObjectQTX".
 template <CFTypeID (*typeID)()> constexpr Conversion WrappedOrCFObject(const char *className) {
-    return {IsOfType<typeID>, WrapperOrCFObject, className};
+    return {IsOfType<typeID>, NewWrapperOrCFObject, className};
 }
 
 constexpr Conversion kNaturalValues[] = {
@@ -80,18 +84,18 @@ constexpr Conversion kNaturalValues[] = {
     Converted<CFStringGetTypeID, StringVariant>(),
     Converted<CFDataGetTypeID, NewMemoryBlock>(),
     Converted<CFDateGetTypeID, NewHostDate>(),
-    WrappedKeptBy<CGColorSpaceGetTypeID, CGColorSpaceRetain>("CGColorSpaceQTX"),
-    WrappedKeptBy<CGColorGetTypeID, CGColorRetain>("CGColorQTX"),
-    WrappedKeptBy<CGImageGetTypeID, CGImageRetain>("CGImageQTX"),
-    WrappedKeptBy<CGLayerGetTypeID, CGLayerRetain>("CGLayerQTX"),
-    WrappedKeptBy<CGPathGetTypeID, CGPathRetain>("CGPathQTX"),
-    WrappedKeptBy<CGDataConsumerGetTypeID, CGDataConsumerRetain>("CGDataConsumerQTX"),
-    WrappedKeptBy<CGDataProviderGetTypeID, CGDataProviderRetain>("CGDataProviderQTX"),
-    WrappedKeptBy<CGPSConverterGetTypeID, CFRetain>("CGPSConverterQTX"),
-    WrappedKeptBy<CGContextGetTypeID, CGContextRetain>("CGContextQTX"),
+    Wrapped<CGColorSpaceGetTypeID, CGColorSpaceRetain>("CGColorSpaceQTX"),
+    Wrapped<CGColorGetTypeID, CGColorRetain>("CGColorQTX"),
+    Wrapped<CGImageGetTypeID, CGImageRetain>("CGImageQTX"),
+    Wrapped<CGLayerGetTypeID, CGLayerRetain>("CGLayerQTX"),
+    Wrapped<CGPathGetTypeID, CGPathRetain>("CGPathQTX"),
+    Wrapped<CGDataConsumerGetTypeID, CGDataConsumerRetain>("CGDataConsumerQTX"),
+    Wrapped<CGDataProviderGetTypeID, CGDataProviderRetain>("CGDataProviderQTX"),
+    Wrapped<CGPSConverterGetTypeID, CFRetain>("CGPSConverterQTX"),
+    Wrapped<CGContextGetTypeID, CGContextRetain>("CGContextQTX"),
     WrappedOrCFObject<CGEventGetTypeID>("CGEventQTX"),
     WrappedOrCFObject<CGEventSourceGetTypeID>("CGEventSourceQTX"),
-    WrappedKeptBy<CGFontGetTypeID, CGFontRetain>("CGFontQTX"),
+    Wrapped<CGFontGetTypeID, CGFontRetain>("CGFontQTX"),
 };
 
 // The complete map of types to the wrapper family. Deliberate: the rows whose types the first table has already
@@ -132,6 +136,74 @@ template <size_t n> const Conversion *FirstMatch(const Conversion (&rows)[n], CF
     return nullptr;
 }
 
+// From the host.
+
+template <class Value> OwnedCF<CFNumberRef> Number(CFNumberType type, Value value) {
+    return AdoptCF(CFNumberCreate(kCFAllocatorDefault, type, &value));
+}
+
+OwnedCF<CFBooleanRef> Boolean8(int32_t value) {
+    // Deliberate: only the low eight bits count.
+    return HoldCF((value & 0xFF) != 0 ? kCFBooleanTrue : kCFBooleanFalse);
+}
+
+OwnedCF<CGColorRef> Color(int32_t packed) {
+    const auto component = [packed](int shift) {
+        return static_cast<CGFloat>(((static_cast<uint32_t>(packed) >> shift) & 0xFF) / 255.0);
+    };
+    return AdoptCF(CGColorCreateGenericRGB(component(16), component(8), component(0), 1.0F));
+}
+
+OwnedCF<CFStringRef> Text(REALobjectStruct *value) {
+    const auto string = AdoptHost(GetVariantString(value));
+    return TextOrEmpty(string.Get());
+}
+
+bool IsFolderItem(REALobjectStruct *object) {
+    return REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem") != nullptr;
+}
+
+/// Memory blocks, folder items, dictionaries and the objects of companion plugins, tested in a fixed order.
+OwnedCF<CFTypeRef> ConvertObject(REALobjectStruct *object) {
+    if (IsA(object, "MemoryBlock"))
+        return CopyMemoryBlock(object);
+    if (IsFolderItem(object))
+        return AdoptCF(CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(object)));
+    if (IsA(object, "Dictionary"))
+        return CopyDictionary(object);
+    return CopyCompanion(object);
+}
+
+OwnedCF<CFTypeRef> Convert(REALobjectStruct *value) {
+    const int32_t type = GetVariantType(value);
+    switch (type) {
+    case kVariantNil:
+        return {};
+    case kVariantInt32:
+        return Number(kCFNumberSInt32Type, GetVariantInt32(value));
+    case kVariantInt64:
+        return Number(kCFNumberSInt64Type, GetVariantInt64(value));
+    case kVariantSingle:
+        return Number(kCFNumberFloat32Type, GetVariantSingle(value));
+    case kVariantDouble:
+    case kVariantOtherDouble:
+        return Number(kCFNumberFloat64Type, GetVariantDouble(value));
+    case kVariantDate:
+        return AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(value)));
+    case kVariantObject:
+        return ConvertObject(value);
+    case kVariantBoolean:
+        return Boolean8(GetVariantInt32(value));
+    case kVariantColor:
+        return Color(GetVariantInt32(value));
+    default:
+        if (const ArrayConversion convert = ConversionOfArray(type))
+            return convert(static_cast<_REALarray *>(value));
+        // Every code without a branch of its own goes through the host's own conversion to text.
+        return Text(value);
+    }
+}
+
 } // namespace
 
 REALobjectStruct *GetCFTypeAsVariant(CFTypeRef value) {
@@ -141,5 +213,7 @@ REALobjectStruct *GetCFTypeAsVariant(CFTypeRef value) {
         return row->convert(value, row->className).Give();
     if (const Conversion *row = FirstMatch(kWrapperClasses, CFGetTypeID(value)))
         return row->convert(value, row->className).Give();
-    return WrapperOrCFObject(value, "CFObjectQTX").Give();
+    return NewWrapperOrCFObject(value, "CFObjectQTX").Give();
 }
+
+CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) { return value ? Convert(value).Give() : nullptr; }

@@ -1,4 +1,4 @@
-// Core Foundation values to host values.
+// Values of every kind, to the host and from it.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -9,3 +9,7 @@
 /// references without a natural host value: +1, or null for nil. The value is borrowed. Data that finds no memory
 /// raises "OutOfMemoryException", a list whose host array shrinks meanwhile "OutOfBoundsException".
 [[nodiscard]] REALobjectStruct *GetCFTypeAsVariant(CFTypeRef value);
+
+/// +1; null for nil and for a value without a Core Foundation form. Raises nothing, except "OutOfBoundsException" for
+/// an array that shrinks while it is read.
+[[nodiscard]] CFTypeRef CopyVariantAsCFType(REALobjectStruct *value);
