@@ -64,11 +64,12 @@ class TheGate(unittest.TestCase):
     def test_it_opens_for_commands_that_work_and_counts_trials_and_tests(self) -> None:
         code, said = self._run()
         self.assertEqual(code, 0, said)
-        # Four commands twice, the tests once and with their ten, the commits' subjects.
-        self.assertEqual(said.splitlines()[-1], "20 passed, 0 failed")
+        # Four commands twice, two of them where there is an apostrophe, the tests once and with their ten, the commits'
+        # subjects.
+        self.assertEqual(said.splitlines()[-1], "22 passed, 0 failed")
 
     def test_each_broken_command_shuts_it(self) -> None:
-        for command, lines in (("good", 2), ("format", 2), ("build", 2), ("terminal", 1), ("test", 1)):
+        for command, lines in (("good", 2), ("format", 3), ("build", 3), ("terminal", 1), ("test", 1)):
             with self.subTest(command=command):
                 mark = self.tree / f"{command}-is-broken"
                 mark.touch()

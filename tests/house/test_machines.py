@@ -153,6 +153,14 @@ class Machines(unittest.TestCase):
         self.assertRegex(ran.stderr, r"\Adev: not root and no sudo; as root, run: apt-get install cmake [^\n]+\n\Z")
         self.assertNotIn("apt-get", self.calls.read_text("utf-8"))
 
+    def test_a_folder_in_which_everything_is_always_built_anew_is_named(self) -> None:
+        self._tool("cmake", "")
+        self._tool("ninja", "")
+        said = "dev: ninja builds everything anew each time below a folder with an apostrophe in its name\n"
+        self.assertNotIn(said, self._dev("build").stderr)
+        self.tree = self.tree.rename(self.tree.parent / "it's a tree")
+        self.assertIn(said, self._dev("build").stderr)
+
     def test_a_full_disk_is_named_as_the_reason(self) -> None:
         self._lacks_packages(uid=0)
         self._tool("df", "echo Avail; echo 0")
