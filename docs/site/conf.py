@@ -41,9 +41,10 @@ html_static_path = ["static"]
 html_css_files = ["site.css"]
 templates_path = ["templates"]
 html_additional_pages = {"index": "front_door.html"}
-html_theme_options = {"top_of_page_button": None}
+html_theme_options = {"top_of_page_button": None, "light_css_variables": {"color-code-background": "#f6f8fa"}}
 html_last_updated_fmt = "%Y-%m-%d"
 smartquotes_action = "q"  # never a dash for two hyphens: options begin with those
+highlight_language = "none"  # what does not say what it is has no colours
 pygments_style = "xcode"
 pygments_dark_style = "github-dark"
 

@@ -123,6 +123,17 @@ class Deliberate(unittest.TestCase):
                     self.assertRegex(read(file), rf"\b{name}\b")
 
 
+class FrontPage(unittest.TestCase):
+    def test_its_figures_are_those_of_the_sections_that_they_link_to(self) -> None:
+        figures = re.findall(r"\[([^\]]*\d[^\]]*)\]\((docs/(?:proof|speed)\.md)#([\w-]+)\)", read("README.md"))
+        self.assertTrue(figures)
+        for text, page, anchor in figures:
+            [there] = [part for part in re.split(r"^(?=#+ )", read(page), flags=re.MULTILINE) if anchor in anchors(part)]
+            for number in re.findall(r"\d[\d.,]*\d|\d", text):
+                with self.subTest(number=number, page=page):
+                    self.assertIn(number, re.findall(r"\d[\d.,]*\d|\d", there))
+
+
 class Links(unittest.TestCase):
     def test_every_link_leads_somewhere(self) -> None:
         pages = [*TREE.glob("*.md"), *(TREE / "docs").rglob("*.md"), *(TREE / "examples").glob("*.md")]
