@@ -1,5 +1,5 @@
 # Headers are read by the compiler once instead of once for each source: those that nearly every source includes are
-# precompiled, and the sources of some targets are compiled a dozen at a time, so that what their headers make of
+# precompiled, and the sources of some targets are compiled several at a time, so that what their headers make of
 # templates is made once, too. A compiler cache does better without: it could not share what was compiled with the
 # precompiled headers of another tree. Sources must still include what they use, which ./dev lint sees to.
 option(SPOTLIGHT_PRECOMPILE "Compile with precompiled headers, and some sources together" ON)
@@ -30,9 +30,10 @@ function(use_precompiled_headers name)
   endif()
 endfunction()
 
-# compile_together(<target>...): names that a source keeps to itself must then be its own in the whole target.
-function(compile_together)
+# compile_together(<number> <target>...): so many sources at a time. Names that a source keeps to itself must then be its
+# own in the whole target.
+function(compile_together number)
   if(SPOTLIGHT_PRECOMPILE)
-    set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+    set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${number})
   endif()
 endfunction()

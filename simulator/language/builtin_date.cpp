@@ -64,7 +64,7 @@ host::Value SqlDate(Call &call) { return Formatted(FieldsOf(call.self), false); 
 host::Value SqlDateTime(Call &call) { return Formatted(FieldsOf(call.self), true); }
 host::Value GetDayOfWeek(Call &call) { return DayOfWeek(FieldsOf(call.self)); }
 
-constexpr FunctionRow kFunctions[] = {
+constexpr FunctionRow kDateFunctions[] = {
     {"Constructor", ConstructNow},
     {"Constructor(other As Date)", ConstructCopy},
     {"Constructor(year As Integer, month As Integer = 1, day As Integer = 1, hour As Integer = 0, minute As Integer "
@@ -72,7 +72,7 @@ constexpr FunctionRow kFunctions[] = {
      ConstructFrom},
 };
 
-constexpr PropertyRow kProperties[] = {
+constexpr PropertyRow kDateProperties[] = {
     {"Year As Integer", GetField<&host::DateFields::year>, SetField<&host::DateFields::year>},
     {"Month As Integer", GetField<&host::DateFields::month>, SetField<&host::DateFields::month>},
     {"Day As Integer", GetField<&host::DateFields::day>, SetField<&host::DateFields::day>},
@@ -88,7 +88,8 @@ constexpr PropertyRow kProperties[] = {
 } // namespace
 
 const BuiltInClass &DateClass() {
-    static constexpr BuiltInClass row{"Date", nullptr, MakeInstance<host::DateInstance>, kFunctions, kProperties};
+    static constexpr BuiltInClass row{"Date", nullptr, MakeInstance<host::DateInstance>, kDateFunctions,
+                                      kDateProperties};
     return row;
 }
 

@@ -71,7 +71,7 @@ host::Value Clear(Call &call) {
 
 host::Value Count(Call &call) { return static_cast<int32_t>(DictionaryAt(call.self).Entries().size()); }
 
-constexpr FunctionRow kFunctions[] = {
+constexpr FunctionRow kDictionaryFunctions[] = {
     {"Value(key As Variant) As Variant", GetValue},
     {"Value(key As Variant, Assigns value As Variant)", SetValue},
     {"HasKey(key As Variant) As Boolean", HasKey},
@@ -83,13 +83,13 @@ constexpr FunctionRow kFunctions[] = {
     {"Clear", Clear},
 };
 
-constexpr PropertyRow kProperties[] = {{"Count As Integer", Count}};
+constexpr PropertyRow kDictionaryProperties[] = {{"Count As Integer", Count}};
 
 } // namespace
 
 const BuiltInClass &DictionaryClass() {
-    static constexpr BuiltInClass row{"Dictionary", nullptr, MakeInstance<host::DictionaryInstance>, kFunctions,
-                                      kProperties};
+    static constexpr BuiltInClass row{"Dictionary", nullptr, MakeInstance<host::DictionaryInstance>,
+                                      kDictionaryFunctions, kDictionaryProperties};
     return row;
 }
 

@@ -30,14 +30,15 @@ host::Value SetErrorNumber(Call &call) {
 
 host::Value GetErrorNumber(Call &call) { return ExceptionAt(call.self).errorNumber.value_or(0); }
 
-host::Value Construct(Call &call) {
+host::Value ConstructException(Call &call) {
     ExceptionAt(call.self).errorNumber = IntegerAt(call, 1);
     return SetMessage(call);
 }
 
-constexpr FunctionRow kFunctions[] = {{"Constructor(message As String = \"\", number As Integer = 0)", Construct}};
+constexpr FunctionRow kExceptionFunctions[] = {
+    {"Constructor(message As String = \"\", number As Integer = 0)", ConstructException}};
 
-constexpr PropertyRow kProperties[] = {
+constexpr PropertyRow kExceptionProperties[] = {
     {"Message As String", GetMessage, SetMessage},
     {"ErrorNumber As Integer", GetErrorNumber, SetErrorNumber},
 };
@@ -50,7 +51,7 @@ constexpr BuiltInClass Derived(const char *name) {
 
 std::span<const BuiltInClass> ExceptionClasses() {
     static constexpr BuiltInClass rows[] = {
-        {"RuntimeException", nullptr, MakeInstance<host::ExceptionInstance>, kFunctions, kProperties},
+        {"RuntimeException", nullptr, MakeInstance<host::ExceptionInstance>, kExceptionFunctions, kExceptionProperties},
         Derived("NilObjectException"),
         Derived("OutOfBoundsException"),
         Derived("OutOfMemoryException"),

@@ -25,7 +25,7 @@ host::Object ItemFor(const Call &call, const fs::path &path) {
     return call.execution.Host().NewFolderItem(path.string());
 }
 
-host::Value Construct(Call &call) {
+host::Value ConstructFolderItem(Call &call) {
     PathAt(call.self) = fs::absolute(TextAt(call, 0)).lexically_normal().string();
     return {};
 }
@@ -66,7 +66,7 @@ std::vector<fs::path> ContentsOf(const std::string &folder) {
     return contents;
 }
 
-host::Value Count(Call &call) { return static_cast<int32_t>(ContentsOf(PathAt(call.self)).size()); }
+host::Value ContentCount(Call &call) { return static_cast<int32_t>(ContentsOf(PathAt(call.self)).size()); }
 
 host::Value Item(Call &call) {
     const std::vector<fs::path> contents = ContentsOf(PathAt(call.self));
@@ -126,18 +126,18 @@ template <FolderName name> host::Value HomeFolder(Call &call) { return ItemFor(c
 host::Value UserHome(Call &call) { return ItemFor(call, Home()); }
 host::Value Temporary(Call &call) { return ItemFor(call, fs::temp_directory_path()); }
 
-constexpr FunctionRow kFunctions[] = {
-    {"Constructor(path As String)", Construct},
+constexpr FunctionRow kFolderItemFunctions[] = {
+    {"Constructor(path As String)", ConstructFolderItem},
     {"Child(name As String) As FolderItem", Child},
     {"Item(index As Integer) As FolderItem", Item},
     {"Delete", Delete},
     {"CreateAsFolder", CreateAsFolder},
 };
 
-constexpr PropertyRow kProperties[] = {
+constexpr PropertyRow kFolderItemProperties[] = {
     {"Name As String", Name},         {"NativePath As String", NativePath},
     {"Exists As Boolean", Exists},    {"Directory As Boolean", Directory},
-    {"Length As Int64", Length},      {"Count As Integer", Count},
+    {"Length As Int64", Length},      {"Count As Integer", ContentCount},
     {"Parent As FolderItem", Parent}, {"ModificationDate As Date", ModificationDate, SetModificationDate},
 };
 
@@ -153,8 +153,8 @@ constexpr PropertyRow kSpecialFolders[] = {
 } // namespace
 
 const BuiltInClass &FolderItemClass() {
-    static constexpr BuiltInClass row{"FolderItem", nullptr, MakeInstance<host::FolderItemInstance>, kFunctions,
-                                      kProperties};
+    static constexpr BuiltInClass row{"FolderItem", nullptr, MakeInstance<host::FolderItemInstance>,
+                                      kFolderItemFunctions, kFolderItemProperties};
     return row;
 }
 

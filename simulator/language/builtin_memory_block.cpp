@@ -23,7 +23,7 @@ std::byte *BytesFor(const Call &call, int32_t offset, int32_t count) {
     return bytes.data() + offset;
 }
 
-host::Value Construct(Call &call) {
+host::Value ConstructMemoryBlock(Call &call) {
     const int32_t size = IntegerAt(call, 0);
     if (size < 0 || size > kLargest)
         call.execution.Raise("OutOfMemoryException", "no memory block can be that large", call.where);
@@ -60,8 +60,8 @@ host::Value SetText(Call &call) {
 
 host::Value Size(Call &call) { return static_cast<int32_t>(BytesAt(call.self).size()); }
 
-constexpr FunctionRow kFunctions[] = {
-    {"Constructor(size As Integer)", Construct},
+constexpr FunctionRow kMemoryBlockFunctions[] = {
+    {"Constructor(size As Integer)", ConstructMemoryBlock},
     {"Byte(offset As Integer) As Integer", GetNumber<uint8_t>},
     {"Byte(offset As Integer, Assigns value As Integer)", SetNumber<uint8_t>},
     {"Short(offset As Integer) As Integer", GetNumber<int16_t>},
@@ -72,13 +72,13 @@ constexpr FunctionRow kFunctions[] = {
     {"StringValue(offset As Integer, length As Integer, Assigns value As String)", SetText},
 };
 
-constexpr PropertyRow kProperties[] = {{"Size As Integer", Size}};
+constexpr PropertyRow kMemoryBlockProperties[] = {{"Size As Integer", Size}};
 
 } // namespace
 
 const BuiltInClass &MemoryBlockClass() {
-    static constexpr BuiltInClass row{"MemoryBlock", nullptr, MakeInstance<host::MemoryBlockInstance>, kFunctions,
-                                      kProperties};
+    static constexpr BuiltInClass row{"MemoryBlock", nullptr, MakeInstance<host::MemoryBlockInstance>,
+                                      kMemoryBlockFunctions, kMemoryBlockProperties};
     return row;
 }
 

@@ -9,7 +9,7 @@ namespace sim::language {
 namespace {
 
 /// In characters.
-constexpr size_t kLongestText = 1 << 22;
+constexpr size_t kLongestReplaced = 1 << 22;
 
 std::u32string CharactersAt(const Call &call, size_t index) { return CharactersOf(TextAt(call, index)); }
 
@@ -62,7 +62,7 @@ std::string Replaced(const Call &call, size_t most) {
     size_t at = 0;
     for (size_t found; most > 0 && (found = Find(folded, foldedWanted, at)) != std::u32string::npos; --most) {
         result += text.substr(at, found - at) + other;
-        if (result.size() > kLongestText)
+        if (result.size() > kLongestReplaced)
             call.execution.Raise("OutOfMemoryException", "no text can be that long", call.where);
         at = found + wanted.size();
     }

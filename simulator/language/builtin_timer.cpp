@@ -16,7 +16,7 @@ host::Object MakeTimer(Execution &execution, const ClassSymbol &exact) {
     return timer;
 }
 
-constexpr FunctionRow kFunctions[] = {
+constexpr FunctionRow kTimerFunctions[] = {
     {"Reset",
      [](Call &call) -> host::Value {
          TimerAt(call.self).Restart();
@@ -24,7 +24,7 @@ constexpr FunctionRow kFunctions[] = {
      }},
 };
 
-constexpr PropertyRow kProperties[] = {
+constexpr PropertyRow kTimerProperties[] = {
     {"Period As Integer", [](Call &call) -> host::Value { return TimerAt(call.self).GetPeriod(); },
      [](Call &call) -> host::Value {
          TimerAt(call.self).SetPeriod(IntegerAt(call, 0));
@@ -77,7 +77,7 @@ TimerInstance &TimerAt(const host::Object &object) { return dynamic_cast<TimerIn
 
 const BuiltInClass &TimerClass() {
     static constexpr const char *kConstants[] = {"ModeOff=0", "ModeSingle=1", "ModeMultiple=2"};
-    static constexpr BuiltInClass row{"Timer", nullptr, MakeTimer, kFunctions, kProperties, kConstants};
+    static constexpr BuiltInClass row{"Timer", nullptr, MakeTimer, kTimerFunctions, kTimerProperties, kConstants};
     return row;
 }
 

@@ -1,15 +1,6 @@
-#include "tests/simulator/host/fake_plugin.h"
-#include "tests/simulator/host/fixture.h"
+#include "tests/simulator/host/lamp_host.h"
 
 namespace tests {
-
-namespace {
-
-struct LampHost : HostUnderTest {
-    explicit LampHost(HostOptions options = {}) : HostUnderTest(std::move(options)) { Start(FakePluginMain); }
-};
-
-} // namespace
 
 TEST_CASE("A method is called by its name with its declared arguments, missing ones by their presets") {
     LampHost host;

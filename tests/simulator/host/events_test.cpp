@@ -1,15 +1,6 @@
-#include "tests/simulator/host/fake_plugin.h"
-#include "tests/simulator/host/fixture.h"
+#include "tests/simulator/host/lamp_host.h"
 
 namespace tests {
-
-namespace {
-
-struct LampHost : HostUnderTest {
-    LampHost() { Start(FakePluginMain); }
-};
-
-} // namespace
 
 TEST_CASE("An event without a handler has no function") {
     LampHost host;

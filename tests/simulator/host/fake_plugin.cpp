@@ -18,9 +18,11 @@ using Word = uint32_t;
 
 constexpr Word kStandard = 0xFFFFFFFF;
 
-sim::host::Host::Resolver resolve = nullptr;
+sim::host::Host::Resolver hostResolver = nullptr;
 
-template <class Signature> Signature *Find(const char *name) { return reinterpret_cast<Signature *>(resolve(name)); }
+template <class Signature> Signature *Find(const char *name) {
+    return reinterpret_cast<Signature *>(hostResolver(name));
+}
 
 template <class T> Word WordOf(T *address) { return static_cast<Word>(reinterpret_cast<uintptr_t>(address)); }
 
@@ -250,7 +252,7 @@ bool RaiseDimmed(void *lamp, void *names, int32_t from, double to) {
 }
 
 void FakePluginMain(sim::host::Host::Resolver resolver) {
-    resolve = resolver;
+    hostResolver = resolver;
     lampsConstructed = lampsDestroyed = 0;
     Records &records = Kept().emplace_back();
     const auto version = static_cast<Word>(announcedVersion);

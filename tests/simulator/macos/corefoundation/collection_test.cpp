@@ -13,16 +13,16 @@ using namespace sim::macos::tests;
 namespace {
 
 // Callbacks that write down what they are asked.
-std::vector<std::string> journal;
+std::vector<std::string> notes;
 
 std::string NameOf(const void *value) { return std::to_string(reinterpret_cast<std::uintptr_t>(value)); }
 const void *ValueOf(std::uintptr_t number) { return reinterpret_cast<const void *>(number); }
 
 const void *NoteRetain(CFAllocatorRef, const void *value) {
-    journal.push_back("retain " + NameOf(value));
+    notes.push_back("retain " + NameOf(value));
     return value;
 }
-void NoteRelease(CFAllocatorRef, const void *value) { journal.push_back("release " + NameOf(value)); }
+void NoteRelease(CFAllocatorRef, const void *value) { notes.push_back("release " + NameOf(value)); }
 Boolean SameTens(const void *one, const void *other) {
     return reinterpret_cast<std::uintptr_t>(one) / 10 == reinterpret_cast<std::uintptr_t>(other) / 10;
 }
@@ -61,7 +61,7 @@ TEST_CASE_FIXTURE(Balanced, "An array of objects retains what it takes and relea
 }
 
 TEST_CASE_FIXTURE(Balanced, "An array calls the callbacks it was made with, and none it was made without") {
-    journal.clear();
+    notes.clear();
     {
         const auto array = NewArray(0, &kNoting);
         CFArrayAppendValue(array.Get(), ValueOf(21));
@@ -71,8 +71,8 @@ TEST_CASE_FIXTURE(Balanced, "An array calls the callbacks it was made with, and 
         CFArrayAppendValue(like.Get(), ValueOf(30));
         CHECK(CFEqual(array.Get(), like.Get()));
     }
-    CHECK(journal == std::vector<std::string>{"retain 21", "retain 32", "retain 29", "retain 30", "release 29",
-                                              "release 30", "release 21", "release 32"});
+    CHECK(notes == std::vector<std::string>{"retain 21", "retain 32", "retain 29", "retain 30", "release 29",
+                                            "release 30", "release 21", "release 32"});
     const auto plain = NewArray(0, nullptr);
     CFArrayAppendValue(plain.Get(), nullptr);
     CFArrayAppendValue(plain.Get(), ValueOf(1));
@@ -135,7 +135,7 @@ TEST_CASE_FIXTURE(Balanced, "A dictionary cannot be changed while a function is 
 
 TEST_CASE_FIXTURE(Balanced,
                   "A dictionary calls the callbacks it was made with; without any, pointers are all it knows") {
-    journal.clear();
+    notes.clear();
     const CFDictionaryKeyCallBacks keys{0, NoteRetain, NoteRelease, nullptr, SameTens, TensOf};
     const CFDictionaryValueCallBacks values{0, NoteRetain, NoteRelease, nullptr, nullptr};
     {
@@ -146,8 +146,8 @@ TEST_CASE_FIXTURE(Balanced,
         CHECK_EQ(CFDictionaryGetValue(dictionary.Get(), ValueOf(25)), ValueOf(2));
         CHECK_EQ(CFDictionaryGetCount(dictionary.Get()), 1);
     }
-    CHECK(journal == std::vector<std::string>{"retain 21", "retain 1", "retain 28", "retain 2", "release 21",
-                                              "release 1", "release 28", "release 2"});
+    CHECK(notes == std::vector<std::string>{"retain 21", "retain 1", "retain 28", "retain 2", "release 21", "release 1",
+                                            "release 28", "release 2"});
     const auto plain = CFRef<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr));
     CFDictionarySetValue(plain.Get(), nullptr, ValueOf(7));
     CHECK_EQ(CFDictionaryGetValue(plain.Get(), nullptr), ValueOf(7));

@@ -10,12 +10,12 @@ namespace sim::macos {
 namespace {
 
 /// A Monday.
-const CFAbsoluteTime kNow = Date(2014, 6, 30, 15, 4, 5);
+const CFAbsoluteTime kMatchedAt = Date(2014, 6, 30, 15, 4, 5);
 
 bool Matches(const AttributeSource &file, std::string_view query) {
     const auto expression = expression::Expression::Parse(Utf16(query));
     REQUIRE_MESSAGE(expression != nullptr, query);
-    return expression->Matches(file, kNow);
+    return expression->Matches(file, kMatchedAt);
 }
 
 /// A file with the value as attribute a.
@@ -331,7 +331,7 @@ TEST_CASE("malformed text in an attribute or a query does no harm") {
     query += u"'";
     const auto expression = expression::Expression::Parse(query);
     REQUIRE(expression != nullptr);
-    CHECK(expression->Matches(Attributes().With("a", lone.Copy()), kNow));
+    CHECK(expression->Matches(Attributes().With("a", lone.Copy()), kMatchedAt));
 }
 
 } // namespace sim::macos

@@ -9,12 +9,12 @@ namespace sim::macos {
 
 namespace {
 
-CFRef<CFArrayRef> ValuesOf(const TestQuery &query, std::string_view name) {
+CFRef<CFArrayRef> AttributeValuesOf(const TestQuery &query, std::string_view name) {
     return CFRef<CFArrayRef>::Adopt(MDQueryCopyValuesOfAttribute(query.Get(), MakeString(name).Get()));
 }
 
 FileNames TextsOf(const TestQuery &query, std::string_view name) {
-    const auto values = ValuesOf(query, name);
+    const auto values = AttributeValuesOf(query, name);
     FileNames texts;
     for (const void *value : macos::ValuesOf(values.Get()))
         texts.push_back(Utf8Of(static_cast<CFStringRef>(value)));
@@ -112,8 +112,8 @@ TEST_CASE("each distinct value of the value list comes once, those of an array o
 TEST_CASE("an attribute that is not in the value list has no values") {
     Kinds kinds;
     kinds.GoLive();
-    CHECK_FALSE(ValuesOf(kinds.query, "kMDItemFSName")); // sorting only
-    CHECK_FALSE(ValuesOf(kinds.query, "kMDItemTitle"));
+    CHECK_FALSE(AttributeValuesOf(kinds.query, "kMDItemFSName")); // sorting only
+    CHECK_FALSE(AttributeValuesOf(kinds.query, "kMDItemTitle"));
     CHECK(CountOf(kinds.query, "kMDItemFSName", Text("a").Get()) == 0);
     CHECK(CountOf(kinds.query, "kMDItemTitle", nullptr) == 0);
 }
