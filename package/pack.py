@@ -22,8 +22,8 @@ _README = "docs/guides/installing"
 _UNIX = 3
 
 
-def _files_below(folder: Path, pattern: str = "*") -> dict[str, bytes]:
-    return {str(path.relative_to(folder)): path.read_bytes() for path in folder.rglob(pattern) if path.is_file()}
+def _files_below(folder: Path) -> dict[str, bytes]:
+    return {str(path.relative_to(folder)): path.read_bytes() for path in folder.rglob("*") if path.is_file()}
 
 
 def contents(tree: Path, library: Path, site: Path) -> dict[str, bytes]:
@@ -36,21 +36,20 @@ def contents(tree: Path, library: Path, site: Path) -> dict[str, bytes]:
         "CHANGELOG.txt": plain_text((tree / "CHANGELOG.md").read_text("utf-8"), "").encode(),
     }
     files |= {f"site/{name}": data for name, data in _files_below(site).items()}
-    files |= {f"examples/{name}": data for name, data in _files_below(tree / "examples", "*.bas").items()}
+    # The page about the examples is in the site.
+    files |= {f"examples/{name}": data for name, data in _files_below(tree / "examples").items() if not name.endswith(".md")}
     sums = [f"{hashlib.sha256(data).hexdigest()}  {name}\n" for name, data in sorted(files.items())]
     return files | {"SHA256SUMS": "".join(sums).encode()}
 
 
 def _tar(files: dict[str, bytes], date: int) -> bytes:
     packed = io.BytesIO()
-    with gzip.GzipFile("", "wb", 9, packed, mtime=date) as squeezed, tarfile.open(
-        fileobj=squeezed, mode="w", format=tarfile.USTAR_FORMAT
-    ) as archive:
+    with tarfile.open(fileobj=packed, mode="w", format=tarfile.USTAR_FORMAT) as archive:
         for name, data in sorted(files.items()):
             entry = tarfile.TarInfo(name)
             entry.size, entry.mtime, entry.mode = len(data), date, _mode(name)
             archive.addfile(entry, io.BytesIO(data))
-    return packed.getvalue()
+    return gzip.compress(packed.getvalue(), mtime=date)
 
 
 def _zip(files: dict[str, bytes], date: int) -> bytes:

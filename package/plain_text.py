@@ -16,7 +16,7 @@ def _place(folder: str, page: str, anchor: str) -> str:
 
 def _filled(paragraph: str) -> str:
     """The paragraph with lines that are full again: places are longer than the links were."""
-    indent = " " * len(re.match(r"(?:- |\d+\. )?", paragraph)[0])
+    indent = " " * len(re.findall(r"\A(?:- |\d+\. )?", paragraph)[0])
     text = " ".join(paragraph.split())
     return textwrap.fill(text, _LINE, subsequent_indent=indent, break_long_words=False, break_on_hyphens=False)
 

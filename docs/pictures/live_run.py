@@ -121,7 +121,7 @@ def _line(number: int, chars: list[Char]) -> str:
 
 def picture(screen: pyte.Screen) -> str:
     """What the terminal shows, below the command that was typed."""
-    prompt = [Char(data, "default", "default", False, False, False, False, False) for data in f'$ ./dev run ~/Documents "{_QUERY}"']
+    prompt = [Char(data) for data in f'$ ./dev run ~/Documents "{_QUERY}"']
     rows = [prompt] + [[screen.buffer[row][column] for column in range(_COLUMNS)] for row in range(_ROWS)]
     while not "".join(char.data for char in rows[-1]).strip():
         rows.pop()

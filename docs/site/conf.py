@@ -9,12 +9,15 @@ from __future__ import annotations
 import re
 import sys
 from pathlib import Path
+from typing import Any
 
 _HERE = Path(__file__).resolve().parent
 _TREE = _HERE.parent.parent
 sys.path.insert(0, str(_HERE))
 
 import contents  # noqa: E402
+
+tags: Any  # Sphinx brings them along: what "-t" names
 
 # --- What there is ---
 
@@ -26,7 +29,7 @@ extensions = ["myst_parser", "host_code", "contents", "questions", "tables", "th
 
 root_doc = "docs/README"
 _for_all = [root_doc, *contents.pages(_TREE, contents.PROGRAMMERS)]
-_wanted = _for_all if tags.has("programmers") else [*_for_all, *contents.pages(_TREE, contents.EVERYBODY_ELSE)]  # noqa: F821
+_wanted = _for_all if tags.has("programmers") else [*_for_all, *contents.pages(_TREE, contents.EVERYBODY_ELSE)]
 include_patterns = [f"{page}.*" for page in _wanted]
 exclude_patterns = [".*", "build", "dist", "**.def", "**.tsv", "**.py"]
 source_suffix = {".md": "markdown", ".bas": "host program"}

@@ -78,7 +78,7 @@ class HostProgram(Parser):
 
     def parse(self, inputstring: str, document: nodes.document) -> None:
         title = Path(document["source"]).name
-        about = " ".join(re.match(r"(?:'.*\n)*", inputstring)[0].replace("'", "").split())
+        about = " ".join(re.findall(r"\A(?:'.*\n)*", inputstring)[0].replace("'", "").split())
         code = nodes.literal_block(inputstring, inputstring, language="basic")
         name = nodes.make_id(title)
         document += nodes.section("", nodes.title(title, title), nodes.paragraph(about, about), code, ids=[name], names=[title])

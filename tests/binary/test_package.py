@@ -44,9 +44,8 @@ class Package(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls) -> None:
-        packed = subprocess.run(
-            [str(_TREE / "dev"), "package"], cwd="/", env={"PATH": "/usr/bin:/bin"}, capture_output=True, text=True, check=False
-        )
+        command = [str(_TREE / "dev"), "package"]
+        packed = subprocess.run(command, cwd="/", env={"PATH": "/usr/bin:/bin"}, capture_output=True, text=True, check=False)
         if packed.returncode:
             raise AssertionError(packed.stderr)
         made = re.findall(r"^dev: (dist/Spotlight-[0-9.]+)\.(zip|tar\.gz) is made$", packed.stderr, re.MULTILINE)
@@ -69,7 +68,8 @@ class Package(unittest.TestCase):
 
     def test_they_hold_what_a_host_programmer_needs(self) -> None:
         places = ("Spotlight.dylib", "README.txt", "CHANGELOG.txt", "LICENSE.txt", "SHA256SUMS", "site/index.html",
-                  "site/docs/reference/MDQueryQTX.html", "examples/live-query.bas", "examples/toolkit/QueryText.bas")
+                  "site/docs/reference/MDQueryQTX.html", "examples/live-query.bas", "examples/toolkit/QueryText.bas",
+                  "examples/folder/letter.txt", "examples/folder.tsv")
         for place in places:
             self.assertTrue((self.folder / place).is_file(), place)
 
@@ -78,7 +78,8 @@ class Package(unittest.TestCase):
 
     def test_every_file_has_the_date_of_the_commit_and_nothing_of_this_machine(self) -> None:
         [date] = {entry.mtime for entry in self.tar.values()}
-        asked = subprocess.run(["git", "-C", str(_TREE), "log", "-1", "--format=%ct"], capture_output=True, text=True, check=False)
+        ask = ["git", "-C", str(_TREE), "log", "-1", "--format=%ct"]
+        asked = subprocess.run(ask, capture_output=True, text=True, check=False)
         if asked.returncode == 0 and (_TREE / ".git").exists():
             self.assertEqual(date, int(asked.stdout))
         self.assertTrue(365 * 24 * 3600 < date <= time.time(), date)

@@ -15,6 +15,7 @@ sys.path.insert(0, str(_TREE / "docs/site"))
 
 import contents  # noqa: E402
 import host_code  # noqa: E402
+from pygments.lexer import RegexLexer  # noqa: E402
 from pygments.token import Error, Keyword, Operator  # noqa: E402
 
 
@@ -40,7 +41,7 @@ class Colours(unittest.TestCase):
             self.assertTrue(kind in Keyword or kind in Operator, word)
 
     def test_all_code_on_the_pages_and_every_example_is_understood(self) -> None:
-        lexers = {"basic": host_code.HostLexer(), "declaration": host_code.DeclarationLexer()}
+        lexers: dict[str, RegexLexer] = {"basic": host_code.HostLexer(), "declaration": host_code.DeclarationLexer()}
         shown = [(block.kind.split()[0], "\n".join(block.lines), page.name) for page in (_TREE / "docs").rglob("*.md")
                  for block in blocks(page.read_text("utf-8")) if block.kind]
         shown += [("basic", path.read_text("utf-8"), path.name) for path in (_TREE / "examples").rglob("*.bas")]
