@@ -1,7 +1,6 @@
 // What a notification does, call by call: which handler is asked for, which arrays are read and made, and what is given
 // up behind the handler.
 #include <doctest/doctest.h>
-#include <span>
 
 #include "simulator/macos/CoreFoundation/dictionary.h"
 #include "tests/spotlight/support/event_log.h"
