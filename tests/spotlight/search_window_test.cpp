@@ -27,7 +27,7 @@ struct Window {
     /// The one call since the last question.
     searchwindow::Call TakeCall() const {
         REQUIRE(searchwindow::Calls().size() == 1);
-        const auto call = searchwindow::Calls().front();
+        auto call = searchwindow::Calls().front();
         searchwindow::Reset();
         return call;
     }
