@@ -7,6 +7,7 @@ import os
 import re
 import unicodedata
 import unittest
+import wave
 from pathlib import Path
 
 from program import MOMENT, FolderTest, run
@@ -44,6 +45,21 @@ class Query(FolderTest):
             f"b.txt\tPlain text document\t6\t{when}\t{self.folder}/b.txt\n"
             f"inner\tFolder\t\t{when}\t{self.folder}/inner\n",
         )
+
+    def test_what_a_recording_and_a_picture_say_of_themselves_is_shown_and_found(self) -> None:
+        with wave.open(str(self.folder / "silence.wav"), "wb") as sound:
+            sound.setparams((1, 1, 8000, 12000, "NONE", ""))
+            sound.writeframes(b"\x80" * 12000)
+        (self.folder / "dot.gif").write_bytes(b"GIF89a\x2c\x01\x05\x00\x00\x00\x00\x2c")
+        for name, attribute, kind, value in (
+            ("silence.wav", "kMDItemDurationSeconds", "Double", "1.5"),
+            ("dot.gif", "kMDItemPixelWidth", "Int64", "300"),
+        ):
+            with self.subTest(name):
+                shown = run("--show", str(self.folder / name)).stdout.splitlines()
+                self.assertIn(f"{attribute}\t{kind}\t{value}", shown)
+                found = run(str(self.folder), f"{attribute} == {value}").stdout.splitlines()
+                self.assertEqual([line.split("\t")[0] for line in found], ["Name", name])
 
     def test_json_has_numbers_as_numbers_and_what_is_missing_as_null(self) -> None:
         self.make("a.txt", "hello\n")

@@ -42,12 +42,23 @@ std::string WithExif(const std::string &photo, char orientation, char resolution
     return photo.substr(0, 2) + "\xFF\xE1"s + '\0' + length + data + photo.substr(2);
 }
 
+/// A GIF of 300 by 5 pixels with a palette of two colours, up to its first picture.
+std::string Gif(bool hasTransparentColor) {
+    const std::string header = "GIF89a\x2C\1\5\0\x80\0\0"s, palette(6, '\x7F');
+    const std::string comment = "\x21\xFE\5hello\2oh\0"s;
+    const std::string control = "\x21\xF9\4"s + (hasTransparentColor ? '\1' : '\0') + "\0\0\0\0"s;
+    return header + palette + comment + control + "\x2C\0\0\0\0\x2C\1\5\0\0\2"s;
+}
+
 } // namespace
 
 TEST_CASE("a picture tells its size, colour space, depth, transparency and orientation") {
     const EndsBalanced balance;
     const TemporaryFolder folder;
+    const std::string gif = Gif(true), opaqueGif = Gif(false);
     const Expected kPictures[] = {
+        {gif, "a.gif", 300, 5, 8, "RGB", true, 0},
+        {opaqueGif, "opaque.gif", 300, 5, 8, "RGB", false, 0},
         {kRGBAPicture, "rgba.png", 3, 2, 8, "RGB", true, 0},
         {kGrayPicture, "gray.png", 4, 7, 16, "Gray", false, 1},
         {kPalettePicture, "palette.png", 8, 8, 8, "RGB", true, 0},
@@ -183,6 +194,16 @@ TEST_CASE("a damaged picture is given up after a thousand pieces that say nothin
     };
     CHECK(Attribute(folder.Write("a.jpg", paddedJPEG(900)), "kMDItemPixelWidth"));
     CHECK_FALSE(Attribute(folder.Write("b.jpg", paddedJPEG(1000)), "kMDItemPixelWidth"));
+    const auto paddedGIF = [](std::size_t pieces) { // extensions of no bytes between the palette and the others
+        const std::string gif = Gif(true);
+        std::string padding;
+        for (std::size_t i = 0; i < pieces; i++)
+            padding += "\x21\xFE\0"s;
+        return gif.substr(0, 19) + padding + gif.substr(19);
+    };
+    CHECK(Truth(Attribute(folder.Write("a.gif", paddedGIF(900)), "kMDItemHasAlphaChannel")));
+    CHECK_FALSE(Truth(Attribute(folder.Write("b.gif", paddedGIF(1000)), "kMDItemHasAlphaChannel")));
+    CHECK_FALSE(Attribute(folder.Write("cut.gif", Gif(true).substr(0, 12)), "kMDItemPixelWidth"));
 }
 
 } // namespace sim::macos

@@ -1,5 +1,6 @@
 // How one attribute is read off a file: its name and a function. Each group of attributes is a table of such rows in a
-// file of its own; file_source.cpp puts the tables together.
+// file of its own; file_source.cpp puts the tables together. Two groups may know one attribute: the first that has a
+// value for the file tells it.
 #pragma once
 
 #include "simulator/macos/CoreServices/metadata/items/file_facts.h"
@@ -28,6 +29,7 @@ std::span<const AttributeReader> FinderAttributes();
 /// Type, the types it conforms to, and kind.
 std::span<const AttributeReader> ContentTypeAttributes();
 std::span<const AttributeReader> ImageAttributes();
+std::span<const AttributeReader> AudioAttributes();
 /// What desktop programs write down with a file in extended attributes.
 std::span<const AttributeReader> DesktopAttributes();
 

@@ -16,8 +16,10 @@ bool HasMode(const struct statx *status, unsigned kind) { return status && (stat
 
 std::optional<ImageHeader> ReadImageHeader(const std::string &path) {
     const FileBytes file(path);
-    auto header = ReadPNGHeader(file);
-    return header ? header : ReadJPEGHeader(file);
+    for (const auto read : {ReadPNGHeader, ReadJPEGHeader, ReadGIFHeader})
+        if (auto header = read(file))
+            return header;
+    return std::nullopt;
 }
 
 } // namespace
@@ -60,6 +62,15 @@ const ImageHeader *FileFacts::Image() {
             image_ = ReadImageHeader(path_);
     }
     return image_ ? &*image_ : nullptr;
+}
+
+const AudioHeader *FileFacts::Audio() {
+    if (!haveAudio_) {
+        haveAudio_ = true;
+        if (const UniformType *type = Type(); type && ConformsTo(*type, "public.audio"))
+            audio_ = ReadAudioHeader(FileBytes(path_), Status()->stx_size, Extension());
+    }
+    return audio_ ? &*audio_ : nullptr;
 }
 
 std::optional<std::string> FileFacts::ExtendedAttribute(const std::string &name) {

@@ -3,6 +3,7 @@
 // not at what it leads to.
 #pragma once
 
+#include "simulator/macos/CoreServices/metadata/items/audio_header.h"
 #include "simulator/macos/CoreServices/metadata/items/image_header.h"
 #include "simulator/macos/CoreServices/metadata/items/uniform_type.h"
 
@@ -36,6 +37,9 @@ public:
     /// Null when the file is not an image of a kind that is read here.
     const ImageHeader *Image();
 
+    /// Null when the file is no sound of a kind that is read here.
+    const AudioHeader *Audio();
+
     /// The value of an extended attribute, by its full name; nothing when the file has none of that name.
     std::optional<std::string> ExtendedAttribute(const std::string &name);
     std::vector<std::string> ExtendedAttributeNames();
@@ -47,6 +51,8 @@ private:
     const UniformType *type_ = nullptr;
     bool haveImage_ = false;
     std::optional<ImageHeader> image_;
+    bool haveAudio_ = false;
+    std::optional<AudioHeader> audio_;
 };
 
 } // namespace sim::macos

@@ -18,28 +18,32 @@ const std::vector<AttributeReader> &Readers() {
     static const std::vector<AttributeReader> readers = [] {
         std::vector<AttributeReader> all;
         for (auto group : {NameAttributes(), FileSystemAttributes(), DateAttributes(), FinderAttributes(),
-                           ContentTypeAttributes(), ImageAttributes(), DesktopAttributes()})
+                           ContentTypeAttributes(), ImageAttributes(), DesktopAttributes(), AudioAttributes()})
             all.insert(all.end(), group.begin(), group.end());
         return all;
     }();
     return readers;
 }
 
-const AttributeReader *FindReader(std::string_view key) {
+/// Those that know the attribute, in the order in which they are asked.
+std::span<const AttributeReader *const> ReadersOf(std::string_view key) {
     static const auto index = [] {
-        std::unordered_map<std::string_view, const AttributeReader *> byKey;
+        std::unordered_map<std::string_view, std::vector<const AttributeReader *>> byKey;
         for (const AttributeReader &reader : Readers())
-            byKey.emplace(reader.key, &reader);
+            byKey[reader.key].push_back(&reader);
         return byKey;
     }();
     const auto found = index.find(key);
-    return found == index.end() ? nullptr : found->second;
+    if (found == index.end())
+        return {};
+    return found->second;
 }
 
 CFTypeRef CopyFrom(FileFacts &file, std::string_view key) {
-    const AttributeReader *reader = FindReader(key);
-    const CFTypeRef value = reader ? reader->copy(file) : nullptr;
-    return value ? value : CopyNamedAttribute(file, key);
+    for (const AttributeReader *reader : ReadersOf(key))
+        if (const CFTypeRef value = reader->copy(file))
+            return value;
+    return CopyNamedAttribute(file, key);
 }
 
 bool HasValue(FileFacts &file, std::string_view key) {
@@ -95,10 +99,10 @@ std::vector<std::string> FileSource::Names() const {
     FileFacts file(path_);
     std::vector<std::string> names;
     for (const AttributeReader &reader : Readers())
-        if (HasValue(file, reader.key))
+        if (ReadersOf(reader.key).front() == &reader && HasValue(file, reader.key))
             names.emplace_back(reader.key);
     for (std::string &key : NamedAttributes(file))
-        if (!FindReader(key) && HasValue(file, key))
+        if (ReadersOf(key).empty() && HasValue(file, key))
             names.push_back(std::move(key));
     return names;
 }

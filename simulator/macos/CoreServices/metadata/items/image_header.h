@@ -1,6 +1,6 @@
-// What the first bytes of a picture say about it, for the two formats that are read here: PNG and JPEG. The readers are
-// our own, a chunk walker and a segment walker: of the Debian libraries' 32-bit packages, libpng's must match the
-// 64-bit one to the revision and cannot be installed whenever one of the two has been updated first; and neither
+// What the first bytes of a picture say about it, for the formats that are read here: PNG, JPEG and GIF. The readers
+// are our own, walkers over chunks, segments and blocks: of the Debian libraries' 32-bit packages, libpng's must match
+// the 64-bit one to the revision and cannot be installed whenever one of the two has been updated first; and neither
 // decoder is needed to read a few headers.
 #pragma once
 
@@ -33,5 +33,6 @@ struct ImageHeader {
 /// Nothing for bytes that are not such a picture, or not a whole header of one.
 std::optional<ImageHeader> ReadPNGHeader(const FileBytes &file);
 std::optional<ImageHeader> ReadJPEGHeader(const FileBytes &file);
+std::optional<ImageHeader> ReadGIFHeader(const FileBytes &file);
 
 } // namespace sim::macos
