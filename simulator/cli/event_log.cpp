@@ -20,6 +20,9 @@ constexpr size_t kEventWidth = 10;
 /// More names than these of one kind are only counted.
 constexpr size_t kShownNames = 20;
 
+// How often a count that is written anew in its place is.
+constexpr std::chrono::duration<double> kLiveTick{0.1};
+
 std::string SecondsText(double seconds) {
     std::array<char, 32> text;
     std::snprintf(text.data(), text.size(), seconds < 1 ? "%.1f ms" : "%.1f s", seconds < 1 ? seconds * 1000 : seconds);
@@ -70,14 +73,25 @@ void EventLog::Tick() {
     const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin_;
     if (hasFinished_ || passed < nextTick_)
         return;
-    nextTick_ = 2 * passed;
+    nextTick_ = screen_.CanRewind() ? passed + kLiveTick : 2 * passed;
     PrintProgress();
 }
 
 void EventLog::PrintProgress() {
     const auto results = static_cast<size_t>(query_.Get<int32_t>("ResultCount"));
     const std::string text = CountText(results, "result", "results") + " so far, " + LookedAt();
-    screen_.Line(Head("Progress", Style::kDim) + screen_.FittedBehind(kEventWidth, text));
+    const std::string line = Head("Progress", Style::kDim) + screen_.FittedBehind(kEventWidth, text);
+    showsProgress_ = screen_.CanRewind();
+    if (showsProgress_)
+        screen_.Write(screen_.Rewind() + line);
+    else
+        screen_.Line(line);
+}
+
+void EventLog::EndProgress() {
+    if (showsProgress_)
+        screen_.Write(screen_.Rewind());
+    showsProgress_ = false;
 }
 
 void EventLog::OnProgress(const EventCall &) { PrintProgress(); }
@@ -90,6 +104,7 @@ void EventLog::OnFinish() {
         const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin_;
         text += " in " + SecondsText(taken.count());
     }
+    EndProgress();
     screen_.Line(Head("Finish", Style::kGreen) + screen_.FittedBehind(kEventWidth, text));
 }
 

@@ -23,8 +23,11 @@ public:
     size_t UpdateCount() const { return updateCount_; }
 
     /// Says how far the search is when no event has said so for long: after a quarter of a second, and then each time
-    /// that twice as much has passed.
+    /// that twice as much has passed, or all the time where the line can be written anew.
     void Tick();
+
+    /// Takes back the line of progress that would be written anew.
+    void EndProgress();
 
     /// Learns what all present results are like, which also lets the query tell when one of them goes.
     void RememberResults();
@@ -54,6 +57,7 @@ private:
     ItemReader reader_;
     std::map<int32_t, Known> known_; // by the item's handle
     bool hasFinished_ = false;
+    bool showsProgress_ = false; // in a line that is not ended
     size_t updateCount_ = 0;
     std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     std::chrono::duration<double> nextTick_{0.25};

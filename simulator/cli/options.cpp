@@ -25,7 +25,7 @@ struct Words {
     std::string plugin;
     std::optional<std::string> show, hostVersion, limit, format;
     std::vector<std::string> folderAndQuery;
-    bool once = false, live = false, attributes = false, help = false;
+    bool once = false, live = false, attributes = false, trace = false, help = false;
 };
 
 std::string Quoted(const std::string &text) { return "\"" + text + "\""; }
@@ -105,6 +105,7 @@ void Declare(CLI::App &app, Words &words) {
     app.add_flag("--once", words.once)->disable_flag_override();
     app.add_flag("--live", words.live)->disable_flag_override();
     app.add_flag("--attributes", words.attributes)->disable_flag_override();
+    app.add_flag("--trace", words.trace)->disable_flag_override();
     app.add_flag("--help,-h", words.help)->disable_flag_override();
     app.add_option("words", words.folderAndQuery);
 }
@@ -161,6 +162,7 @@ Options ReadOptions(std::span<const char *const> typed) {
     options.plugin = words.plugin;
     options.once = words.once;
     options.live = words.live;
+    options.trace = words.trace;
     if (words.hostVersion)
         options.hostVersion = HostVersion(*words.hostVersion);
     if (words.limit)

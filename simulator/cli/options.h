@@ -33,8 +33,10 @@ struct Options {
     /// End after Finish, or stay although nobody watches. With neither, whether there is a terminal decides.
     bool once = false;
     bool live = false;
-    /// The longest table, in rows; 0 for no limit.
-    size_t limit = 50;
+    /// Print every call between the plugin and what is around it, on standard error.
+    bool trace = false;
+    /// The longest table, in rows; 0 for no limit. Without a value, what it is written to decides.
+    std::optional<size_t> limit;
     /// Without a value, whether there is a terminal decides.
     std::optional<Format> format;
 };

@@ -1,5 +1,6 @@
 #include "simulator/cli/program.h"
 
+#include "simulator/cli/call_trace.h"
 #include "simulator/cli/tasks.h"
 #include "simulator/cli/text_width.h"
 
@@ -47,7 +48,9 @@ bool EndsWell(Session &session) {
 }
 
 int RunWith(const Options &options) {
-    const Output output = Output::For(options.format);
+    Output output = Output::For(options.format);
+    if (options.trace)
+        output.notes = output.notes.ThatOnlyScrolls();
     if (options.task == Options::Task::kHelp) {
         output.results.Write(HelpText());
         return output.results.IsWell() ? kDone : kFailed;
@@ -55,7 +58,12 @@ int RunWith(const Options &options) {
     SessionOptions sessionOptions{.plugin = options.plugin};
     sessionOptions.host.version = options.hostVersion;
     sessionOptions.host.recordCalls = false;
+    std::optional<CallTrace> trace;
+    if (options.trace)
+        sessionOptions = trace.emplace(Screen::Of(stderr)).Heard(std::move(sessionOptions));
     Session session(std::move(sessionOptions));
+    if (trace)
+        trace->Start(session);
     const int signal = DoTask(session, options, output);
     if (!output.results.IsWell()) {
         Complain("the output could not be written");

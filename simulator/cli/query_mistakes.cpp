@@ -20,11 +20,15 @@ std::string ExplainMistake(const std::string &query) {
 }
 
 std::vector<std::string> UnknownAttributes(host::Host &host, const std::string &query) {
-    const auto known = host.Shared<host::Object>("MDItemQTX", "AllAttributes").As<std::string>();
     std::vector<std::string> sentences;
     std::set<std::string> seen;
     for (const std::string &name : macos::AttributesIn(query)) {
-        if (std::ranges::find(known, name) != known.end() || !seen.insert(name).second)
+        // Nearly all attributes have a name for people; the others, and what is none, are looked up.
+        if (!seen.insert(name).second ||
+            !host.Shared<std::string>("MDItemQTX", "DisplayNameForAttribute", name).empty())
+            continue;
+        const auto known = host.Shared<host::Object>("MDItemQTX", "AllAttributes").As<std::string>();
+        if (std::ranges::find(known, name) != known.end())
             continue;
         const auto closest = Closest(name, known);
         sentences.push_back("no attribute is called " + name + (closest ? "; did you mean " + *closest + "?" : ""));

@@ -55,8 +55,7 @@ void PrintLine(const Screen &screen, const std::string &head, const std::string 
 
 // The host's age, and what the plugin made of it: the layout of the records that it declared itself with.
 std::string HostText(const Host &host, const Options &options) {
-    const std::string age = options.hostVersion ? ValueText(*options.hostVersion) : "does not tell its version";
-    return age + ", records of version " + ValueText(host.Arrived().classes.front().version);
+    return AgeText(options.hostVersion) + ", records of version " + ValueText(host.Arrived().classes.front().version);
 }
 
 void PrintHeading(Host &host, const Options &options, const Screen &screen) {
@@ -98,14 +97,14 @@ int RunQuery(Session &session, const Options &options, const Output &output) {
             log.Tick();
         }
     };
-    // A terminal shows the ^C that was typed; the carriage return writes over it.
-    const std::string overTyped = screen.IsTerminal() ? "\r" : "";
-
     Execute(host, query, options.folder);
     workUntil([&] { return log.HasFinished(); });
+    if (!log.HasFinished())
+        log.EndProgress();
     PrintLeftOut(screen);
     if (!log.HasFinished())
-        screen.Line(overTyped + screen.FittedBehind(0, "Interrupted: the search is not complete. Found until then:"));
+        screen.Line(screen.Rewind() +
+                    screen.FittedBehind(0, "Interrupted: the search is not complete. Found until then:"));
     PrintResults(host, query, options, output);
     if (!log.HasFinished()) {
         query.Call<void>("Stop");
@@ -122,7 +121,7 @@ int RunQuery(Session &session, const Options &options, const Output &output) {
     }
     query.Call<void>("Stop");
     if (watch.IsInterrupted())
-        screen.Line(overTyped + "Stopped after " + CountText(log.UpdateCount(), "update", "updates") + ".");
+        screen.Line(screen.Rewind() + "Stopped after " + CountText(log.UpdateCount(), "update", "updates") + ".");
     return 0;
 }
 

@@ -10,19 +10,28 @@
 namespace sim::cli {
 namespace {
 
-constexpr size_t kUsualWidth = 80;
+constexpr unsigned short kUsualWidth = 80;
+constexpr unsigned short kUsualHeight = 24;
 
-size_t TerminalWidth(int descriptor) {
+winsize SizeOf(int descriptor) {
     winsize size{};
-    if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        return size.ws_col;
-    return kUsualWidth;
+    if (ioctl(descriptor, TIOCGWINSZ, &size) != 0)
+        size = {};
+    if (size.ws_col == 0)
+        size.ws_col = kUsualWidth;
+    if (size.ws_row == 0)
+        size.ws_row = kUsualHeight;
+    return size;
+}
+
+bool IsDumb() {
+    const char *terminal = std::getenv("TERM");
+    return terminal && std::strcmp(terminal, "dumb") == 0;
 }
 
 bool WantsColours() {
     const char *refusal = std::getenv("NO_COLOR");
-    const char *terminal = std::getenv("TERM");
-    return !(refusal && *refusal) && !(terminal && std::strcmp(terminal, "dumb") == 0);
+    return !(refusal && *refusal) && !IsDumb();
 }
 
 const char *CodeOf(Style style) {
@@ -50,7 +59,10 @@ const char *CodeOf(Style style) {
 Screen Screen::Of(std::FILE *file) {
     const int descriptor = fileno(file);
     const bool isTerminal = isatty(descriptor);
-    return {file, isTerminal, isTerminal && WantsColours(), isTerminal ? TerminalWidth(descriptor) : kUsualWidth};
+    if (!isTerminal)
+        return {file, false, false, kUsualWidth, kUsualHeight};
+    const winsize size = SizeOf(descriptor);
+    return {file, true, WantsColours(), size.ws_col, size.ws_row, !IsDumb()};
 }
 
 std::string Screen::Styled(const std::string &text, Style style) const {

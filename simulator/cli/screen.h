@@ -17,12 +17,22 @@ public:
     /// What stdout or stderr is, looking at NO_COLOR and TERM too.
     static Screen Of(std::FILE *file);
 
-    Screen(std::FILE *file, bool isTerminal, bool hasColours, size_t width)
-        : file_(file), isTerminal_(isTerminal), hasColours_(hasColours), width_(width) {}
+    /// `canRewind`: whether a line that is not ended can be written anew.
+    Screen(std::FILE *file, bool isTerminal, bool hasColours, size_t width, size_t height = 24, bool canRewind = false)
+        : file_(file), isTerminal_(isTerminal), hasColours_(hasColours), canRewind_(canRewind), width_(width),
+          height_(height) {}
+
+    /// The same without rewinding: for lines between which others write.
+    Screen ThatOnlyScrolls() const { return {file_, isTerminal_, hasColours_, width_, height_}; }
 
     bool IsTerminal() const { return isTerminal_; }
     /// Columns of the terminal.
     size_t Width() const { return width_; }
+    /// Lines of the terminal.
+    size_t Height() const { return height_; }
+    bool CanRewind() const { return canRewind_; }
+    /// What takes back a line that is not ended, or writes over what was typed in it; "" where there is no terminal.
+    std::string Rewind() const { return canRewind_ ? "\r\x1b[K" : isTerminal_ ? "\r" : ""; }
 
     /// The text in that style, or just the text where there are no colours.
     std::string Styled(const std::string &text, Style style) const;
@@ -41,7 +51,9 @@ private:
     std::FILE *file_;
     bool isTerminal_;
     bool hasColours_;
+    bool canRewind_;
     size_t width_;
+    size_t height_;
 };
 
 /// The two places that the program writes to. Somebody at a terminal sees both in one; for programs, standard output

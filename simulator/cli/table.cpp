@@ -49,8 +49,8 @@ void Table::PrintWhole(const Screen &screen) const {
 // The table with as many of its columns as the width has room for; one at least.
 Table Table::FittingIn(size_t width) const {
     size_t least = kGap * (columns_.size() - 1);
-    for (const Column &column : columns_)
-        least += column.narrowest;
+    for (size_t i = 0; i < columns_.size(); ++i)
+        least += LeastFor(i);
     if (least <= width || columns_.size() == 1)
         return *this;
     const auto lightest = std::ranges::min_element(columns_, {}, &Column::weight);
@@ -66,16 +66,20 @@ Table Table::WithoutColumn(size_t column) const {
     return table;
 }
 
+size_t Table::NeededBy(size_t column) const {
+    size_t needed = WidthOf(columns_[column].heading);
+    for (const auto &cells : rows_)
+        needed = std::max(needed, WidthOf(cells[column]));
+    return needed;
+}
+
 // Each column gets what its cells need, within its limits. What the terminal lacks is taken from the widest columns;
 // what it has left goes to the last.
 std::vector<size_t> Table::WidthsFor(size_t width) const {
     std::vector<size_t> widths;
     for (size_t i = 0; i < columns_.size(); ++i) {
-        size_t needed = WidthOf(columns_[i].heading);
-        for (const auto &cells : rows_)
-            needed = std::max(needed, WidthOf(cells[i]));
         const bool isLast = i + 1 == columns_.size();
-        widths.push_back(isLast ? needed : std::clamp(needed, columns_[i].narrowest, columns_[i].widest));
+        widths.push_back(isLast ? NeededBy(i) : std::min(NeededBy(i), columns_[i].widest));
     }
     const size_t gaps = kGap * (columns_.size() - 1);
     const size_t available = std::max(width, gaps + columns_.size()) - gaps;
@@ -83,7 +87,7 @@ std::vector<size_t> Table::WidthsFor(size_t width) const {
     while (taken > available) {
         size_t widest = widths.size();
         for (size_t i = 0; i < widths.size(); ++i)
-            if (widths[i] > (columns_.size() == 1 ? 0 : columns_[i].narrowest) &&
+            if (widths[i] > (columns_.size() == 1 ? 0 : LeastFor(i)) &&
                 (widest == widths.size() || widths[i] >= widths[widest]))
                 widest = i;
         if (widest == widths.size())

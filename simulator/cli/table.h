@@ -4,6 +4,7 @@
 #include "simulator/cli/screen.h"
 #include "simulator/cli/text_width.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,7 @@ namespace sim::cli {
 struct Column {
     std::string heading;
     bool alignsRight = false;
-    /// The least and the most that the column takes of a terminal's width.
+    /// The least, unless all its cells are shorter, and the most that the column takes of a terminal's width.
     size_t narrowest = 4;
     size_t widest = 40;
     Cut cut = Cut::kEnd;
@@ -39,6 +40,8 @@ private:
     Table FittingIn(size_t width) const;
     Table WithoutColumn(size_t column) const;
     void PrintWhole(const Screen &screen) const;
+    size_t NeededBy(size_t column) const;
+    size_t LeastFor(size_t column) const { return std::min(NeededBy(column), columns_[column].narrowest); }
     std::vector<size_t> WidthsFor(size_t width) const;
     std::string Row(const std::vector<std::string> &cells, const std::vector<size_t> &widths, const Screen &screen,
                     bool isHeading) const;

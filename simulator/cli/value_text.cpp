@@ -126,6 +126,10 @@ std::string ValueText(const Value &value) {
     return value.Is<Object>() ? ObjectText(value.As<Object>()) : "";
 }
 
+std::string AgeText(const std::optional<double> &version) {
+    return version ? ValueText(*version) : "does not tell its version";
+}
+
 std::string DateText(const host::DateFields &date) {
     return Formatted("%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour, date.minute,
                      date.second);

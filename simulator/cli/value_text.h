@@ -3,6 +3,7 @@
 
 #include "simulator/host/program/object.h"
 
+#include <optional>
 #include <string>
 
 namespace sim::cli {
@@ -13,6 +14,9 @@ std::string TypeText(const host::Value &value);
 /// The value itself: a text as it is, dates in GMT as the plugin gives them, the elements of an array separated by
 /// commas. Not printable yet.
 std::string ValueText(const host::Value &value);
+
+/// A host's age: "2016.1", or that it does not tell.
+std::string AgeText(const std::optional<double> &version);
 
 /// "2009-02-15 12:30:00"
 std::string DateText(const host::DateFields &date);

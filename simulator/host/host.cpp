@@ -34,6 +34,8 @@ Host::~Host() = default;
 
 void Host::Start(EntryPoint entryPoint) {
     Places::During during(runtime_->heap.places, "the plugin's start");
+    const HeardCall heard(runtime_->heap.places.listener, Callee::kPlugin,
+                          [] { return "REALPluginMain(the resolver)"; });
     entryPoint(GetResolver());
 }
 
@@ -48,9 +50,7 @@ const std::vector<ServiceCall> &Host::Calls() const { return runtime_->services.
 int32_t Host::CallCount(std::string_view name) const { return runtime_->services.CallCount(name); }
 void Host::ClearLog() { runtime_->services.ClearLog(); }
 
-void Host::Listen(std::function<void(const std::string &call)> listener) {
-    runtime_->services.listener = std::move(listener);
-}
+void Host::Listen(CallListener *listener) { runtime_->heap.places.listener = listener; }
 
 std::vector<std::string> Host::CallNames(bool withArguments) const {
     std::vector<std::string> names;

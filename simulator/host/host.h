@@ -15,6 +15,7 @@
 #pragma once
 
 #include "simulator/host/declarations/records.h"
+#include "simulator/host/ground/call_listener.h"
 #include "simulator/host/ground/options.h"
 #include "simulator/host/program/object.h"
 #include "simulator/host/runtime/notes.h"
@@ -54,9 +55,8 @@ public:
     /// The names of the calls since the last ClearLog, in order; with their arguments where `withArguments`.
     std::vector<std::string> CallNames(bool withArguments = false) const;
     void ClearLog();
-    /// Tells of each call as it begins, with its arguments: texts, numbers, the contents of strings and the classes of
-    /// objects. An empty function ends it.
-    void Listen(std::function<void(const std::string &call)> listener);
+    /// Tells that listener, which is borrowed, of what passes between host and plugin from now on; null ends it.
+    void Listen(CallListener *listener);
     /// Every service of this stand-in, offered or not.
     static std::vector<std::string> ServiceNames();
 

@@ -1,4 +1,5 @@
 // Runs one program of the host language with the plugin. See usage below.
+#include "simulator/cli/call_trace.h"
 #include "simulator/cli/interrupt.h"
 #include "simulator/language/options.h"
 #include "simulator/language/program.h"
@@ -11,7 +12,7 @@ using namespace sim;
 
 enum ExitCode { kDone = 0, kFailed = 1, kWrongProgram = 2 };
 
-constexpr const char *kUsage = "usage: spotlight-program --plugin LIBRARY [--host-version V] [--steps N] "
+constexpr const char *kUsage = "usage: spotlight-program --plugin LIBRARY [--host-version V] [--trace] [--steps N] "
                                "PROGRAM.bas [ARGUMENT...]\n";
 
 void Print(const std::string &line) {
@@ -37,7 +38,12 @@ ExitCode Run(const language::CommandLine &line) {
     SessionOptions options{.plugin = line.plugin};
     options.host.version = line.hostVersion;
     options.host.recordCalls = false;
+    std::optional<cli::CallTrace> trace;
+    if (line.trace)
+        options = trace.emplace(cli::Screen::Of(stderr)).Heard(std::move(options));
     Session session(std::move(options));
+    if (trace)
+        trace->Start(session);
     const cli::InterruptWatch watch;
     const language::RunOptions runOptions{line.arguments, Print, {line.steps, [&] { return watch.IsInterrupted(); }}};
     const language::Ending ending = RunProgram(session, sources, runOptions);

@@ -20,7 +20,8 @@ void SetOption(CommandLine &line, const std::string &name, const std::string &va
     else if (name == "--steps")
         line.steps = NumberFrom<uint64_t>(value, name);
     else if (name != "--host-version")
-        throw UsageError("there is no option " + name + " for a program; there are --host-version and --steps");
+        throw UsageError("there is no option " + name +
+                         " for a program; there are --host-version, --trace and --steps");
     else if (value == "none")
         line.hostVersion = std::nullopt;
     else
@@ -34,6 +35,10 @@ CommandLine ReadCommandLine(std::span<const char *const> words) {
     size_t at = 0;
     for (; at < words.size() && std::string_view(words[at]).starts_with("--"); ++at) {
         const std::string word = words[at];
+        if (word == "--trace") {
+            line.trace = true;
+            continue;
+        }
         const size_t equals = word.find('=');
         if (equals == std::string::npos && at + 1 == words.size())
             throw UsageError(word + " takes a value, and none is given");

@@ -21,6 +21,8 @@ struct CommandLine {
     std::vector<std::string> arguments;
     /// The host's age; without a value it is a host that does not tell.
     std::optional<double> hostVersion = 2016.1;
+    /// Print every call between the plugin and what is around it, on standard error.
+    bool trace = false;
     /// Statements that may run; 0 for any number.
     uint64_t steps = 0;
 };

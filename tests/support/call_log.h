@@ -13,13 +13,13 @@ namespace tests {
 
 using CallLines = std::vector<std::string>;
 
-class CallLog {
+class CallLog : private sim::host::CallListener {
 public:
     /// Begins to listen. One log at a time.
     explicit CallLog(sim::Session &session);
     CallLog(const CallLog &) = delete;
     CallLog &operator=(const CallLog &) = delete;
-    ~CallLog();
+    ~CallLog() override;
 
     /// The calls since the last question, each with its arguments: `REALUnlockString("name")`, `CFRelease("name")`.
     /// Texts are in quotes and the system's lists in brackets; other objects are named by their class or type, and
@@ -35,6 +35,8 @@ public:
     void Note(std::string line) { lines_.push_back(std::move(line)); }
 
 private:
+    void Begins(sim::host::Callee callee, const std::string &call) override;
+
     sim::Session &session_;
     CallLines lines_;
 };

@@ -66,6 +66,7 @@ void Instance::VisitHeld(const Visitor &visitor) const {
 void Instance::Die() {
     if (class_.destructor) {
         Places::During during(heap->places, class_.name + "'s destructor");
+        const HeardCall heard(heap->places.listener, Callee::kPlugin, [&] { return Describe() + " ends"; });
         reinterpret_cast<void (*)(void *)>(static_cast<uintptr_t>(class_.destructor))(address);
     }
     if (class_.companion && class_.companion->wraps)

@@ -2,6 +2,8 @@
 // made and where it died, so that a report can tell its story.
 #pragma once
 
+#include "simulator/host/ground/call_listener.h"
+
 #include <cstdint>
 #include <set>
 #include <string>
@@ -37,6 +39,9 @@ public:
     /// The service that is being carried out from now on; `name` must outlive the host.
     void Enter(const char *name, uint32_t call) { services_.push_back({name, call}); }
     void Leave() { services_.pop_back(); }
+
+    /// Hears of the calls in which the run is; borrowed, null while nobody listens.
+    CallListener *listener = nullptr;
 
 private:
     struct Running {

@@ -64,6 +64,13 @@ void Value::ThrowUnlike(const char *wanted) const {
     throw ProgramError(Describe() + " is " + TypeName() + ", not " + wanted);
 }
 
+std::string ArgumentsText(const std::vector<Value> &arguments) {
+    std::string text;
+    for (const Value &argument : arguments)
+        text += (text.empty() ? "" : ", ") + argument.Describe();
+    return "(" + text + ")";
+}
+
 std::ostream &operator<<(std::ostream &out, const Value &value) { return out << value.Describe(); }
 
 std::ostream &operator<<(std::ostream &out, const Reference &reference) { return out << reference.Describe(); }

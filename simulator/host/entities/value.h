@@ -79,6 +79,9 @@ private:
     Held held_;
 };
 
+/// The arguments of a call: `(4, "a text", MDItemQTX #12)`.
+std::string ArgumentsText(const std::vector<Value> &arguments);
+
 std::ostream &operator<<(std::ostream &out, const Value &value);
 std::ostream &operator<<(std::ostream &out, const Reference &reference);
 std::ostream &operator<<(std::ostream &out, const DateFields &date);

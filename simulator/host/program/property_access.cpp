@@ -54,6 +54,8 @@ Value GetProperty(const Property &property, Instance &instance) {
         return StandardGet(property, instance);
     }
     ProgramCall call(instance.ClassName() + "." + property.name);
+    HeardCall heard(Runtime::Current().heap.places.listener, Callee::kPlugin,
+                    [&] { return instance.Describe() + "." + property.name; });
     Value result;
     {
         Frame frame;
@@ -61,6 +63,7 @@ Value GetProperty(const Property &property, Instance &instance) {
         frame.PushWord(static_cast<Word>(property.param));
         result = frame.Call(property.getter, property.type);
     }
+    heard.Gives([&] { return result.Describe(); });
     call.Finish();
     return result;
 }
@@ -76,6 +79,8 @@ void SetProperty(const Property &property, Instance &instance, const Value &valu
         return StandardSet(property, instance, value);
     }
     ProgramCall call(what + " = ");
+    const HeardCall heard(Runtime::Current().heap.places.listener, Callee::kPlugin,
+                          [&] { return instance.Describe() + "." + property.name + " = " + value.Describe(); });
     {
         Frame frame;
         frame.PushInstance(&instance);

@@ -83,6 +83,8 @@ void Events::Deliver(size_t slot, void *object, const uint32_t *words) {
         arguments.push_back(ValueFromWords(parameter.type, words, false));
         words += parameter.type.Words();
     }
+    const HeardCall heard(Runtime::Current().heap.places.listener, Callee::kHandler,
+                          [&] { return instance.Describe() + "." + declaration.name + ArgumentsText(arguments); });
     // A copy: the handler may replace itself. What it throws must not pass through the plugin.
     Instance::EventFunction function = handler->second;
     try {

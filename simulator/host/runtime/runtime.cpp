@@ -70,8 +70,10 @@ ArrayEntity &Runtime::NewArray(std::string typeName) {
 Instance &Runtime::NewInstance(const Class &itsClass) {
     Instance &instance = MakeInstance(heap, itsClass);
     instance.LayOut();
-    if (itsClass.constructor)
+    if (itsClass.constructor) {
+        const HeardCall heard(heap.places.listener, Callee::kPlugin, [&] { return instance.Describe() + " begins"; });
         reinterpret_cast<void (*)(void *)>(static_cast<uintptr_t>(itsClass.constructor))(instance.address);
+    }
     return instance;
 }
 

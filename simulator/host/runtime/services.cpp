@@ -2,6 +2,7 @@
 
 #include "simulator/host/entities/array_entity.h"
 #include "simulator/host/entities/string_entity.h"
+#include "simulator/host/entities/variant_entity.h"
 #include "simulator/host/ground/stop.h"
 #include "simulator/host/runtime/runtime.h"
 
@@ -22,6 +23,20 @@ bool IsObjectMethod(const ServiceRow &row, const Class &itsClass, std::string_vi
 
 std::string InQuotes(const char *text) { return text ? std::string("\"") + text + "\"" : "null"; }
 
+bool TellsApart() {
+    const CallListener *listener = Runtime::Current().heap.places.listener;
+    return listener && listener->TellsApart();
+}
+
+std::string DescribeNumber(int64_t number) {
+    constexpr int64_t kLeastCode = 0x08000000; // encodings and the identifiers of events
+    if (number < kLeastCode || number > UINT32_MAX || !TellsApart())
+        return std::to_string(number);
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(number));
+    return text;
+}
+
 /// What a handle stands for: the text of a string, the class of an array and how many elements it has, the class of an
 /// object; "..." for what is no handle.
 std::string DescribeHandle(const void *handle) {
@@ -33,9 +48,12 @@ std::string DescribeHandle(const void *handle) {
     Entity &entity = heap.At(handle, "an argument");
     if (const auto *string = dynamic_cast<const StringEntity *>(&entity))
         return "\"" + ToUTF8(string->GetText()) + "\"";
+    if (const auto *variant = dynamic_cast<const VariantEntity *>(&entity); variant && TellsApart())
+        return "variant " + variant->Held().Describe();
+    const std::string number = TellsApart() ? " #" + std::to_string(entity.number) : "";
     if (const auto *array = dynamic_cast<const ArrayEntity *>(&entity))
-        return array->ClassName() + '[' + std::to_string(array->Count()) + ']';
-    return entity.ClassName();
+        return array->ClassName() + number + '[' + std::to_string(array->Count()) + ']';
+    return entity.ClassName() + number;
 }
 
 std::string Described(const Argument &argument) {
@@ -45,8 +63,10 @@ std::string Described(const Argument &argument) {
         return DescribeHandle(*handle);
     if (const auto *number = std::get_if<double>(&argument))
         return std::to_string(*number);
+    if (const auto *truth = std::get_if<bool>(&argument))
+        return *truth ? "true" : "false";
     const auto *small = std::get_if<int32_t>(&argument);
-    return std::to_string(small ? *small : std::get<int64_t>(argument));
+    return DescribeNumber(small ? *small : std::get<int64_t>(argument));
 }
 
 /// The arguments as a listener hears them, or only the texts and the numbers that are noted with a call.
@@ -73,16 +93,20 @@ void RequireLoaded(const Argument &object, const char *name) {
 
 int IndexOfService(const char *name) { return Runtime::Current().services.IndexOf(name); }
 
-Passage::Passage(int index, std::initializer_list<Argument> arguments) {
+Passage::Passage(int index, std::initializer_list<Argument> arguments)
+    : heard_(Runtime::Current().heap.places.listener, Callee::kService,
+             [&] { return Runtime::Current().services.Row(index).name + ("(" + ListOf(arguments, false) + ")"); }) {
     Runtime &runtime = Runtime::Current();
     const ServiceRow &row = runtime.services.Row(index);
-    if (runtime.services.listener)
-        runtime.services.listener(row.name + ("(" + ListOf(arguments, false) + ")"));
     if (row.reach == Reach::kObjectMethod)
         RequireLoaded(*arguments.begin(), row.name);
     const bool isNoted = runtime.options.recordCalls;
     const std::string noted = isNoted ? ListOf(arguments, true) : std::string();
     proceeds_ = runtime.services.Enter(index, isNoted ? &noted : nullptr);
+}
+
+void Passage::Gives(const Argument &result) {
+    heard_.Gives([&] { return Described(result); });
 }
 
 Passage::~Passage() { Runtime::Current().services.Leave(); }
@@ -127,6 +151,8 @@ Function Services::Answer(const std::string &name, const ServiceRow *row) {
             withheld_.erase(withheld);
     }
     ++requestCounts_[name];
+    if (heap_.places.listener)
+        heap_.places.listener->Asked(name, answered);
     if (options_.recordCalls)
         requests_.push_back({name, answered, row != nullptr});
     return answered ? row->function : nullptr;

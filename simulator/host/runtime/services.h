@@ -43,9 +43,9 @@ template <size_t N> struct Name {
     char text[N];
 };
 
-/// An argument as it is shown to those who note calls or listen to them. What is neither a text nor a number is a
-/// handle.
-using Argument = std::variant<const char *, int32_t, int64_t, double, const void *>;
+/// An argument, or a result, as it is shown to those who note calls or listen to them. What is neither a text nor a
+/// number is a handle.
+using Argument = std::variant<const char *, int32_t, int64_t, double, const void *, bool>;
 
 template <class T> Argument ArgumentOf(T value) {
     if constexpr (std::is_same_v<T, const char *> || std::is_same_v<T, int32_t>)
@@ -54,6 +54,8 @@ template <class T> Argument ArgumentOf(T value) {
         return static_cast<double>(value);
     else if constexpr (std::is_arithmetic_v<T>)
         return static_cast<int64_t>(value);
+    else if constexpr (std::is_enum_v<T>) // a truth, of which only the low byte is meant
+        return (static_cast<uint32_t>(value) & 0xFF) != 0;
     else
         return reinterpret_cast<const void *>(value);
 }
@@ -72,8 +74,11 @@ public:
 
     /// False when the service is to do nothing and give zero.
     bool Proceeds() const { return proceeds_; }
+    /// What the service gives.
+    void Gives(const Argument &result);
 
 private:
+    HeardCall heard_;
     bool proceeds_;
 };
 
@@ -83,8 +88,15 @@ template <Name name, Reach reach, class Result, class... Arguments, Result (*fun
 struct Thunk<name, reach, function> {
     static Result Call(Arguments... arguments) {
         static const int index = IndexOfService(name.text);
-        const Passage passage(index, {ArgumentOf(arguments)...});
-        return passage.Proceeds() ? function(arguments...) : Result();
+        Passage passage(index, {ArgumentOf(arguments)...});
+        if constexpr (std::is_void_v<Result>) {
+            if (passage.Proceeds())
+                function(arguments...);
+        } else {
+            const Result result = passage.Proceeds() ? function(arguments...) : Result();
+            passage.Gives(ArgumentOf(result));
+            return result;
+        }
     }
 };
 
@@ -126,8 +138,6 @@ public:
     int32_t RequestCount(std::string_view name) const;
     int32_t CallCount(std::string_view name) const;
     void ClearLog();
-
-    std::function<void(const std::string &call)> listener;
 
     /// -1 when there is no such service.
     int IndexOf(std::string_view name) const;

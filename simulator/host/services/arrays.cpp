@@ -46,7 +46,7 @@ template <class T> T GetPlain(const void *array, int32_t index) {
     return RaiseUnlessIn(index, entity.Count()) ? entity.Get<T>(index) : T();
 }
 
-uint32_t GetBoolean(const void *array, int32_t index) { return Truth(GetPlain<uint8_t>(array, index) != 0); }
+Truth GetBoolean(const void *array, int32_t index) { return TruthOf(GetPlain<uint8_t>(array, index) != 0); }
 
 void *GetString(const void *array, int32_t index) { return GetCounted(array, index); }
 void *GetObject(const void *array, int32_t index) { return GetCounted(array, index); }

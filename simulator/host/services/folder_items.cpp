@@ -46,19 +46,19 @@ bool MakeReference(const std::string &path, void *reference) {
     return true;
 }
 
-uint32_t ReferenceFromItem(const void *item, void *reference, UnicodeName *name) {
+Truth ReferenceFromItem(const void *item, void *reference, UnicodeName *name) {
     auto &folderItem = Runtime::Current().heap.Require<FolderItemInstance>(item, "a folder item");
     if (!name)
-        return Truth(MakeReference(folderItem.path, reference));
+        return TruthOf(MakeReference(folderItem.path, reference));
     auto parts = ParentAndName(folderItem.path);
     if (!parts)
-        return Truth(false);
+        return TruthOf(false);
     std::u16string units = folderItem.name.value_or(SwapSeparators(ToUTF16(parts->second)));
     if (units.size() > kLongestName || !MakeReference(parts->first, reference))
-        return Truth(false);
+        return TruthOf(false);
     name->length = static_cast<uint16_t>(units.size());
     std::copy(units.begin(), units.end(), name->units);
-    return Truth(true);
+    return TruthOf(true);
 }
 
 void *ItemAt(std::string path) {

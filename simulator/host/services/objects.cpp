@@ -14,13 +14,13 @@ void *NewInstance(const char *className) {
 
 const void *ObjectType(const char *className) { return Runtime::Current().classes.Find(className ? className : ""); }
 
-uint32_t ObjectIsA(const void *object, const void *reference) {
+Truth ObjectIsA(const void *object, const void *reference) {
     Runtime &runtime = Runtime::Current();
     const Class &wanted = runtime.classes.Behind(reference);
     if (!object)
-        return Truth(false);
+        return TruthOf(false);
     auto *instance = dynamic_cast<Instance *>(&runtime.heap.At(object, "the object of \"RuntimeObjectIsa\""));
-    return Truth(instance && instance->GetClass().IsA(wanted));
+    return TruthOf(instance && instance->GetClass().IsA(wanted));
 }
 
 /// Objects, variants and arrays are counted alike; strings have services of their own.

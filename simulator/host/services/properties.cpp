@@ -11,33 +11,33 @@ namespace {
 
 Entity &Owner(const void *object) { return Runtime::Current().heap.At(object, "the object of a property"); }
 
-template <class T> uint32_t GetProperty(const void *object, const char *name, T *result) {
+template <class T> Truth GetProperty(const void *object, const char *name, T *result) {
     std::optional<Value> value = GetHostProperty(Owner(object), name);
     if (!value || !value->Is<T>())
-        return Truth(false);
+        return TruthOf(false);
     *result = value->As<T>();
-    return Truth(true);
+    return TruthOf(true);
 }
 
-uint32_t GetStringProperty(const void *object, const char *name, void **result) {
+Truth GetStringProperty(const void *object, const char *name, void **result) {
     std::optional<Value> value = GetHostProperty(Owner(object), name);
     if (!value || !value->Is<std::string>())
-        return Truth(false);
+        return TruthOf(false);
     *result = Runtime::Current().NewString(value->As<Text>()).address;
-    return Truth(true);
+    return TruthOf(true);
 }
 
-uint32_t SetIntegerProperty(const void *object, const char *name, int32_t value) {
+Truth SetIntegerProperty(const void *object, const char *name, int32_t value) {
     if (!SetHostInteger(Owner(object), name, value))
         Stop(Owner(object).Describe() + " has no integer property " + name);
-    return Truth(true);
+    return TruthOf(true);
 }
 
-uint32_t SetStringProperty(const void *object, const char *name, const void *string) {
+Truth SetStringProperty(const void *object, const char *name, const void *string) {
     auto *text = Runtime::Current().heap.RequireOrNull<StringEntity>(string, "the value of a property");
     if (!SetHostString(Owner(object), name, text))
         Stop(Owner(object).Describe() + " has no string property " + name);
-    return Truth(true);
+    return TruthOf(true);
 }
 
 } // namespace

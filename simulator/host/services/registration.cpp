@@ -13,7 +13,7 @@ double GetRBVersion() { return Runtime::Current().options.version.value_or(0); }
 
 void RegisterPluginVersion(int32_t version) { Runtime::Current().arrivals.pluginVersions.push_back(version); }
 
-uint32_t InRuntime() { return Truth(Runtime::Current().options.runsBuiltApplication); }
+Truth InRuntime() { return TruthOf(Runtime::Current().options.runsBuiltApplication); }
 
 int32_t AnnouncedVersion() {
     const std::vector<int32_t> &versions = Runtime::Current().arrivals.pluginVersions;

@@ -78,13 +78,13 @@ struct StringData {
     void *string;
 };
 
-uint32_t GetStringData(const void *string, uint32_t encoding, StringData *data) {
+Truth GetStringData(const void *string, uint32_t encoding, StringData *data) {
     StringEntity *entity = StringOrNull(string);
     if (!entity || !data)
-        return Truth(false);
+        return TruthOf(false);
     StringEntity &converted = Runtime::Current().NewString(Convert(entity->GetText(), encoding));
     *data = {converted.Contents(), static_cast<int32_t>(converted.GetText().bytes.size()), encoding, converted.address};
-    return Truth(true);
+    return TruthOf(true);
 }
 
 void DisposeStringData(StringData *data) {

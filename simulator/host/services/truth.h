@@ -5,6 +5,9 @@
 
 namespace sim::host {
 
-inline uint32_t Truth(bool value) { return 0xA5A5A500 | static_cast<uint32_t>(value); }
+enum class Truth : uint32_t {};
+
+inline Truth TruthOf(bool value) { return Truth{0xA5A5A500 | static_cast<uint32_t>(value)}; }
+inline bool IsTrue(Truth truth) { return (static_cast<uint32_t>(truth) & 0xFF) != 0; }
 
 } // namespace sim::host

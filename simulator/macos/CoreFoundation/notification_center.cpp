@@ -7,6 +7,11 @@
 #include <vector>
 
 namespace sim::macos {
+namespace {
+
+notifications::CallWatch *callWatch = nullptr;
+
+} // namespace
 
 NotificationCenter &NotificationCenter::Local() {
     static NotificationCenter *center = new NotificationCenter(Immortal{});
@@ -40,10 +45,16 @@ void NotificationCenter::Post(CFStringRef name, const void *object, CFDictionary
     }
     const auto keptName = CFRef<CFStringRef>::Retain(name);
     const auto keptInfo = CFRef<CFDictionaryRef>::Retain(userInfo);
-    for (const std::shared_ptr<Registration> &registration : reached)
-        if (!registration->removed)
-            registration->entry.callback(As<CFNotificationCenterRef>(), const_cast<void *>(registration->observer),
-                                         name, object, userInfo);
+    for (const std::shared_ptr<Registration> &registration : reached) {
+        if (registration->removed)
+            continue;
+        if (callWatch)
+            callWatch->ObserverBegins(Utf8(text));
+        registration->entry.callback(As<CFNotificationCenterRef>(), const_cast<void *>(registration->observer), name,
+                                     object, userInfo);
+        if (callWatch)
+            callWatch->ObserverEnds();
+    }
 }
 
 std::size_t NotificationCenter::RegistrationCount(const void *observer) const {
@@ -61,6 +72,8 @@ std::vector<notifications::Entry> NotificationCenter::EntriesOf(const void *obse
 }
 
 namespace notifications {
+
+void Watch(CallWatch *watch) { callWatch = watch; }
 
 std::size_t RegistrationCount() { return NotificationCenter::Local().RegistrationCount(); }
 

@@ -25,4 +25,15 @@ struct Entry {
 /// In the order in which they were made.
 std::vector<Entry> EntriesOf(const void *observer);
 
+/// Hears of each call of an observer: with the notification's name before it, and of its end.
+class CallWatch {
+public:
+    virtual ~CallWatch() = default;
+    virtual void ObserverBegins(const std::string &notification) = 0;
+    virtual void ObserverEnds() = 0;
+};
+
+/// Lets it hear from now on; borrowed. Null ends it.
+void Watch(CallWatch *watch);
+
 } // namespace sim::macos::notifications

@@ -31,7 +31,7 @@ TEST_CASE("Without words a query runs that finds something in a folder that is e
     CHECK(options.hostVersion == 2016.1);
     CHECK_FALSE(options.once);
     CHECK_FALSE(options.live);
-    CHECK(options.limit == 50);
+    CHECK_FALSE(options.limit.has_value());
 }
 
 TEST_CASE("A folder alone is looked through for every file") {
@@ -47,6 +47,8 @@ TEST_CASE("Options may stand anywhere, with their value behind them or behind an
     CHECK(options.hostVersion == 2011.4);
     CHECK(options.limit == 0);
     CHECK(options.live);
+    CHECK_FALSE(options.trace);
+    CHECK(Read({"/", "--trace"}).trace);
     CHECK_FALSE(Read({"--host-version=none"}).hostVersion.has_value());
     CHECK(Read({"--", "/", "--once"}).query == "--once");
     CHECK(Read({"--show=/"}).file == "/");
@@ -69,7 +71,7 @@ TEST_CASE("Every option stands in the help, and the help has no other") {
         CHECK(Complaint({name.c_str()}).find("there is no option") == std::string::npos);
         ++count;
     }
-    CHECK(count == 9);
+    CHECK(count == 10);
 }
 
 TEST_CASE("Help wins over everything else") {

@@ -20,6 +20,7 @@ PLUGIN = os.environ["PLUGIN"]
 # Far more than anything here takes; what is waited for is an event, not a time.
 _PATIENCE = 60
 
+_REWOUND = re.compile(r"[^\n]*\r\x1b\[K")
 _STYLE = re.compile(r"\x1b\[[0-9;]*m")
 
 # 2009-02-15 12:30:00 GMT
@@ -44,8 +45,8 @@ def run(
 
 
 def unstyled(text: str) -> str:
-    """The text as it looks, without colours."""
-    return _STYLE.sub("", text)
+    """The text as it looks in the end, without colours and without what was written over."""
+    return _STYLE.sub("", _REWOUND.sub("", text))
 
 
 class Running:

@@ -68,10 +68,16 @@ TEST_CASE("Where there is no room for all columns those of the least weight are 
     Table table({{.heading = "A", .narrowest = 6, .weight = 1},
                  {.heading = "B", .narrowest = 6, .weight = 0},
                  {.heading = "C", .narrowest = 6, .weight = 2}});
-    table.Add({"a", "b", "c"});
-    CHECK(Printed(table, true, false, 22) == "A       B       C\na       b       c\n");
-    CHECK(Printed(table, true, false, 21) == "A       C\na       c\n");
-    CHECK(Printed(table, true, false, 10) == "C\nc\n");
+    table.Add({"a-long", "b-long", "c-long"});
+    CHECK(Printed(table, true, false, 22) == "A       B       C\na-long  b-long  c-long\n");
+    CHECK(Printed(table, true, false, 21) == "A       C\na-long  c-long\n");
+    CHECK(Printed(table, true, false, 10) == "C\nc-long\n");
+}
+
+TEST_CASE("A column takes no more room than its cells, whatever it may take") {
+    Table table({{.heading = "A", .narrowest = 10, .weight = 1}, {.heading = "B", .narrowest = 10, .weight = 0}});
+    table.Add({"a", "bb"});
+    CHECK(Printed(table, true, false, 5) == "A  B\na  bb\n");
 }
 
 } // namespace

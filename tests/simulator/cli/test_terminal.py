@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import re
 import unicodedata
 import unittest
 
@@ -86,6 +87,43 @@ class Terminal(FolderTest):
             self.assertEqual(running.end(), 0, running.output)
             self.assertRegex(unstyled(running.output), r"\nFinish    0 results, 0 files looked at in [0-9.]+ (ms|s)\n")
 
+    def test_the_count_of_a_search_is_written_anew_in_its_place(self) -> None:
+        with Running("/", 'kMDItemFSName == "no such name"', terminal_width=80) as running:
+            running.wait_for("\r\x1b[K\x1b[2mProgress  \x1b[0m0 results so far, ")
+            running.type("\x03")
+            self.assertEqual(running.end(), 130, running.output)
+        self.assertNotIn("looked at\n", running.output)
+        self.assertIn("\r\x1b[KInterrupted: the search is not complete.", running.output)
+
+    def test_a_terminal_that_cannot_do_so_gets_a_line_for_each_count(self) -> None:
+        with Running(
+            "/", 'kMDItemFSName == "no such name"', terminal_width=80, environment={"TERM": "dumb"}
+        ) as running:
+            running.wait_for(" looked at\n")
+            running.type("\x03")
+            self.assertEqual(running.end(), 130, running.output)
+        self.assertNotIn("\x1b", running.output)
+
+    def test_the_table_is_as_long_as_the_window_has_room_for(self) -> None:
+        for number in range(60):
+            self.make(f"{number}.txt")
+        with Running(str(self.folder), "--once", terminal_width=80) as running:  # of 40 lines
+            self.assertEqual(running.end(), 0, running.output)
+        lines = unstyled(running.output).splitlines()
+        self.assertEqual(lines[-1], "… and 31 more; --limit 0 shows them all")
+        self.assertLess(len(lines), 40)
+
+    def test_names_and_paths_keep_room_in_a_narrow_window(self) -> None:
+        inner = self.folder / ("long" * 10)
+        inner.mkdir()
+        (inner / ("n" * 36 + ".txt")).touch()
+        for width, others in ((120, ("Kind", "Size", "Modified (GMT)")), (80, ("Size", "Modified (GMT)")), (60, ("Size",))):
+            with self.subTest(width=width):
+                heading, line = (unstyled(line) for line in self._table('kMDItemFSName == "*.txt"', width=width))
+                self.assertEqual(re.split(" {2,}", heading), ["Name", *others, "Path"])
+                self.assertGreaterEqual(len(line.split("  ")[0]), 20)
+                self.assertGreaterEqual(len(line) - heading.index("Path"), 20)
+
     def test_a_run_stays_live_until_control_c_is_typed(self) -> None:
         with Running(str(self.folder), terminal_width=80) as running:
             running.wait_for("Ctrl-C ends.")
@@ -93,7 +131,7 @@ class Terminal(FolderTest):
             running.wait_for("+ new.txt")
             running.type("\x03")
             self.assertEqual(running.end(), 0, running.output)
-            self.assertRegex(running.output, r"\rStopped after \d+ updates?\.\n$")
+            self.assertRegex(running.output, r"\r\x1b\[KStopped after \d+ updates?\.\n$")
 
     def test_programs_get_the_same_in_a_terminal(self) -> None:
         self.make("a.txt")
@@ -110,8 +148,8 @@ class Terminal(FolderTest):
 
     def test_a_search_that_finds_nothing_says_how_far_it_is(self) -> None:
         with Running("/", 'kMDItemFSName == "no such name"', terminal_width=80) as running:
-            running.wait_for("0 results so far, ")
-            self.assertRegex(unstyled(running.output), r"Progress  0 results so far, [1-9]\d* files? looked at\n")
+            running.wait_for(" looked at")
+            self.assertRegex(unstyled(running.output), r"Progress  0 results so far, [1-9]\d* files? looked at")
             running.type("\x03")
             self.assertEqual(running.end(), 130, running.output)
 

@@ -49,18 +49,22 @@ TEST_CASE("A listener is told of each call as it begins: texts, numbers, and wha
     HostUnderTest host;
     auto setInteger = Ask<uint32_t(void *, const char *, int32_t)>("REALSetPropValueInteger");
     auto upperBound = Ask<int32_t(void *)>("RuntimeUBound");
-    std::vector<std::string> heard;
-    host.Listen([&](const std::string &call) { heard.push_back(call); });
+    struct : CallListener {
+        void Begins(Callee, const std::string &call) override { calls.push_back(call); }
+        std::vector<std::string> calls;
+    } listener;
+    host.Listen(&listener);
     const Object date = host.NewDate({.year = 2014}), array = host.NewArray("string", {"a", "b"});
     setInteger(date.Address(), "Year", -1);
     upperBound(array.Address());
     void *const string = host.NewString({"text"});
     Ask<void(void *)>("REALUnlockString")(string);
     Ask<void(void *)>("REALUnlockString")(nullptr);
-    host.Listen({});
+    host.Listen(nullptr);
     upperBound(array.Address());
-    CHECK(heard == std::vector<std::string>{"REALSetPropValueInteger(Date, \"Year\", -1)", "RuntimeUBound(string()[2])",
-                                            "REALUnlockString(\"text\")", "REALUnlockString(null)"});
+    CHECK(listener.calls == std::vector<std::string>{"REALSetPropValueInteger(Date, \"Year\", -1)",
+                                                     "RuntimeUBound(string()[2])", "REALUnlockString(\"text\")",
+                                                     "REALUnlockString(null)"});
 }
 
 TEST_CASE("Every service that a plugin may ask for is offered by a modern host") {

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import re
 import signal
 import subprocess
 import tempfile
@@ -53,6 +54,19 @@ class Runner(unittest.TestCase):
         self.assertEqual((ended.returncode, ended.stdout), (2, ""))
         self.assertEqual(
             ended.stderr, "program.bas:2:7: there is nothing named Unknown\n  Print Unknown\n        ^~~~~~~\n"
+        )
+
+    def test_the_calls_between_plugin_host_and_system_can_be_traced(self) -> None:
+        text = 'Dim query As New MDQueryQTX("kMDItemFSName == 1", Array("a"), Array("b"))\nPrint Str(query.ResultCount)\n'
+        ended = self.run_program(text, options=("--trace", "--host-version=2013.04"))
+        self.assertEqual((ended.returncode, ended.stdout), (0, "0\n"))
+        lines = ended.stderr.splitlines()
+        self.assertEqual(lines[0], "Host      2013.04")
+        self.assertIn('system      MDQueryCreate("kMDItemFSName == 1", ["a"], ["b"])', lines)
+        counted = next(i for i, line in enumerate(lines) if re.fullmatch(r"plugin    MDQueryQTX #\d+\.ResultCount\(\)", line))
+        self.assertEqual(
+            lines[counted + 1 : counted + 3],
+            ['system      MDQueryGetResultCount(MDQuery "kMDItemFSName == 1")', "plugin    → 0"],
         )
 
     def test_the_host_s_age_can_be_chosen(self) -> None:
