@@ -50,7 +50,7 @@ class Cost:
     """Seconds of processor time, bytes of memory at most, and seconds until the first and the last event."""
 
     processor: float
-    memory: int
+    memory: int = 0
     first: float = 0
     last: float = 0
 
@@ -60,7 +60,13 @@ def _finished(process: subprocess.Popen) -> Cost:
     process.returncode = os.waitstatus_to_exitcode(status)
     if process.returncode:
         sys.exit(f"{process.args[0]} failed")
-    return Cost(usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024)
+    return Cost(usage.ru_utime + usage.ru_stime)
+
+
+def _memory(process: subprocess.Popen, what: str) -> int:
+    """VmRSS is what is in use, VmHWM the most that ever was. (What wait4 tells of is the most of this program, too.)"""
+    status = Path(f"/proc/{process.pid}/status").read_text()
+    return 1024 * next(int(line.split()[1]) for line in status.splitlines() if line.startswith(what))
 
 
 def cost_of_find(folder: Path) -> Cost:
@@ -72,13 +78,15 @@ def cost_of_query(programs: Path, library: Path, folder: Path, query: str) -> Co
     command = [programs / "spotlight-run", "--plugin", library, "--once", "--limit", "1", folder, query]
     begun = time.monotonic()
     times: dict[str, float] = {}
+    memory = 0
     with subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True) as process:
         for line in process.stderr:
             if line.startswith(("Progress", "Finish")):
                 times.setdefault("first", time.monotonic() - begun)
                 times["last"] = time.monotonic() - begun
+                memory = _memory(process, "VmHWM")
         cost = _finished(process)
-    cost.first, cost.last = times["first"], times["last"]
+    cost.memory, cost.first, cost.last = memory, times["first"], times["last"]
     return cost
 
 
@@ -115,8 +123,7 @@ class Watcher:
         return (int(fields[11]) + int(fields[12])) / _TICKS
 
     def memory(self) -> int:
-        status = Path(f"/proc/{self._process.pid}/status").read_text()
-        return 1024 * next(int(line.split()[1]) for line in status.splitlines() if line.startswith("VmRSS"))
+        return _memory(self._process, "VmRSS")
 
     def end(self) -> None:
         self._process.send_signal(signal.SIGKILL)

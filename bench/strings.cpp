@@ -19,14 +19,14 @@ void MeasureToHost(const Measure &measure, const Plugin &plugin, bool isASCII) {
     for (const int length : kLengths) {
         const auto text = TextOf(Text(length, isASCII));
         SetAnswers({.queryText = text.Get()});
-        measure({"to host, " + Kind(isASCII), length, length <= kLongestOnStack}, queryString, floors::QueryString,
+        measure({"text to host, " + Kind(isASCII), length, length <= kLongestOnStack}, queryString, floors::QueryString,
                 query);
     }
 }
 
 void MeasureFromHost(const Measure &measure, const Plugin &plugin, bool isASCII, bool hasCFString) {
     const auto showWindow = plugin.GlobalMethod<int32_t (*)(String *)>();
-    const std::string name = std::string("from host, ") + (hasCFString ? "" : "by bytes, ") + Kind(isASCII);
+    const std::string name = std::string("text from host, ") + (hasCFString ? "" : "by bytes, ") + Kind(isASCII);
     for (const int length : kLengths) {
         // The bytes of an old host's string follow a byte of its length.
         const std::string bytes = " " + Text(length, isASCII);

@@ -60,7 +60,46 @@ TextPattern::TextPattern(const PatternPieces &pieces, Modifiers modifiers) : mod
         pieces_.push_back({piece.kind, FoldedText(piece.text, modifiers).Units()});
 }
 
+/// In plain ASCII every unit is a character. Where a piece does not fit, the last run of anything is made longer; the
+/// runs before it need not be, for what stands between was found at the nearest place.
+bool TextPattern::MatchesASCII(std::u16string_view text) const {
+    const auto fitsAt = [&](const std::u32string &units, std::size_t at) {
+        return units.size() <= text.size() - at &&
+               std::equal(units.begin(), units.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                          [this](char32_t wanted, char16_t unit) {
+                              const bool isUpper = modifiers_.ignoreCase && unit >= u'A' && unit <= u'Z';
+                              return wanted == (isUpper ? unit - U'A' + U'a' : char32_t{unit});
+                          });
+    };
+    constexpr std::size_t kNone = ~std::size_t{0};
+    std::size_t at = 0;
+    std::size_t behindRun = kNone; // the piece that follows the last run
+    std::size_t runEnd = 0;
+    for (std::size_t next = 0; next < pieces_.size() || at < text.size();) {
+        const Piece *piece = next < pieces_.size() ? &pieces_[next] : nullptr;
+        if (piece && piece->kind == PatternPiece::Kind::kAnyRun) {
+            behindRun = ++next;
+            runEnd = at;
+        } else if (piece && piece->kind == PatternPiece::Kind::kAnyOne && at < text.size()) {
+            ++next;
+            ++at;
+        } else if (piece && piece->kind == PatternPiece::Kind::kText && fitsAt(piece->units, at)) {
+            ++next;
+            at += piece->units.size();
+        } else if (behindRun == kNone || runEnd == text.size()) {
+            return false;
+        } else {
+            next = behindRun;
+            at = ++runEnd;
+        }
+    }
+    return true;
+}
+
 bool TextPattern::Matches(std::u16string_view text) const {
+    const bool isASCII = std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
+    if (isASCII && !modifiers_.wholeWords)
+        return MatchesASCII(text);
     const FoldedText folded(text, modifiers_);
     const bool literal = pieces_.size() == 1 && pieces_[0].kind == PatternPiece::Kind::kText;
     if (literal && !modifiers_.wholeWords)

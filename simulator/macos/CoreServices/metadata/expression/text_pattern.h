@@ -18,6 +18,8 @@ public:
     bool Matches(std::u16string_view text) const;
 
 private:
+    bool MatchesASCII(std::u16string_view text) const;
+
     struct Piece {
         PatternPiece::Kind kind;
         std::u32string units;

@@ -72,6 +72,10 @@ FileIdentity IdentityOf(const struct statx &status) {
     return identity;
 }
 
+FileSource::FileSource(std::string_view path, const FileIdentity &identity)
+    : FileSource(std::make_shared<const std::string>(path.substr(0, path.rfind('/'))),
+                 std::string(path.substr(path.rfind('/') + 1)), identity) {}
+
 std::shared_ptr<const FileSource> FileSource::At(const std::string &path) {
     if (path.empty())
         return nullptr;
@@ -82,7 +86,7 @@ std::shared_ptr<const FileSource> FileSource::At(const std::string &path) {
 
 CFTypeRef FileSource::Copy(std::string_view key) const {
     const OwnCalls own;
-    FileFacts file(path_);
+    FileFacts file(Path());
     return CopyFrom(file, key);
 }
 
@@ -90,13 +94,13 @@ CFTypeRef FileSource::CopyForSearch(std::string_view key) const {
     if (key == "kMDItemPath") // a query does not compare with paths
         return nullptr;
     const OwnCalls own;
-    FileFacts file(path_);
+    FileFacts file(Path());
     return key == "kMDItemTextContent" ? CopyTextContent(file) : CopyFrom(file, key);
 }
 
 std::vector<std::string> FileSource::Names() const {
     const OwnCalls own;
-    FileFacts file(path_);
+    FileFacts file(Path());
     std::vector<std::string> names;
     for (const AttributeReader &reader : Readers())
         if (ReadersOf(reader.key).front() == &reader && HasValue(file, reader.key))

@@ -16,19 +16,23 @@ FileIdentity IdentityOf(const struct statx &status);
 class FileSource final : public AttributeSource {
 public:
     /// For whoever has looked at the file already. The path is absolute, without a slash at its end.
-    FileSource(std::string path, const FileIdentity &identity) : path_(std::move(path)), identity_(identity) {}
+    FileSource(std::string_view path, const FileIdentity &identity);
+    /// The same for a name in a folder whose path is written once for all the files in it, empty for the root's.
+    FileSource(std::shared_ptr<const std::string> folder, std::string name, const FileIdentity &identity)
+        : folder_(std::move(folder)), name_(std::move(name)), identity_(identity) {}
 
     /// Null when nothing is at the path.
     static std::shared_ptr<const FileSource> At(const std::string &path);
 
     FileIdentity Identity() const override { return identity_; }
-    std::string Path() const override { return path_; }
+    std::string Path() const override { return *folder_ + "/" + name_; }
     CFTypeRef Copy(std::string_view key) const override;
     CFTypeRef CopyForSearch(std::string_view key) const override;
     std::vector<std::string> Names() const override;
 
 private:
-    std::string path_;
+    std::shared_ptr<const std::string> folder_;
+    std::string name_;
     FileIdentity identity_;
 };
 

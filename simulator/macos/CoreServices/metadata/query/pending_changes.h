@@ -2,7 +2,7 @@
 // change, seen from the results as they stand: a file that came and went again is none.
 #pragma once
 
-#include "simulator/macos/CoreServices/metadata/query/identity_hash.h"
+#include "simulator/macos/CoreServices/metadata/items/identity_hash.h"
 #include "simulator/macos/CoreServices/metadata/store/session.h"
 
 #include <cstddef>

@@ -30,6 +30,8 @@ namespace {
 /// How much is done before other sources of the run loop get their turn.
 constexpr int kPortionSteps = 500;
 constexpr CFTimeInterval kPortionTime = 0.005;
+/// How many steps are made between looks at the clock.
+constexpr int kStepsBetweenLooks = 16;
 
 CFAbsoluteTime Now() { return CurrentClock().Now(); }
 
@@ -157,7 +159,7 @@ void Query::PullPortion() {
         const bool gathered = state_ == State::kGathering && IsEverythingIn();
         if (gathered)
             return;
-        if (step == kPortionSteps || Now() > end) {
+        if (step == kPortionSteps || (step % kStepsBetweenLooks == 0 && Now() > end)) {
             WorkSoon();
             return;
         }
@@ -172,7 +174,9 @@ void Query::PullPortion() {
 void Query::Note(const store::FileEvent &event) {
     const bool isThere = event.kind != store::FileEvent::Kind::kLost;
     const bool isLookedFor = isThere && IsLookedFor(*event.source);
-    pending_.Note(event.file, isLookedFor ? event.source : nullptr, results_.Contains(event.file));
+    // What is found was not there before, unless the end of that is still pending.
+    const bool mayBeResult = event.kind != store::FileEvent::Kind::kFound || pending_.RemovedCount() > 0;
+    pending_.Note(event.file, isLookedFor ? event.source : nullptr, mayBeResult && results_.Contains(event.file));
     if (pending_.Count() > 0)
         pace_.NoteWaiting(Now());
 }

@@ -32,23 +32,25 @@ public:
     /// Borrowed; made now if it has not been before.
     MDItemRef Item();
 
-    /// Makes the key by which the list sorts. Due after every change of the source or of the order.
-    void MakeKey(const SortOrder &order);
-    /// Results whose keys do not tell them apart stand in the order of arrival.
-    bool StandsBefore(const Result &other) const {
-        const int order = key_.compare(other.key_);
-        return order != 0 ? order < 0 : arrival_ < other.arrival_;
-    }
+    /// Results that the order does not tell apart stand in the order of arrival.
+    bool StandsBefore(const Result &other, const SortOrder &order) const;
+    /// Due when results are to be sorted by other attributes.
+    void ForgetKeys() { keys_.clear(); }
 
     std::size_t index = 0; // kept by the list
 
 private:
+    const std::string &Key(std::size_t part, const SortOrder &order) const {
+        return part < keys_.size() ? keys_[part] : MakeKey(part, order);
+    }
+    const std::string &MakeKey(std::size_t part, const SortOrder &order) const;
+
     FileIdentity file_;
     std::uint64_t arrival_;
     std::shared_ptr<const AttributeSource> source_;
     std::vector<CFRef<CFTypeRef>> values_;
     CFRef<MDItemRef> item_;
-    std::string key_;
+    mutable std::vector<std::string> keys_; // of the first parts of the order, as far as they were needed
 };
 
 } // namespace sim::macos::query

@@ -36,7 +36,6 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             byFile_.erase(found);
         } else {
             result.SetSource(std::move(change.source), names_);
-            result.MakeKey(order_);
             touched.push_back(&result);
         }
     }
@@ -46,7 +45,6 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             continue;
         auto result = std::make_unique<Result>(change.file, ++lastArrival_);
         result->SetSource(std::move(change.source), names_);
-        result->MakeKey(order_);
         touched.push_back(result.get());
         applied.added.push_back(result.get());
         byFile_.emplace(change.file, std::move(result));
@@ -63,20 +61,25 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
 void ResultList::SetOrder(SortOrder order) {
     order_ = std::move(order);
     for (Result *result : inOrder_)
-        result->MakeKey(order_);
+        result->ForgetKeys();
     Merge(std::exchange(inOrder_, {}));
 }
 
 /// Puts results to where they belong among those that are in order already.
 void ResultList::Merge(std::vector<Result *> touched) {
-    const auto before = [](const Result *one, const Result *other) { return one->StandsBefore(*other); };
+    const auto before = [this](const Result *one, const Result *other) { return one->StandsBefore(*other, order_); };
     std::sort(touched.begin(), touched.end(), before);
     // Comparing is what costs: a search for each place, not a look at every result that stays where it is.
     std::vector<Result *> merged;
     merged.reserve(inOrder_.size() + touched.size());
     auto from = inOrder_.begin();
     for (Result *result : touched) {
-        const auto place = std::upper_bound(from, inOrder_.end(), result, before);
+        // In strides that double, for the next place is not far when many results come at once.
+        std::ptrdiff_t stride = 1;
+        while (stride < inOrder_.end() - from && !before(result, from[stride]))
+            stride *= 2;
+        const auto end = stride < inOrder_.end() - from ? from + stride : inOrder_.end();
+        const auto place = std::upper_bound(from + stride / 2, end, result, before);
         merged.insert(merged.end(), from, place);
         merged.push_back(result);
         from = place;

@@ -1,7 +1,7 @@
 // The results of a query in their order. It changes a batch at a time and stands still in between.
 #pragma once
 
-#include "simulator/macos/CoreServices/metadata/query/identity_hash.h"
+#include "simulator/macos/CoreServices/metadata/items/identity_hash.h"
 #include "simulator/macos/CoreServices/metadata/query/pending_changes.h"
 #include "simulator/macos/CoreServices/metadata/query/result.h"
 #include "simulator/macos/CoreServices/metadata/query/sort_order.h"

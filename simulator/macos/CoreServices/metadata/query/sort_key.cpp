@@ -70,10 +70,21 @@ std::string KeyOfData(CFDataRef data) {
     return Begun(Kind::kData).append(reinterpret_cast<const char *>(CFDataGetBytePtr(data)), length);
 }
 
+/// Appends one of several keys so that where it ends counts before what follows: a 0 in it is followed by the highest
+/// byte, two of them end it.
+void AppendPart(std::string &key, std::string_view part) {
+    for (const char byte : part) {
+        key += byte;
+        if (byte == 0)
+            key += '\xff';
+    }
+    key.append(2, '\0');
+}
+
 std::string KeyOfList(CFArrayRef list) {
     std::string key = Begun(Kind::kList);
     for (CFIndex index = 0; index < CFArrayGetCount(list); ++index)
-        AppendSortKey(key, SortKeyOf(CFArrayGetValueAtIndex(list, index)));
+        AppendPart(key, SortKeyOf(CFArrayGetValueAtIndex(list, index)));
     return key;
 }
 
@@ -94,19 +105,6 @@ std::string SortKeyOf(CFTypeRef value) {
     if (type == CFDataGetTypeID())
         return KeyOfData(static_cast<CFDataRef>(value));
     return type == CFArrayGetTypeID() ? KeyOfList(static_cast<CFArrayRef>(value)) : Begun(Kind::kOther);
-}
-
-void AppendSortKey(std::string &key, std::string_view part, bool reversed) {
-    const std::size_t start = key.size();
-    // A 0 in it is followed by the highest byte, two of them end it.
-    for (const char byte : part) {
-        key += byte;
-        if (byte == 0)
-            key += '\xff';
-    }
-    key.append(2, '\0');
-    for (std::size_t at = start; reversed && at < key.size(); ++at)
-        key[at] = static_cast<char>(~key[at]);
 }
 
 } // namespace sim::macos::query

@@ -12,8 +12,4 @@ namespace sim::macos::query {
 /// numbers; data by bytes; a list by its elements. Values of different kinds are kept apart by kind.
 std::string SortKeyOf(CFTypeRef value);
 
-/// A key of several parts: appends one so that where it ends counts before what follows. A reversed one turns its own
-/// order around.
-void AppendSortKey(std::string &key, std::string_view part, bool reversed = false);
-
 } // namespace sim::macos::query

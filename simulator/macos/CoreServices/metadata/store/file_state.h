@@ -17,13 +17,13 @@ inline constexpr FileTime kMillisecond = 1'000'000;
 
 struct FileState {
     FileIdentity identity;
-    bool isFolder = false;
     std::uint64_t size = 0;
     FileTime contentChanged = 0;
     FileTime attributesChanged = 0;
-    std::uint32_t mode = 0;
     std::uint32_t owner = 0;
     std::uint32_t group = 0;
+    std::uint16_t mode = 0;
+    bool isFolder = false;
 
     friend bool operator==(const FileState &, const FileState &) = default;
 };

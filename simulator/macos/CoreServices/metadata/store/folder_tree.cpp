@@ -3,6 +3,8 @@
 
 #include "simulator/macos/CoreServices/metadata/items/file_source.h"
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace sim::macos::store {
@@ -13,31 +15,58 @@ namespace {
 /// can be a ring; then no path is the right answer.
 constexpr int kMostParts = 4096;
 
-/// The path of a name, in the name of which folders lead to it now; empty when none do.
-std::string PathOf(const KnownLink &link) {
-    std::string path = "/" + link.name;
-    const KnownFolder *folder = link.folder;
+/// The path to which names are appended behind a slash, in the name of which folders lead to it now; nothing when none
+/// do.
+std::optional<std::string> PathBefore(const KnownFolder &given) {
+    std::string path;
+    const KnownFolder *folder = &given;
     for (int parts = 0; folder->self; ++parts) {
         if (folder->self->links.empty() || parts == kMostParts)
-            return {};
+            return std::nullopt;
         const KnownLink &parent = folder->self->links.front();
-        path.insert(0, "/" + parent.name);
+        path.insert(0, "/" + *parent.name);
         folder = parent.folder;
     }
     return folder->rootPath == "/" ? path : folder->rootPath + path;
+}
+
+/// Where nothing is.
+const std::shared_ptr<const std::string> &Nowhere() {
+    static const auto nowhere = std::make_shared<const std::string>("nowhere");
+    return nowhere;
 }
 
 } // namespace
 
 std::string KnownFolder::Path() const { return self ? self->Path() : rootPath; }
 
-std::string KnownFile::Path() const {
-    for (const KnownLink &link : links) {
-        std::string path = PathOf(link);
-        if (!path.empty())
-            return path;
+bool KnownFolder::HasPath() const {
+    const KnownFolder *folder = this;
+    for (int parts = 0; folder->self; ++parts) {
+        if (folder->self->links.empty() || parts == kMostParts)
+            return false;
+        folder = folder->self->links.front().folder;
     }
+    return true;
+}
+
+std::string KnownFile::Path() const {
+    for (const KnownLink &link : links)
+        if (const auto folder = PathBefore(*link.folder))
+            return *folder + "/" + *link.name;
     return {};
+}
+
+std::shared_ptr<const std::string> FolderTree::SharedPath(KnownFolder &folder) const {
+    if (folder.toldAt == folderMoves_)
+        return folder.toldPath;
+    auto path = PathBefore(folder);
+    if (!path)
+        return nullptr;
+    if (!folder.toldPath || *folder.toldPath != *path)
+        folder.toldPath = std::make_shared<const std::string>(std::move(*path));
+    folder.toldAt = folderMoves_;
+    return folder.toldPath;
 }
 
 KnownFile *FolderTree::At(const KnownFolder &folder, const std::string &name) const {
@@ -47,25 +76,30 @@ KnownFile *FolderTree::At(const KnownFolder &folder, const std::string &name) co
 
 KnownFile *FolderTree::WithIdentity(const FileIdentity &identity) const {
     const auto found = files_.find(identity);
-    return found == files_.end() ? nullptr : found->second.get();
+    return found == files_.end() ? nullptr : found->get();
 }
 
 KnownFile &FolderTree::Link(KnownFolder &folder, const std::string &name, const FileState &state) {
-    std::unique_ptr<KnownFile> &place = files_[state.identity];
-    if (!place) {
-        place = std::make_unique<KnownFile>();
-        place->state = state;
+    KnownFile *file = WithIdentity(state.identity);
+    if (!file) {
+        auto made = std::make_unique<KnownFile>();
+        made->state = state;
+        file = made.get();
+        files_.insert(std::move(made));
     }
-    SetKind(*place, state.isFolder);
+    SetKind(*file, state.isFolder);
+    folderMoves_ += state.isFolder;
     if (state.isFolder) {
         // A folder has one name; an earlier one is out of date.
-        for (const KnownLink &link : place->links)
-            link.folder->entries.erase(link.name);
-        place->links.clear();
+        for (const KnownLink &link : file->links)
+            link.folder->entries.erase(link.folder->entries.find(*link.name));
+        if (file->toldIn)
+            file->toldIn = Nowhere();
+        file->links.clear();
     }
-    folder.entries[name] = place.get();
-    place->links.push_back({&folder, name});
-    return *place;
+    const auto [entry, isNew] = folder.entries.insert_or_assign(name, file);
+    file->links.push_back({&folder, &entry->first});
+    return *file;
 }
 
 /// Where a file system keeps no birth times a new folder can be taken for the file whose inode number it got.
@@ -88,11 +122,15 @@ void FolderTree::Unlink(KnownFolder &folder, const std::string &name) {
     if (found == folder.entries.end())
         return;
     KnownFile &file = *found->second;
+    const auto isIt = [&](const KnownLink &link) { return link.name == &found->first; };
+    if (file.toldIn && isIt(file.links.front()))
+        file.toldIn = Nowhere();
+    std::erase_if(file.links, isIt);
+    folderMoves_ += file.contents != nullptr;
     folder.entries.erase(found);
-    std::erase_if(file.links, [&](const KnownLink &link) { return link.folder == &folder && link.name == name; });
     if (file.links.empty())
         unlinked_.push_back(file.state.identity);
-    else if (file.told)
+    else if (file.toldIn)
         Tell(file, false);
 }
 
@@ -106,17 +144,21 @@ void FolderTree::Update(KnownFile &file, const FileState &state, FileTime readAt
 }
 
 void FolderTree::Tell(KnownFile &file, bool changed) {
-    const std::string path = file.Path();
-    if (path.empty())
+    std::shared_ptr<const std::string> folder;
+    const auto leads = [&](const KnownLink &link) { return (folder = SharedPath(*link.folder)) != nullptr; };
+    const auto link = std::find_if(file.links.begin(), file.links.end(), leads);
+    if (link == file.links.end())
         return; // a folder on the way to it is being moved
-    const bool known = file.told != nullptr;
-    const bool moved = known && file.told->Path() != path;
+    const bool known = file.toldIn != nullptr;
+    const bool moved = known && (link != file.links.begin() || *file.toldIn != *folder);
+    std::iter_swap(link, file.links.begin());
+    file.toldIn = std::move(folder);
     if (known && !changed && !moved)
         return;
-    if (!known || moved)
-        file.told = std::make_shared<FileSource>(path, file.state.identity);
+    const KnownLink &first = file.links.front();
     const auto kind = known ? FileEvent::Kind::kChanged : FileEvent::Kind::kFound;
-    events_.push_back({kind, file.state.identity, file.told});
+    events_.push_back(
+        {kind, file.state.identity, std::make_shared<FileSource>(file.toldIn, *first.name, file.state.identity)});
 }
 
 void FolderTree::Bury() {
@@ -133,11 +175,10 @@ void FolderTree::Remove(const FileIdentity &identity) {
     while (!waiting.empty()) {
         const auto found = files_.find(waiting.back());
         waiting.pop_back();
-        if (found == files_.end() || !found->second->links.empty())
+        if (found == files_.end() || !(*found)->links.empty())
             continue;
-        const std::unique_ptr<KnownFile> file = std::move(found->second);
-        files_.erase(found);
-        if (file->told)
+        const std::unique_ptr<KnownFile> file = std::move(files_.extract(found).value());
+        if (file->toldIn)
             events_.push_back({FileEvent::Kind::kLost, file->state.identity, nullptr});
         if (file->contents) {
             Clear(*file->contents);

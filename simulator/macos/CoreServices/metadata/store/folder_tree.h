@@ -2,6 +2,7 @@
 // it. Files are known by identity, so a rename, a move of a whole folder or a second hard link is seen as what it is.
 #pragma once
 
+#include "simulator/macos/CoreServices/metadata/items/identity_hash.h"
 #include "simulator/macos/CoreServices/metadata/store/file_state.h"
 #include "simulator/macos/CoreServices/metadata/store/session.h"
 
@@ -10,7 +11,7 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace sim::macos::store {
@@ -23,25 +24,31 @@ struct KnownFolder {
     std::string rootPath;      // of a folder of the scope itself; empty for others
     KnownFile *self = nullptr; // null for a folder of the scope itself
     std::map<std::string, KnownFile *> entries;
+    std::shared_ptr<const std::string> toldPath; // under which files in it were told of last
+    std::uint64_t toldAt = 0;                    // how often folders had moved by then
     int watch = -1;
     bool scanQueued = false;
     bool gone = false;
 
     /// Empty when no name leads to it at the moment.
     std::string Path() const;
+    bool HasPath() const;
 };
 
 struct KnownLink {
     KnownFolder *folder;
-    std::string name;
+    const std::string *name; // the folder's own
 };
 
+/// There are as many of these as files, whether anybody looks for them or not.
 struct KnownFile {
     FileState state;
     bool settled = false; // whether any later change shows in the times of the state
     std::vector<KnownLink> links;
-    std::shared_ptr<const AttributeSource> told; // null until it has been told of
-    std::shared_ptr<KnownFolder> contents;       // of a folder
+    /// The path of the folder under which it was told of last, as the first of its links; null until then. One that is
+    /// nobody's when that link is gone.
+    std::shared_ptr<const std::string> toldIn;
+    std::shared_ptr<KnownFolder> contents; // of a folder
 
     std::string Path() const;
 };
@@ -78,12 +85,35 @@ public:
     bool TakeEvent(FileEvent &event);
 
 private:
+    struct Hash : IdentityHash {
+        using is_transparent = void;
+        using IdentityHash::operator();
+        std::size_t operator()(const std::unique_ptr<KnownFile> &file) const { return (*this)(file->state.identity); }
+    };
+    struct Equal {
+        using is_transparent = void;
+        bool operator()(const std::unique_ptr<KnownFile> &one, const std::unique_ptr<KnownFile> &other) const {
+            return one->state.identity == other->state.identity;
+        }
+        bool operator()(const FileIdentity &identity, const std::unique_ptr<KnownFile> &file) const {
+            return identity == file->state.identity;
+        }
+        bool operator()(const std::unique_ptr<KnownFile> &file, const FileIdentity &identity) const {
+            return identity == file->state.identity;
+        }
+    };
+
+    /// What a path in the folder begins with, written once for all that is told of files in it; null when no name leads
+    /// to it at the moment.
+    std::shared_ptr<const std::string> SharedPath(KnownFolder &folder) const;
     void SetKind(KnownFile &file, bool isFolder);
     void Tell(KnownFile &file, bool changed);
     void Remove(const FileIdentity &identity);
 
     FolderLeaves folderLeaves_;
-    std::map<FileIdentity, std::unique_ptr<KnownFile>> files_;
+    std::unordered_set<std::unique_ptr<KnownFile>, Hash, Equal> files_;
+    /// Counts the names of folders that came and went: whenever it stands still, so do all paths.
+    std::uint64_t folderMoves_ = 1;
     std::vector<FileIdentity> unlinked_;
     std::deque<FileEvent> events_;
 };

@@ -2,6 +2,8 @@
 
 #include <unicode/ustring.h>
 
+#include <algorithm>
+
 namespace sim::macos {
 
 namespace {
@@ -9,6 +11,8 @@ namespace {
 bool IsHidden(const std::string &name) { return name.empty() || name.front() == '.'; }
 
 bool IsUTF8(const std::string &name) {
+    if (std::all_of(name.begin(), name.end(), [](char byte) { return byte > 0; }))
+        return true;
     UErrorCode status = U_ZERO_ERROR;
     u_strFromUTF8(nullptr, 0, nullptr, name.data(), static_cast<int32_t>(name.size()), &status);
     return status != U_INVALID_CHAR_FOUND;

@@ -228,7 +228,7 @@ void MachineSession::ReadNames(Scan &scan) {
 /// Brings what is known of a name up to date. A scan is given when it is the reason to look.
 void MachineSession::LookAt(const Dirty &name, const OpenFolder &open, const Scan *scan) {
     KnownFolder &folder = *name.folder;
-    if (folder.gone || folder.Path().empty())
+    if (folder.gone || !folder.HasPath())
         return;
     const FileTime now = FileTimeNow();
     const auto state = open.StateOf(name.name);
