@@ -275,8 +275,8 @@ void RegisterClass(uint32_t *record) {
     record[4] = offsetof(Object, data);
     classes[reinterpret_cast<const char *>(record[1])] = record;
 }
-void RegisterModule(uint32_t *record) { globalMethod = reinterpret_cast<const uint32_t *>(record[2]); }
-void RegisterMethod(uint32_t *record) { globalMethod = record; }
+void RegisterModule(const uint32_t *record) { globalMethod = reinterpret_cast<const uint32_t *>(record[2]); }
+void RegisterMethod(const uint32_t *record) { globalMethod = record; }
 unsigned char RunsBuiltApplication() { return 1; }
 double HostVersion() { return IsOld() ? 2011.04 : 2019.01; }
 

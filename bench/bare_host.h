@@ -104,8 +104,8 @@ int32_t LenB(String *string);
 // What start-up registers.
 void RegisterVersion(int32_t layout);
 void RegisterClass(uint32_t *record);
-void RegisterModule(uint32_t *record);
-void RegisterMethod(uint32_t *record);
+void RegisterModule(const uint32_t *record);
+void RegisterMethod(const uint32_t *record);
 unsigned char RunsBuiltApplication();
 double HostVersion();
 

@@ -180,45 +180,36 @@ def run(programs: Path, library: Path, sizes: tuple[int, ...], times: int) -> st
     return _table(("what", "processor", "find = 1", "bytes a file", "first event", "last event", "growth"), lines)
 
 
-def burst(programs: Path, library: Path, base: int, sizes: tuple[int, ...]) -> str:
+def _burst_of(watcher: Watcher, folder: Path, size: int, at_rest: int) -> list[tuple[str, ...]]:
+    inside, elsewhere = folder / "burst", folder / "moved"
+    inside.mkdir()
+    elsewhere.mkdir()
+    watcher.await_changes(0, 2)
+    acts = (("made", 0, lambda name: (inside / name).touch()),
+            ("changed", 1, lambda name: (inside / name).write_text("changed")),
+            ("moved", 1, lambda name: (inside / name).rename(elsewhere / name)),
+            ("removed", 2, lambda name: (elsewhere / name).unlink()))
     lines = []
-    with tempfile.TemporaryDirectory() as name:
-        folder = Path(name) / "files"
-        make_files(folder, base)
-        watcher = Watcher(programs, library, folder, 10_000, 100)
-        at_rest = watcher.memory()
-        for size in sizes:
-            inside, elsewhere = folder / "burst", folder / "moved"
-            inside.mkdir()
-            elsewhere.mkdir()
-            watcher.await_changes(0, 2)
-            names = [f"{index}.txt" for index in range(size)]
+    for what, kind, act in acts:
+        processor, begun = watcher.processor(), time.monotonic()
+        for index in range(size):
+            act(f"{index}.txt")
+        heard = watcher.await_changes(kind, size)
+        taken = watcher.processor() - processor
+        lines.append((f"{size:,} files {what}", f"{heard:,}", f"{time.monotonic() - begun:.1f} s",
+                      f"{taken / size * 1e6:.0f} µs", f"{(watcher.memory() - at_rest) / 1e6:+.0f} MB"))
+        print(*lines[-1], sep="  ", flush=True)
+    inside.rmdir()
+    elsewhere.rmdir()
+    watcher.await_changes(2, 2)
+    return lines
 
-            def make(at: str) -> None:
-                (inside / at).touch()
 
-            def change(at: str) -> None:
-                (inside / at).write_text("changed")
-
-            def move(at: str) -> None:
-                (inside / at).rename(elsewhere / at)
-
-            def remove(at: str) -> None:
-                (elsewhere / at).unlink()
-
-            for what, kind, act in (("made", 0, make), ("changed", 1, change), ("moved", 1, move), ("removed", 2, remove)):
-                processor, begun = watcher.processor(), time.monotonic()
-                for at in names:
-                    act(at)
-                heard = watcher.await_changes(kind, size)
-                taken = watcher.processor() - processor
-                lines.append((f"{size:,} files {what}", f"{heard:,}", f"{time.monotonic() - begun:.1f} s",
-                              f"{taken / size * 1e6:.0f} µs", f"{(watcher.memory() - at_rest) / 1e6:+.0f} MB"))
-                print(*lines[-1], sep="  ", flush=True)
-            inside.rmdir()
-            elsewhere.rmdir()
-            watcher.await_changes(2, 2)
-        watcher.end()
+def burst(programs: Path, library: Path, folder: Path, sizes: tuple[int, ...]) -> str:
+    watcher = Watcher(programs, library, folder, 10_000, 100)
+    at_rest = watcher.memory()
+    lines = [line for size in sizes for line in _burst_of(watcher, folder, size, at_rest)]
+    watcher.end()
     said = f"The query has {watcher.results:,} results and takes {at_rest / 1e6:.0f} MB before the first change.\n\n"
     return said + _table(("what", "heard of", "until then", "processor a change", "memory"), lines)
 
@@ -236,7 +227,9 @@ def main() -> None:
         text = run(given.programs, given.library, sizes, 1 if given.once else 3)
     else:
         base, sizes = (1000, (100,)) if given.once else (BURST_BASE, BURST)
-        text = burst(given.programs, given.library, base, sizes)
+        with tempfile.TemporaryDirectory() as name:
+            make_files(Path(name), base)
+            text = burst(given.programs, given.library, Path(name), sizes)
     if given.page:
         picture.put_into_page(given.page, given.what, text)
 
