@@ -72,8 +72,6 @@ TEST_CASE("From 2016.0 on a string with a length but without bytes is not read")
 
 namespace {
 
-extern "C" int __CFConstantStringClassReference[];
-
 /// A constant string in the form in which the compiler writes them, whose length is a lie.
 struct ConstantString {
     const void *classReference = __CFConstantStringClassReference;

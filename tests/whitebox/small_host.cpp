@@ -270,7 +270,7 @@ HostCode SmallHost::Resolve(const char *name) {
     return found == Services::All().end() || current_->Lacks(name) ? nullptr : found->second;
 }
 
-void SmallHost::Enter(const char *service, std::string arguments) {
+void SmallHost::Enter(const char *service, const std::string &arguments) {
     if (keepsCalls)
         calls_.push_back(std::string(service) + "(" + arguments + ")");
     if (const auto action = actions_.find(std::string_view(service)); action != actions_.end())

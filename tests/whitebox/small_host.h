@@ -86,7 +86,7 @@ private:
 
     static HostCode Resolve(const char *name);
     REALstringStruct *Build(const void *bytes, int32_t length, CFStringEncoding encoding);
-    void Enter(const char *service, std::string arguments = {});
+    void Enter(const char *service, const std::string &arguments = {});
     bool Lacks(const char *service) const { return withheld_.contains(service); }
 
     static inline SmallHost *current_ = nullptr;
