@@ -1,0 +1,145 @@
+"""Makes faults in the product's sources and looks whether the tests notice them.
+
+mutate.py TREE [--sample N] [--seed S] [ROOM|FILE...]: of all rooms, if none is named. A sample takes N faults of each room
+or file. The product's tests must be built, in build/asan. Exits with 1 when the list of unnoticeable faults is wrong, or
+a room that was tried as a whole falls short of the goal.
+"""
+
+from __future__ import annotations
+
+import argparse
+import json
+import os
+import queue
+import random
+import sys
+import time
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+from faults import ChangedLines, Fault
+from finding import ROOMS, find_faults, product_files
+from reach import measure
+from report import Tally, complaints, diff, table
+from trial import Court, Outcome, Verdict
+from unnoticeable import read_list
+from workshop import Workshop
+
+_HERE = Path(__file__).resolve().parent
+_OFTEN = 30.0
+
+
+def _say(sentence: str) -> None:
+    print(f"mutate: {sentence}", file=sys.stderr, flush=True)
+
+
+def _choose(faults: list[Fault], whats: list[str], sample: int | None, seed: int) -> list[Fault]:
+    """All, or so many of each room or file."""
+    if sample is None:
+        return faults
+    chosen: list[Fault] = []
+    for what in whats:
+        mine = [fault for fault in faults if what in (fault.room, fault.file)]
+        picked = set(random.Random(seed).sample(range(len(mine)), min(sample, len(mine))))
+        chosen += [fault for place, fault in enumerate(mine) if place in picked]
+    return chosen
+
+
+class Run:
+    """A run over chosen faults."""
+
+    def __init__(self, workshop: Workshop, court: Court, listed: dict[ChangedLines, str], killers: Path) -> None:
+        self._workshop = workshop
+        self._court = court
+        self._listed = listed
+        self._killers = killers
+        self.tallies: dict[str, Tally] = {}
+        self.survivors: list[Fault] = []
+        self.wrongly_listed: list[Fault] = []
+
+    def try_all(self, faults: list[Fault], jobs: int) -> None:
+        """Tries them side by side, and says now and then how far it is."""
+        folders: queue.SimpleQueue[Path] = queue.SimpleQueue()
+        for job in range(jobs):
+            folders.put(self._workshop.work / f"job-{job}")
+        said = time.monotonic()
+
+        def tried(fault: Fault) -> Verdict:
+            folder = folders.get()
+            try:
+                return self._court.tried(fault, folder)
+            finally:
+                folders.put(folder)
+
+        with ThreadPoolExecutor(jobs) as pool:
+            for place, (fault, verdict) in enumerate(zip(faults, pool.map(tried, faults)), 1):
+                self._note(fault, verdict)
+                if time.monotonic() - said > _OFTEN:
+                    said = time.monotonic()
+                    _say(f"{place} of {len(faults)} faults tried, {len(self.survivors)} survive")
+
+    def _note(self, fault: Fault, verdict: Verdict) -> None:
+        changed = fault.changed_lines(self._workshop.tree)
+        is_listed = changed in self._listed
+        self.tallies.setdefault(fault.room, Tally()).add(verdict.outcome, is_listed)
+        if verdict.killer:
+            with self._killers.open("a", encoding="utf-8") as kept:
+                kept.write(json.dumps([str(changed), verdict.killer]) + "\n")
+        if is_listed and verdict.outcome != Outcome.SURVIVED:
+            self.wrongly_listed.append(fault)
+        elif verdict.outcome == Outcome.SURVIVED and not is_listed:
+            self.survivors.append(fault)
+            _say(f"survives: {diff(fault, changed)}")
+
+
+def _known_killers(path: Path) -> dict[str, str]:
+    if not path.exists():
+        return {}
+    return dict(json.loads(line) for line in path.read_text("utf-8").splitlines())
+
+
+def main() -> int:
+    """Reads the command line, runs, prints."""
+    parser = argparse.ArgumentParser(prog="mutate")
+    parser.add_argument("tree", type=Path)
+    parser.add_argument("what", nargs="*")
+    parser.add_argument("--sample", type=int)
+    parser.add_argument("--seed", type=int, default=1)
+    options = parser.parse_args()
+
+    tree = options.tree.resolve()
+    work = tree / "build" / "mutate"
+    work.mkdir(parents=True, exist_ok=True)
+    jobs = len(os.sched_getaffinity(0))
+    workshop = Workshop(tree, work)
+    whats = options.what or list(ROOMS)
+    files = [file for file in product_files(tree) if file.split("/")[0] in whats or file in whats]
+    found = find_faults(tree, files, workshop.parsing_flags())
+    listed = read_list(_HERE / "unnoticeable.txt")
+    known = {fault.changed_lines(tree) for fault in found}
+    stale = [entry for entry in listed if entry.file in files and entry not in known]
+
+    programs = [workshop.build / "bin" / f"{room}-tests" for room in ROOMS]
+    library = workshop.counting_library(_HERE / "reach_recorder.cpp")
+    cases = measure(tree, library, programs, work / "reach.json", jobs, _say)
+    faults = _choose(found, whats, options.sample, options.seed)
+    _say(f"{len(faults)} of {len(found)} faults are tried")
+    killers = work / "killers.jsonl"
+    run = Run(workshop, Court(workshop, cases, _known_killers(killers)), listed, killers)
+    run.try_all(faults, jobs)
+
+    for fault in run.survivors:
+        print(diff(fault, fault.changed_lines(tree)))
+    print(table(run.tallies))
+    wrong = [f"unnoticeable.txt names a fault that is none:\n{entry}" for entry in stale]
+    for fault in run.wrongly_listed:
+        wrong.append(f"unnoticeable.txt names a fault that is found:\n{fault.changed_lines(tree)}")
+    if options.sample is None:
+        wrong += complaints(run.tallies, [what for what in whats if what in ROOMS])
+    for sentence in wrong:
+        _say(sentence)
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

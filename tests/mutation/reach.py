@@ -1,0 +1,135 @@
+"""Which test case reaches which lines of the product, and how long it takes: each case is run once, alone, with a library
+that notes where it was. What was found is kept until the library or a test program changes."""
+
+from __future__ import annotations
+
+import hashlib
+import json
+import os
+import struct
+import subprocess
+import time
+from collections.abc import Callable
+from concurrent.futures import ThreadPoolExecutor
+from dataclasses import dataclass, field
+from pathlib import Path
+
+from faults import Fault
+from finding import ROOMS
+
+
+@dataclass
+class Case:
+    """A test case, by its program and its title."""
+
+    program: str
+    title: str
+    seconds: float
+    # The lines of each file at which a piece of code begins that it ran.
+    lines: dict[str, set[int]] = field(default_factory=dict)
+
+    @property
+    def size(self) -> int:
+        """How much it reaches: the less, the more it is about that."""
+        return sum(len(lines) for lines in self.lines.values())
+
+    def reaches(self, fault: Fault) -> bool:
+        """Whether it runs the function in which the fault is."""
+        if not fault.function:
+            return False
+        first, last = fault.function
+        return any(first <= line <= last for line in self.lines.get(fault.file, ()))
+
+    def nearest(self, fault: Fault) -> int:
+        """The last line at or before the fault at which something that it ran begins."""
+        return max((line for line in self.lines.get(fault.file, ()) if line <= fault.line), default=0)
+
+
+def cases_for(fault: Fault, cases: list[Case]) -> list[Case]:
+    """The cases that may notice the fault, those first that come nearest to it and reach little else. Data, and what the
+    compiler reckons, is part of everything."""
+    reaching = [case for case in cases if case.reaches(fault)]
+    if not reaching and (not fault.function or fault.at_compile_time):
+        reaching = [case for case in cases if fault.file in case.lines] or cases
+        return sorted(reaching, key=lambda case: case.seconds)
+    return sorted(reaching, key=lambda case: (-case.nearest(fault), case.size, case.seconds))
+
+
+def titles_of(program: Path) -> list[str]:
+    """The titles of a program's test cases."""
+    lines = subprocess.run([program, "-ltc"], check=True, capture_output=True, text=True).stdout.splitlines()
+    bars = [i for i, line in enumerate(lines) if line.startswith("=====")]
+    return lines[bars[0] + 1 : bars[-1]]
+
+
+def chosen(titles: list[str]) -> str:
+    """doctest's option for these titles."""
+    return "-tc=" + ",".join(title.replace("\\", "\\\\").replace(",", "\\,") for title in titles)
+
+
+def measure(
+    tree: Path, library: Path, programs: list[Path], kept: Path, jobs: int, say: Callable[[str], None]
+) -> list[Case]:
+    """The cases of these programs; from `kept` when nothing changed since that was written."""
+    digest = hashlib.sha256(library.read_bytes())
+    for program in programs:
+        digest.update(program.read_bytes())
+    known = json.loads(kept.read_text("utf-8")) if kept.exists() else {}
+    if known.get("of") != digest.hexdigest():
+        say("finding out which test reaches what")
+        known = {"of": digest.hexdigest(), "cases": _run_all(tree, library, programs, jobs)}
+        kept.write_text(json.dumps(known), "utf-8")
+    return [
+        Case(case["program"], case["title"], case["seconds"], {file: set(at) for file, at in case["lines"].items()})
+        for case in known["cases"]
+    ]
+
+
+def _run_all(tree: Path, library: Path, programs: list[Path], jobs: int) -> list[dict[str, object]]:
+    work = [(program, title) for program in programs for title in titles_of(program)]
+    with ThreadPoolExecutor(jobs) as pool:
+        runs = list(pool.map(lambda one: _run(library, one[0], one[1], work.index(one)), work))
+    places = _lines_at(tree, library, sorted({offset for _, offsets in runs for offset in offsets}))
+    found = []
+    for (program, title), (seconds, offsets) in zip(work, runs):
+        lines: dict[str, set[int]] = {}
+        for offset in offsets:
+            if offset in places:
+                lines.setdefault(places[offset][0], set()).add(places[offset][1])
+        ordered = {file: sorted(at) for file, at in lines.items()}
+        found.append({"program": program.name, "title": title, "seconds": seconds, "lines": ordered})
+    return found
+
+
+def _run(library: Path, program: Path, title: str, number: int) -> tuple[float, list[int]]:
+    """How long a case takes, and the offsets of the code that it ran."""
+    marks = library.parent / f"reach-{number}"
+    begin = time.monotonic()
+    command = [str(program), "--plugin", str(library), chosen([title])]
+    ran = subprocess.run(command, env={**os.environ, "SPOTLIGHT_REACH": str(marks)}, capture_output=True, check=False)
+    seconds = time.monotonic() - begin
+    if ran.returncode != 0:
+        raise SystemExit(f"mutate: a test fails without any fault: {title}")
+    noted = marks.read_bytes() if marks.exists() else b""
+    marks.unlink(missing_ok=True)
+    count = len(noted) // 5
+    offsets = struct.unpack(f"<{count}I", noted[count:])
+    return seconds, [offset for mark, offset in zip(noted, offsets) if mark]
+
+
+def _lines_at(tree: Path, library: Path, offsets: list[int]) -> dict[int, tuple[str, int]]:
+    """The file and line of the code at these offsets, where it is the product's own."""
+    said = subprocess.run(
+        ["llvm-symbolizer-14", "--output-style=JSON", "--no-inlines", f"--obj={library}"],
+        input="\n".join(hex(offset) for offset in offsets),
+        check=True,
+        capture_output=True,
+        text=True,
+    ).stdout
+    found = {}
+    for offset, line in zip(offsets, filter(None, said.splitlines())):
+        symbol = json.loads(line)["Symbol"][0]
+        path = Path(symbol["FileName"])
+        if path.is_relative_to(tree) and path.relative_to(tree).parts[0] in ROOMS:
+            found[offset] = (str(path.relative_to(tree)), symbol["Line"])
+    return found

@@ -1,0 +1,43 @@
+"""Which test cases are run for a fault, and in which order."""
+
+from __future__ import annotations
+
+import unittest
+
+from faults import Fault
+from reach import Case, cases_for, chosen
+
+
+def _fault(function: tuple[int, int] | None, line: int = 12, at_compile_time: bool = False) -> Fault:
+    return Fault("host/a.cpp", 0, 1, "", "a kind", line, function, at_compile_time)
+
+
+class Reach(unittest.TestCase):
+    def test_only_cases_that_run_the_function_are_asked(self) -> None:
+        inside = Case("host-tests", "inside", 1, {"host/a.cpp": {11}})
+        elsewhere = Case("host-tests", "elsewhere", 1, {"host/a.cpp": {30}, "host/b.cpp": {11}})
+        self.assertEqual(cases_for(_fault((10, 20)), [elsewhere, inside]), [inside])
+
+    def test_the_case_that_comes_nearest_and_reaches_little_else_is_first(self) -> None:
+        passes_by = Case("host-tests", "passes by", 1, {"host/a.cpp": {10}})
+        wide = Case("host-tests", "wide", 1, {"host/a.cpp": {10, 12}, "host/b.cpp": {1, 2, 3}})
+        narrow = Case("host-tests", "narrow", 9, {"host/a.cpp": {10, 12}})
+        self.assertEqual(cases_for(_fault((10, 20)), [passes_by, wide, narrow]), [narrow, wide, passes_by])
+
+    def test_data_is_part_of_every_case_that_runs_its_file_the_quickest_first(self) -> None:
+        slow = Case("host-tests", "slow", 2, {"host/a.cpp": {30}})
+        quick = Case("host-tests", "quick", 1, {"host/a.cpp": {40}})
+        other = Case("host-tests", "other", 0, {"host/b.cpp": {12}})
+        self.assertEqual(cases_for(_fault(None), [slow, other, quick]), [quick, slow])
+
+    def test_what_no_case_is_seen_in_is_asked_of_all_if_the_compiler_may_have_run_it(self) -> None:
+        case = Case("host-tests", "other", 0, {"host/b.cpp": {12}})
+        self.assertEqual(cases_for(_fault((10, 20), at_compile_time=True), [case]), [case])
+        self.assertEqual(cases_for(_fault((10, 20)), [case]), [])
+
+    def test_titles_with_commas_stay_one_title(self) -> None:
+        self.assertEqual(chosen(["One, two", "a \\ b"]), "-tc=One\\, two,a \\\\ b")
+
+
+if __name__ == "__main__":
+    unittest.main()
