@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreServices/metadata/query/asked_values.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_values.h"
 #include "simulator/macos/control/faults.h"
 #include "tests/simulator/macos/query/support/values.h"
 #include "tests/spotlight/support/query_program.h"
@@ -159,6 +160,14 @@ TEST_CASE("A value that the host cannot hold keeps its place in ValuesOfAttribut
     const Object genres = songs.Values("kMDItemMusicalGenre");
     CHECK(genres.As<Object>() == std::vector<Object>(2));
     CHECK(songs.Host().Raised().empty());
+}
+
+TEST_CASE("Nulls among the framework's values leave no gap in ValuesOfAttribute") {
+    Songs songs;
+    const auto genres = songs.Values("kMDItemMusicalGenre").As<std::string>();
+    const sim::macos::ValuesWithNulls nulls;
+    CHECK(genres.size() == 2);
+    CHECK(songs.Values("kMDItemMusicalGenre").As<std::string>() == genres);
 }
 
 TEST_CASE("Values of every kind reach the program: texts, numbers, truth, dates and lists") {

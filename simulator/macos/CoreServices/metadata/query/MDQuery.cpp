@@ -4,9 +4,12 @@
 #include "simulator/macos/CoreServices/metadata/items/item.h"
 #include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 #include "simulator/macos/CoreServices/metadata/query/query.h"
+#include "simulator/macos/CoreServices/metadata/query/scripted_values.h"
 #include "simulator/macos/control/faults.h"
 
 #include <CoreServices/MDQuery.h>
+
+#include <vector>
 
 namespace {
 
@@ -21,11 +24,27 @@ const FallibleCall copySortingAttributesCall("MDQueryCopySortingAttributes");
 const FallibleCall getResultAtIndexCall("MDQueryGetResultAtIndex");
 const FallibleCall copyValuesOfAttributeCall("MDQueryCopyValuesOfAttribute");
 
+bool valuesHaveNulls = false;
+
 bool IsIndex(Query &query, CFIndex index) {
     return index >= 0 && static_cast<std::size_t>(index) < query.Results().Count();
 }
 
+CFRef<CFArrayRef> WithNulls(const std::vector<CFTypeRef> &values) {
+    std::vector<CFTypeRef> elements;
+    for (const CFTypeRef value : values) {
+        elements.push_back(nullptr);
+        elements.push_back(value);
+    }
+    const auto count = static_cast<CFIndex>(elements.size());
+    return CFRef<CFArrayRef>::Adopt(CFArrayCreate(kCFAllocatorDefault, elements.data(), count, nullptr));
+}
+
 } // namespace
+
+sim::macos::ValuesWithNulls::ValuesWithNulls() : previous_(valuesHaveNulls) { valuesHaveNulls = true; }
+
+sim::macos::ValuesWithNulls::~ValuesWithNulls() { valuesHaveNulls = previous_; }
 
 CFTypeID MDQueryGetTypeID(void) { return Query::Type(); }
 
@@ -116,7 +135,9 @@ CFArrayRef MDQueryCopyValuesOfAttribute(MDQueryRef query, CFStringRef name) {
         return nullptr;
     const OwnCalls own;
     const query::ValueList *values = Query::From(query).Values(name);
-    return values ? MakeArray(values->Values()).Give() : nullptr;
+    if (!values)
+        return nullptr;
+    return (valuesHaveNulls ? WithNulls(values->Values()) : MakeArray(values->Values())).Give();
 }
 
 CFIndex MDQueryGetCountOfResultsWithAttributeValue(MDQueryRef query, CFStringRef name, CFTypeRef value) {
