@@ -7,6 +7,7 @@ Exits with 1 when the product as a whole is below a floor.
 from __future__ import annotations
 
 import json
+import os
 import sys
 from collections import defaultdict
 from pathlib import Path
@@ -41,7 +42,7 @@ def shares(tree: Path, summary: object) -> dict[str, dict[str, Share]]:
     """The shares of each room that has sources, and of "all" of them, by what is counted."""
     found: dict[str, dict[str, Share]] = defaultdict(lambda: {what: Share() for what in FLOORS})
     for file in summary["data"][0]["files"]:
-        path = Path(file["filename"])
+        path = Path(os.path.normpath(file["filename"]))  # a compiler cache names it by way of the build folder
         room = path.relative_to(tree).parts[0] if path.is_relative_to(tree) else ""
         if room in ROOMS:
             for name in (room, "all"):

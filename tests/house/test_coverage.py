@@ -40,6 +40,10 @@ class Coverage(unittest.TestCase):
         )
         self.assertEqual(coverage.complaints(found), [])
 
+    def test_a_file_that_is_named_by_way_of_the_build_folder_is_one_of_the_tree(self) -> None:
+        summary = _summary(**{"build/coverage/../../host": (100, 100)})
+        self.assertEqual(coverage.shares(_TREE, summary)["host"]["lines"].count, 100)
+
     def test_what_is_not_the_product_is_not_counted(self) -> None:
         found = coverage.shares(_TREE, _summary(tests=(0, 0), simulator=(0, 0), host=(100, 100)))
         self.assertEqual(set(found), {"host", "all"})
