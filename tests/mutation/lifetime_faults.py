@@ -34,9 +34,11 @@ _SCALARS = {
     TypeKind.SCHAR,
     TypeKind.USHORT,
     TypeKind.SHORT,
+    # Of a template; what is no scalar in some instance does not compile.
+    TypeKind.DEPENDENT,
 }
 # A holder's words, and casts to a reference, have nothing that could be asked anew.
-_NOT_ASKED = {"Get", "Give", "move", "begin", "end", "size", "strlen", "Find", "data"}
+_NOT_ASKED = {"Get", "Give", "move", "begin", "end", "size", "strlen", "data"}
 
 
 def lifetime_faults(source: Source) -> Iterator[Fault]:

@@ -1,6 +1,6 @@
 """Makes faults in the product's sources and looks whether the tests notice them.
 
-mutate.py TREE [--sample N] [--seed S] [ROOM|FILE...]: of all rooms, if none is named. A sample takes N faults of each room
+mutate.py TREE [--sample N] [--seed S] [--jobs J] [ROOM|FILE...]: of all rooms, if none is named. A sample takes N faults of each room
 or file. The product's tests must be built, in build/asan. Exits with 1 when the list of unnoticeable faults is wrong, or
 a room that was tried as a whole falls short of the goal.
 """
@@ -14,7 +14,7 @@ import queue
 import random
 import sys
 import time
-from concurrent.futures import ThreadPoolExecutor
+from concurrent.futures import ThreadPoolExecutor, as_completed
 from pathlib import Path
 
 from faults import ChangedLines, Fault
@@ -64,19 +64,20 @@ class Run:
             folders.put(self._workshop.work / f"job-{job}")
         said = time.monotonic()
 
-        def tried(fault: Fault) -> Verdict:
+        def tried(fault: Fault) -> tuple[Fault, Verdict]:
             folder = folders.get()
             try:
-                return self._court.tried(fault, folder)
+                return fault, self._court.tried(fault, folder)
             finally:
                 folders.put(folder)
 
         with ThreadPoolExecutor(jobs) as pool:
-            for place, (fault, verdict) in enumerate(zip(faults, pool.map(tried, faults)), 1):
-                self._note(fault, verdict)
+            for place, one in enumerate(as_completed([pool.submit(tried, fault) for fault in faults]), 1):
+                self._note(*one.result())
                 if time.monotonic() - said > _OFTEN:
                     said = time.monotonic()
                     _say(f"{place} of {len(faults)} faults tried, {len(self.survivors)} survive")
+        self.survivors.sort(key=lambda fault: (fault.file, fault.start))
 
     def _note(self, fault: Fault, verdict: Verdict) -> None:
         changed = fault.changed_lines(self._workshop.tree)
@@ -105,12 +106,13 @@ def main() -> int:
     parser.add_argument("what", nargs="*")
     parser.add_argument("--sample", type=int)
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--jobs", type=int, default=len(os.sched_getaffinity(0)))
     options = parser.parse_args()
 
     tree = options.tree.resolve()
     work = tree / "build" / "mutate"
     work.mkdir(parents=True, exist_ok=True)
-    jobs = len(os.sched_getaffinity(0))
+    jobs = options.jobs
     workshop = Workshop(tree, work)
     whats = options.what or list(ROOMS)
     files = [file for file in product_files(tree) if file.split("/")[0] in whats or file in whats]

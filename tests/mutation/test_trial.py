@@ -56,7 +56,7 @@ class MadeUpCourt(Court):
 
 
 def _cases(count: int) -> list[Case]:
-    return [Case("host-tests", f"case {i}", i, {"host/a.cpp": {11}}) for i in range(10, 10 + count)]
+    return [Case("host-tests", f"case {i}", i / 1000, {"host/a.cpp": {11}}) for i in range(10, 10 + count)]
 
 
 class Trial(unittest.TestCase):
@@ -71,6 +71,13 @@ class Trial(unittest.TestCase):
         self.assertEqual(court.tried(_FAULT, Path("job")).outcome, Outcome.SURVIVED)
         self.assertIn("case 29", court.ran[1])
         self.assertIn("inside", court.ran[2])
+
+    def test_cases_that_take_long_come_last(self) -> None:
+        cases = [Case("host-tests", "long", 9, {"host/a.cpp": {12}}), *_cases(20)]
+        court = MadeUpCourt(MadeUpWorkshop(), cases)
+        court.tried(_FAULT, Path("job"))
+        self.assertNotIn("long", court.ran[1])
+        self.assertIn("long", court.ran[2])
 
     def test_what_only_a_test_from_inside_notices_is_counted_apart(self) -> None:
         court = MadeUpCourt(MadeUpWorkshop(), _cases(1), "inside")

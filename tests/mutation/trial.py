@@ -13,8 +13,10 @@ from faults import Fault
 from reach import Case, cases_for, chosen
 from workshop import Workshop
 
-# So many cases are run before it is looked whether the fault makes any difference at all.
-_FIRST = 12
+# So many cases are run before it is looked whether the fault makes any difference at all; those that take longer than
+# so many seconds are run last.
+_FIRST = 16
+_LONG = 0.2
 _AGAIN = re.compile(r"^again: .* -tc='(.*)'$", re.MULTILINE)
 _QUIET = {"ASAN_OPTIONS": "symbolize=0", "UBSAN_OPTIONS": "symbolize=0"}
 
@@ -55,7 +57,9 @@ class Court:
         last = self._last_killer(fault)
         cases = cases_for(fault, self._cases)
         first = [case for case in self._cases if case.title == last] or cases[:_FIRST]
-        for batch in (first, cases):
+        short = [case for case in cases if case.seconds <= _LONG]
+        long = [case for case in cases if case.seconds > _LONG]
+        for batch in (first, short, long):
             failed, killer = self._fails(batch, library)
             if failed:
                 return Verdict(Outcome.KILLED, killer)
