@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import difflib
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -35,15 +34,15 @@ class Fault:
 
     def changed_lines(self, tree: Path) -> ChangedLines:
         """The lines that go and those that come, which is how a list names a fault: it outlives lines put before it."""
-        before = (tree / self.file).read_text("utf-8").splitlines()
-        after = self.applied(tree).decode().splitlines()
-        gone, come = [], []
-        for line in list(difflib.unified_diff(before, after, n=0))[2:]:
-            if line.startswith("-"):
-                gone.append(line[1:].strip())
-            elif line.startswith("+"):
-                come.append(line[1:].strip())
-        return ChangedLines(self.file, tuple(filter(None, gone)), tuple(filter(None, come)))
+        source = (tree / self.file).read_bytes()
+        first = source.rfind(b"\n", 0, self.start) + 1
+        last = (source + b"\n").find(b"\n", self.end)
+        come = source[first : self.start] + self.text.encode() + source[self.end : last]
+        return ChangedLines(self.file, _lines(source[first:last]), _lines(come))
+
+
+def _lines(text: bytes) -> tuple[str, ...]:
+    return tuple(line.strip() for line in text.decode().splitlines() if line.strip())
 
 
 @dataclass(frozen=True)

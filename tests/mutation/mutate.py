@@ -14,7 +14,9 @@ import queue
 import random
 import sys
 import time
-from concurrent.futures import ThreadPoolExecutor, as_completed
+from concurrent.futures import ProcessPoolExecutor, ThreadPoolExecutor, as_completed
+from dataclasses import asdict
+from itertools import repeat
 from pathlib import Path
 
 from faults import ChangedLines, Fault
@@ -23,7 +25,7 @@ from reach import measure
 from report import Tally, complaints, diff, table
 from trial import Court, Outcome, Verdict
 from unnoticeable import read_list
-from workshop import Workshop
+from workshop import Workshop, digest_of
 
 _HERE = Path(__file__).resolve().parent
 _OFTEN = 30.0
@@ -93,6 +95,22 @@ class Run:
             _say(f"survives: {diff(fault, changed)}")
 
 
+def _found(tree: Path, files: list[str], flags: list[str], kept: Path, jobs: int) -> list[Fault]:
+    """The faults of these files. They are kept, file by file, until any of the product's sources or a maker changes."""
+    everything = [tree / file for file in product_files(tree)]
+    digest = digest_of([*everything, *sorted(_HERE.glob("*.py"))])
+    known = json.loads(kept.read_text("utf-8")) if kept.exists() else {}
+    if known.get("of") != digest:
+        known = {"of": digest, "faults": {}}
+    missing = [file for file in files if file not in known["faults"]]
+    with ProcessPoolExecutor(jobs) as pool:
+        for file, faults in zip(missing, pool.map(find_faults, repeat(tree), [[one] for one in missing], repeat(flags))):
+            known["faults"][file] = [asdict(fault) for fault in faults]
+    kept.write_text(json.dumps(known), "utf-8")
+    lists = [known["faults"][file] for file in files]
+    return [Fault(**{**one, "function": one["function"] and tuple(one["function"])}) for some in lists for one in some]
+
+
 def _known_killers(path: Path) -> dict[str, str]:
     if not path.exists():
         return {}
@@ -109,20 +127,19 @@ def main() -> int:
     parser.add_argument("--jobs", type=int, default=len(os.sched_getaffinity(0)))
     options = parser.parse_args()
 
-    tree = options.tree.resolve()
+    tree, jobs = options.tree.resolve(), options.jobs
     work = tree / "build" / "mutate"
     work.mkdir(parents=True, exist_ok=True)
-    jobs = options.jobs
     workshop = Workshop(tree, work)
     whats = options.what or list(ROOMS)
     files = [file for file in product_files(tree) if file.split("/")[0] in whats or file in whats]
-    found = find_faults(tree, files, workshop.parsing_flags())
+    found = _found(tree, files, workshop.parsing_flags(), work / "faults.json", jobs)
     listed = read_list(_HERE / "unnoticeable.txt")
     known = {fault.changed_lines(tree) for fault in found}
     stale = [entry for entry in listed if entry.file in files and entry not in known]
 
     programs = [workshop.build / "bin" / f"{room}-tests" for room in ROOMS]
-    library = workshop.counting_library(_HERE / "reach_recorder.cpp")
+    library = workshop.counting_library(_HERE / "reach_recorder.cpp", jobs)
     cases = measure(tree, library, programs, work / "reach.json", jobs, _say)
     faults = _choose(found, whats, options.sample, options.seed)
     _say(f"{len(faults)} of {len(found)} faults are tried")

@@ -3,7 +3,6 @@ that notes where it was. What was found is kept until the library or a test prog
 
 from __future__ import annotations
 
-import hashlib
 import json
 import os
 import struct
@@ -15,6 +14,7 @@ from pathlib import Path
 
 from faults import Fault
 from finding import ROOMS
+from workshop import digest_of
 
 
 @dataclass
@@ -72,13 +72,11 @@ def measure(
     tree: Path, library: Path, programs: list[Path], kept: Path, jobs: int, say: Callable[[str], None]
 ) -> list[Case]:
     """The cases of these programs; from `kept` when nothing changed since that was written."""
-    digest = hashlib.sha256(library.read_bytes())
-    for program in programs:
-        digest.update(program.read_bytes())
+    digest = digest_of([library, *programs])
     known = json.loads(kept.read_text("utf-8")) if kept.exists() else {}
-    if known.get("of") != digest.hexdigest():
+    if known.get("of") != digest:
         say("finding out which test reaches what")
-        known = {"of": digest.hexdigest(), "cases": _run_all(tree, library, programs, jobs)}
+        known = {"of": digest, "cases": _run_all(tree, library, programs, jobs)}
         kept.write_text(json.dumps(known), "utf-8")
     return [
         Case(case["program"], case["title"], case["seconds"], {file: set(at) for file, at in case["lines"].items()})

@@ -15,6 +15,10 @@ _JUMPS = {CursorKind.RETURN_STMT, CursorKind.CONTINUE_STMT, CursorKind.BREAK_STM
 _STAYS = {CursorKind.SWITCH_STMT, CursorKind.CXX_TRY_STMT, CursorKind.COMPOUND_STMT, CursorKind.NULL_STMT}
 
 
+# What decides how long something lives.
+_LIFETIMES = ("CFRelease", "CFRetain", "REALUnlockObject", "REALLockObject", "Release", "Hold", "Give", "free")
+
+
 def statement_faults(source: Source) -> Iterator[Fault]:
     """All faults of this family."""
     for node in source.walk():
@@ -72,6 +76,8 @@ def _swapped(first: Node, second: Node) -> Iterator[Fault]:
     for node in (first, second):
         if node.kind in _JUMPS or node.kind in STATEMENT_BLOCKS:
             return
+    if not _order_matters(first, second):
+        return
     if any(mentions(second, name) for name in _declared(first)):
         return
     if any(mentions(first, name) for name in _declared(second)):
@@ -81,6 +87,13 @@ def _swapped(first: Node, second: Node) -> Iterator[Fault]:
     gap = source[end_of_first : second.start].decode()
     text = source[second.start : end].decode() + gap + source[first.start : end_of_first].decode()
     yield fault(first, "neighbours swapped", text, end=end)
+
+
+def _order_matters(first: Node, second: Node) -> bool:
+    """Both call something, or one of them gives a reference up or adds one. That two variables are written in the other
+    order is no fault."""
+    calls = [any(node.kind == CursorKind.CALL_EXPR for node in one.walk()) for one in (first, second)]
+    return all(calls) or any(mentions(one, name) for one in (first, second) for name in _LIFETIMES)
 
 
 def _branches(node: Node) -> list[Node]:

@@ -3,10 +3,12 @@ else is taken from build/asan as it is, and so are the commands."""
 
 from __future__ import annotations
 
+import hashlib
 import json
 import shlex
 import shutil
 import subprocess
+from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -131,18 +133,36 @@ class Workshop:
                 return False
         return True
 
-    def counting_library(self, recorder: Path) -> Path:
-        """The product without a fault, which notes where it was."""
+    def counting_library(self, recorder: Path, jobs: int) -> Path:
+        """The product without a fault, which notes where it was. Made anew when a source changed."""
         folder = self.work / "counting"
         folder.mkdir(parents=True, exist_ok=True)
+        library, made_of = folder / "Spotlight.so", folder / "made-of"
+        digest = digest_of([recorder, *(self.tree / file for file in self.users)])
+        if library.exists() and made_of.exists() and made_of.read_text("utf-8") == digest:
+            return library
         sanitizing = ("-fsanitize", "-fno-sanitize")
-        replaced = {}
-        for source, place in self._objects.items():
-            flags = [flag for flag in self._commands[source] if not flag.startswith(sanitizing)]
-            replaced[place] = str(folder / (source.replace("/", "_") + ".o"))
-            command = ["clang++-14", *flags, *_COUNTING, "-w", "-o", replaced[place], "-c", str(self.tree / source)]
+        flags = [flag for flag in next(iter(self._commands.values())) if not flag.startswith(sanitizing)]
+
+        def counted(source: str) -> str:
+            output = str(folder / (source.replace("/", "_") + ".o"))
+            command = ["clang++-14", *flags, *_COUNTING, "-w", "-o", output, "-c", str(self.tree / source)]
             subprocess.run(command, cwd=self.build, check=True)
+            return output
+
+        with ThreadPoolExecutor(jobs) as pool:
+            replaced = dict(zip(self._objects.values(), pool.map(counted, self._objects)))
         own = str(folder / "recorder.o")
         subprocess.run(["clang++-14", *flags, "-w", "-o", own, "-c", str(recorder)], cwd=self.build, check=True)
         words = [replaced.get(word, word) for word in self._links[LIBRARY] if not word.startswith(sanitizing)]
-        return self._link([*words, own], folder / "Spotlight.so")
+        self._link([*words, own], library)
+        made_of.write_text(digest, "utf-8")
+        return library
+
+
+def digest_of(files: list[Path]) -> str:
+    """Tells whether any of these files changed."""
+    digest = hashlib.sha256()
+    for file in files:
+        digest.update(file.read_bytes())
+    return digest.hexdigest()
