@@ -72,8 +72,7 @@ OwnedString BuildUTF32OnOldHost(const UInt8 *bytes, int32_t length) {
         return build(units);
     }
     const int64_t size = unitsFor(codePoints) * static_cast<int64_t>(sizeof(UniChar));
-    if (size > INT32_MAX)
-        return {};
+    static_assert(unitsFor(INT32_MAX / 4) * sizeof(UniChar) <= INT32_MAX, "the longest text has a buffer");
     const auto units = NewZeroedBuffer<UniChar>(static_cast<size_t>(size));
     return units ? build(units.get()) : OwnedString();
 }

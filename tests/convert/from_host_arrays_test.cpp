@@ -243,3 +243,12 @@ TEST_CASE("Elements to which the host adds no references are not read in place: 
     CHECK(session.TextInCore(host.NewArray("variant", {host.Box(7)})) == "[SInt32 7]");
     CHECK(host.CallCount("object array get") == 1);
 }
+
+TEST_CASE("Elements of a host that shows them are read in place: no element function is asked") {
+    ValueSession session;
+    auto &host = session.Host();
+    CHECK(session.TextInCore(host.NewArray("string", {"a"})) == "[\"a\"]");
+    CHECK(host.CallCount("string array get") == 0);
+    CHECK(session.TextInCore(host.NewArray("variant", {host.Box(7)})) == "[SInt32 7]");
+    CHECK(host.CallCount("object array get") == 0);
+}

@@ -162,6 +162,15 @@ TEST_CASE("Without a constructor a date's six properties are set, year to second
                                           setter + "(\"Minute\", 30)", setter + "(\"Second\", 59)"});
 }
 
+TEST_CASE("Each date has its own six fields, constructed or set") {
+    const std::set<std::string, std::less<>> ways[] = {{}, {"REALLoadObjectMethod"}};
+    for (const auto &withheld : ways) {
+        ValueSession session(HostOptions{.withheld = withheld});
+        CHECK(session.TextInHost(CoreDate(kLateInJune)) == "Date 2014-06-30 23:30:59");
+        CHECK(session.TextInHost(CoreDate(0)) == "Date 2001-01-01 00:00:00");
+    }
+}
+
 TEST_CASE("A date that can be neither constructed nor set is a new date as the host makes it") {
     ValueSession session(
         HostOptions{.withheld = {"REALLoadObjectMethod", "REALSetPropValueInteger", "REALSetPropValueInt"}});
