@@ -37,14 +37,22 @@ const CFStringRef *const table[] = {&kMDItemTitle, &kMDItemGPSDOP};
 
 
 class CrossBuild(unittest.TestCase):
-    def setUp(self) -> None:
+    tree: Path
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        """What is made of no source of the product, the stubs of the frameworks, is made once for all tests."""
         folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.tree = Path(folder.name, "tree")
+        cls.addClassCleanup(folder.cleanup)
+        cls.tree = Path(folder.name, "tree")
         for part in ("platform", "cmake"):
-            shutil.copytree(_TREE / part, self.tree / part)
+            shutil.copytree(_TREE / part, cls.tree / part)
         for part in ("CMakeLists.txt", "CMakePresets.json"):
-            shutil.copy(_TREE / part, self.tree)
+            shutil.copy(_TREE / part, cls.tree)
+
+    def setUp(self) -> None:
+        for folder in ("plugin", "dist"):
+            shutil.rmtree(self.tree / folder, ignore_errors=True)
         (self.tree / "plugin").mkdir()
         shutil.copy(_TREE / "plugin" / "Info.plist.in", self.tree / "plugin")
         self.library = self.tree / "dist" / "Spotlight.dylib"
