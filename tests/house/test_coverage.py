@@ -23,6 +23,11 @@ def _summary(**rooms: tuple[int, int]) -> object:
 
 
 class Coverage(unittest.TestCase):
+    def test_a_file_named_from_the_build_folder_up_belongs_to_its_room(self) -> None:
+        summary = _summary(host=(1, 1))
+        summary["data"][0]["files"][0]["filename"] = f"{_TREE}/build/coverage/../../host/file.cpp"
+        self.assertEqual(set(coverage.shares(_TREE, summary)), {"host", "all"})
+
     def test_each_room_has_its_line_and_all_of_them_together(self) -> None:
         found = coverage.shares(
             _TREE, _summary(plugin=(100, 99), host=(98, 97), convert=(100, 100), spotlight=(100, 100))
