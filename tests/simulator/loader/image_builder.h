@@ -41,6 +41,12 @@ public:
     Bytes bindStream;
     Bytes lazyBindStream;
     Bytes exportTree;
+    /// A load command behind all others, as it is.
+    void AddCommand(const Bytes &command) {
+        extraCommands.insert(extraCommands.end(), command.begin(), command.end());
+        ++extraCommandCount;
+    }
+
     Bytes extraCommands;
     uint32_t extraCommandCount = 0;
     macho::Header header{macho::kMagic32, macho::kCpuTypeI386, 3, macho::kFileTypeDylib, 0, 0, 0x85};

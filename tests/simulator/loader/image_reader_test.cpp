@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <random>
+#include <span>
 
 namespace sim::loader {
 namespace {
@@ -40,6 +41,22 @@ template <class Record> Bytes Command(Record record) {
     return bytes;
 }
 
+// One thing wrong with the full image, and what is said of it.
+struct Fault {
+    const char *what;
+    void (*change)(ImageBuilder &builder);
+    std::string said;
+};
+
+void CheckFaults(std::span<const Fault> faults) {
+    for (const Fault &fault : faults) {
+        CAPTURE(fault.what);
+        ImageBuilder builder = FullImage();
+        fault.change(builder);
+        CHECK(FaultIn(builder.Build()) == "file: " + fault.said);
+    }
+}
+
 TEST_CASE("A library is read into plain data") {
     const Image image = ReadImage(FullImage().Build(), "file");
     CHECK(image.installName == "/Own.dylib");
@@ -67,179 +84,154 @@ TEST_CASE("A library is read into plain data") {
 }
 
 TEST_CASE("A file of another kind is refused for what it is") {
-    ImageBuilder builder = FullImage();
-    SUBCASE("64 bits") {
-        builder.header.magic = macho::kMagic64;
-        CHECK(FaultIn(builder.Build()) == "file: is a 64-bit Mach-O file; only 32-bit Intel libraries can be loaded");
-    }
-    SUBCASE("several architectures") {
-        builder.header.magic = macho::kMagicFat;
-        CHECK(FaultIn(builder.Build()) == "file: holds several architectures; extract the i386 one first");
-    }
-    SUBCASE("no Mach-O") {
-        builder.header.magic = 0;
-        CHECK(FaultIn(builder.Build()) == "file: is not a Mach-O file");
-    }
-    SUBCASE("another processor") {
-        builder.header.cpuType = 18;
-        CHECK(FaultIn(builder.Build()) == "file: is for processor type 18, not for i386");
-    }
-    SUBCASE("a program") {
-        builder.header.fileType = 2;
-        CHECK(FaultIn(builder.Build()) == "file: is of file type 2, not a dynamic library");
-    }
-    SUBCASE("nothing") { CHECK(FaultIn({}) == "file: is not a Mach-O file"); }
-    SUBCASE("a beginning") {
-        const Bytes whole = builder.Build();
-        CHECK(FaultIn({whole.begin(), whole.begin() + 20}) == "file: the header ends too early");
-    }
+    static const Fault faults[] = {
+        {"64 bits", [](auto &image) { image.header.magic = macho::kMagic64; },
+         "is a 64-bit Mach-O file; only 32-bit Intel libraries can be loaded"},
+        {"several architectures", [](auto &image) { image.header.magic = macho::kMagicFat; },
+         "holds several architectures; extract the i386 one first"},
+        {"no Mach-O", [](auto &image) { image.header.magic = 0; }, "is not a Mach-O file"},
+        {"another processor", [](auto &image) { image.header.cpuType = 18; }, "is for processor type 18, not for i386"},
+        {"a program", [](auto &image) { image.header.fileType = 2; }, "is of file type 2, not a dynamic library"},
+    };
+    CheckFaults(faults);
+    CHECK(FaultIn({}) == "file: is not a Mach-O file");
+    const Bytes whole = FullImage().Build();
+    CHECK(FaultIn({whole.begin(), whole.begin() + 20}) == "file: the header ends too early");
 }
 
 TEST_CASE("Load commands that lie about sizes, places or each other are refused") {
-    ImageBuilder builder = FullImage();
-    SUBCASE("commands past the file") {
-        builder.header.commandBytes = 0x10000;
-        CHECK(FaultIn(builder.Build()) == "file: the load commands end after the file");
-    }
-    SUBCASE("more commands than there are") {
-        builder.header.commandCount = 100;
-        CHECK(FaultIn(builder.Build()) == "file: the list of load commands ends too early");
-    }
-    SUBCASE("a command of no size") {
-        builder.extraCommands = {0x1B, 0, 0, 0, 0, 0, 0, 0};
-        builder.extraCommandCount = 1;
-        CHECK(FaultIn(builder.Build()) == "file: load command 7 has the impossible size 0");
-    }
-    SUBCASE("a command larger than the rest") {
-        builder.extraCommands = {0x1B, 0, 0, 0, 12, 0, 0, 0};
-        builder.extraCommandCount = 1;
-        CHECK(FaultIn(builder.Build()) == "file: load command 7 has the impossible size 12");
-    }
-    SUBCASE("a library whose name lies elsewhere") {
-        builder.extraCommands = Command(macho::DylibCommand{macho::kLoadDylib, 0, 400, 0, 0, 0});
-        builder.extraCommandCount = 1;
-        CHECK(FaultIn(builder.Build()) == "file: a library command points past its end");
-    }
-    SUBCASE("a library whose name does not end") {
-        builder.extraCommands = Command(macho::DylibCommand{macho::kLoadDylib, 0, 20, 0, 0, 0x01010101});
-        builder.extraCommandCount = 1;
-        CHECK(FaultIn(builder.Build()) == "file: a library command ends inside a string");
-    }
-    SUBCASE("a segment past the file") {
-        builder.data.fileOffset = 0x2800;
-        CHECK(FaultIn(builder.Build()) == "file: segment __DATA ends after the file");
-    }
-    SUBCASE("a segment with more contents than room") {
-        builder.data.memorySize = 0x800;
-        CHECK(FaultIn(builder.Build()) == "file: segment __DATA has more contents than room");
-    }
-    SUBCASE("a segment between pages") {
-        builder.data.address = 0x1010;
-        CHECK(FaultIn(builder.Build()) == "file: segment __DATA does not begin on a page");
-    }
-    SUBCASE("a segment past the last address") {
-        builder.linkEdit.address = 0xFFFFF000;
-        builder.linkEdit.memorySize = 0x2000;
-        CHECK(FaultIn(builder.Build()) == "file: segment __LINKEDIT ends past the last address");
-    }
-    SUBCASE("segments on top of each other") {
-        builder.text.memorySize = 0x1001;
-        CHECK(FaultIn(builder.Build()) == "file: segments __TEXT and __DATA overlap");
-    }
-    SUBCASE("an image all over memory") {
-        builder.linkEdit.address = 0x80000000;
-        CHECK(FaultIn(builder.Build()) == "file: spreads over 2147487744 bytes of memory, more than is reasonable");
-    }
-    SUBCASE("a first segment without the header") {
-        builder.text.fileOffset = 0x1000;
-        CHECK(FaultIn(builder.Build()) == "file: the first segment does not hold the header");
-    }
-    SUBCASE("more sections than the command has room for") {
-        builder.data.sectionCount = 1;
-        CHECK(FaultIn(builder.Build()) == "file: a segment command ends too early");
-    }
-    SUBCASE("two sets of linking information") {
-        builder.extraCommands = Command(builder.dyldInfo);
-        builder.extraCommandCount = 1;
-        CHECK(FaultIn(builder.Build()) == "file: has two commands with dynamic linking information");
-    }
-    SUBCASE("streams past the file") {
-        builder.dyldInfo.bindOffset = 0x2FFF;
-        builder.dyldInfo.bindSize = 2;
-        CHECK(FaultIn(builder.Build()) == "file: the bind stream ends after the file");
-    }
+    static const Fault faults[] = {
+        {"commands past the file", [](auto &image) { image.header.commandBytes = 0x10000; },
+         "the load commands end after the file"},
+        {"more commands than there are", [](auto &image) { image.header.commandCount = 100; },
+         "the list of load commands ends too early"},
+        {"a command of no size",
+         [](auto &image) {
+             image.AddCommand({0x1B, 0, 0, 0, 0, 0, 0, 0});
+         },
+         "load command 7 has the impossible size 0"},
+        {"a command larger than the rest",
+         [](auto &image) {
+             image.AddCommand({0x1B, 0, 0, 0, 12, 0, 0, 0});
+         },
+         "load command 7 has the impossible size 12"},
+        {"a library whose name lies elsewhere",
+         [](auto &image) {
+             image.AddCommand(Command(macho::DylibCommand{macho::kLoadDylib, 0, 400, 0, 0, 0}));
+         },
+         "a library command points past its end"},
+        {"a library whose name does not end",
+         [](auto &image) {
+             image.AddCommand(Command(macho::DylibCommand{macho::kLoadDylib, 0, 20, 0, 0, 0x01010101}));
+         },
+         "a library command ends inside a string"},
+        {"a segment past the file", [](auto &image) { image.data.fileOffset = 0x2800; },
+         "segment __DATA ends after the file"},
+        {"a segment with more contents than room", [](auto &image) { image.data.memorySize = 0x800; },
+         "segment __DATA has more contents than room"},
+        {"a segment between pages", [](auto &image) { image.data.address = 0x1010; },
+         "segment __DATA does not begin on a page"},
+        {"a segment past the last address",
+         [](auto &image) {
+             image.linkEdit.address = 0xFFFFF000;
+             image.linkEdit.memorySize = 0x2000;
+         },
+         "segment __LINKEDIT ends past the last address"},
+        {"segments on top of each other", [](auto &image) { image.text.memorySize = 0x1001; },
+         "segments __TEXT and __DATA overlap"},
+        {"an image all over memory", [](auto &image) { image.linkEdit.address = 0x80000000; },
+         "spreads over 2147487744 bytes of memory, more than is reasonable"},
+        {"a first segment without the header", [](auto &image) { image.text.fileOffset = 0x1000; },
+         "the first segment does not hold the header"},
+        {"more sections than the command has room for", [](auto &image) { image.data.sectionCount = 1; },
+         "a segment command ends too early"},
+        {"two sets of linking information", [](auto &image) { image.AddCommand(Command(image.dyldInfo)); },
+         "has two commands with dynamic linking information"},
+        {"streams past the file",
+         [](auto &image) {
+             image.dyldInfo.bindOffset = 0x2FFF;
+             image.dyldInfo.bindSize = 2;
+         },
+         "the bind stream ends after the file"},
+    };
+    CheckFaults(faults);
 }
 
 TEST_CASE("What is not modelled is refused, not passed over") {
-    ImageBuilder builder = FullImage();
-    builder.extraCommandCount = 1;
-    SUBCASE("an unknown command that must be obeyed") {
-        builder.extraCommands = Command(macho::CommandHeader{0x33 | macho::kCommandRequired, 0});
-        CHECK(FaultIn(builder.Build()) == "file: has load command 51, which must be obeyed and is not modelled");
-    }
-    SUBCASE("relocation tables") {
-        macho::DynamicSymbolTableCommand table{};
-        table.command = macho::kDynamicSymbolTable;
-        table.localRelocationCount = 1;
-        builder.extraCommands = Command(table);
-        CHECK(FaultIn(builder.Build()) == "file: has relocation tables, which are not modelled");
-    }
-    SUBCASE("coalesced symbols") {
-        builder.extraCommandCount = 0;
-        builder.dyldInfo.weakBindOffset = ImageBuilder::kLinkEdit;
-        builder.dyldInfo.weakBindSize = 1;
-        CHECK(FaultIn(builder.Build()) ==
-              "file: has symbols to be coalesced with other images', which is not modelled");
-    }
-    SUBCASE("symbol stubs") {
-        builder.extraCommandCount = 0;
-        macho::SectionRecord stubs{};
-        std::memcpy(stubs.name, "__stubs", 7);
-        std::memcpy(stubs.segmentName, "__DATA", 6);
-        stubs.address = ImageBuilder::kData;
-        stubs.size = 6;
-        stubs.flags = macho::kSectionSymbolStubs;
-        builder.dataSections = {stubs};
-        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__stubs holds symbol stubs; 32-bit ones jump to "
-                                          "fixed addresses and cannot be moved");
-    }
+    static const Fault faults[] = {
+        {"an unknown command that must be obeyed",
+         [](auto &image) {
+             image.AddCommand(Command(macho::CommandHeader{0x33 | macho::kCommandRequired, 0}));
+         },
+         "has load command 51, which must be obeyed and is not modelled"},
+        {"relocation tables",
+         [](auto &image) {
+             macho::DynamicSymbolTableCommand table{};
+             table.command = macho::kDynamicSymbolTable;
+             table.localRelocationCount = 1;
+             image.AddCommand(Command(table));
+         },
+         "has relocation tables, which are not modelled"},
+        {"coalesced symbols",
+         [](auto &image) {
+             image.dyldInfo.weakBindOffset = ImageBuilder::kLinkEdit;
+             image.dyldInfo.weakBindSize = 1;
+         },
+         "has symbols to be coalesced with other images', which is not modelled"},
+        {"symbol stubs",
+         [](auto &image) {
+             macho::SectionRecord stubs{};
+             std::memcpy(stubs.name, "__stubs", 7);
+             std::memcpy(stubs.segmentName, "__DATA", 6);
+             stubs.address = ImageBuilder::kData;
+             stubs.size = 6;
+             stubs.flags = macho::kSectionSymbolStubs;
+             image.dataSections = {stubs};
+         },
+         "section __DATA,__stubs holds symbol stubs; 32-bit ones jump to "
+         "fixed addresses and cannot be moved"},
+    };
+    CheckFaults(faults);
 }
 
 TEST_CASE("An unknown command that need not be obeyed is passed over") {
     ImageBuilder builder = FullImage();
-    builder.extraCommands = Command(macho::CommandHeader{0x33, 0});
-    builder.extraCommandCount = 1;
+    builder.AddCommand(Command(macho::CommandHeader{0x33, 0}));
     CHECK(FaultIn(builder.Build()) == "");
 }
 
 TEST_CASE("A section must lie in its segment and in its segment's contents") {
-    ImageBuilder builder = FullImage();
-    macho::SectionRecord section{};
-    std::memcpy(section.name, "__data", 6);
-    std::memcpy(section.segmentName, "__DATA", 6);
-    section.address = ImageBuilder::kData + 0x800;
-    section.size = 0x1000;
-    SUBCASE("past the segment") {
+    const struct {
+        const char *what;
+        uint32_t address = ImageBuilder::kData + 0x800;
+        uint32_t flags = 0;
+        bool hasRoom = false;
+        const char *said;
+    } rows[] = {
+        {.what = "past the segment", .said = "file: section __DATA,__data lies outside its segment"},
+        {.what = "before the segment",
+         .address = 0x100,
+         .said = "file: section __DATA,__data lies outside its segment"},
+        {.what = "past the contents",
+         .hasRoom = true,
+         .said = "file: section __DATA,__data lies outside the contents of its segment"},
+        {.what = "zeros have no contents", .flags = macho::kSectionZeroFill, .hasRoom = true, .said = ""},
+    };
+    for (const auto &row : rows) {
+        CAPTURE(row.what);
+        ImageBuilder builder = FullImage();
+        macho::SectionRecord section{};
+        std::memcpy(section.name, "__data", 6);
+        std::memcpy(section.segmentName, "__DATA", 6);
+        section.address = row.address;
+        section.size = 0x1000;
+        section.flags = row.flags;
         builder.dataSections = {section};
-        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__data lies outside its segment");
-    }
-    SUBCASE("before the segment") {
-        section.address = 0x100;
-        builder.dataSections = {section};
-        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__data lies outside its segment");
-    }
-    SUBCASE("past the contents") {
-        builder.data.memorySize = 0x2000;
-        builder.linkEdit.address = 0x3000;
-        builder.dataSections = {section};
-        CHECK(FaultIn(builder.Build()) == "file: section __DATA,__data lies outside the contents of its segment");
-    }
-    SUBCASE("zeros have no contents") {
-        builder.data.memorySize = 0x2000;
-        builder.linkEdit.address = 0x3000;
-        section.flags = macho::kSectionZeroFill;
-        builder.dataSections = {section};
-        CHECK(FaultIn(builder.Build()) == "");
+        if (row.hasRoom) {
+            builder.data.memorySize = 0x2000;
+            builder.linkEdit.address = 0x3000;
+        }
+        CHECK(FaultIn(builder.Build()) == row.said);
     }
 }
 
@@ -251,8 +243,7 @@ struct WithSymbols {
         {1, macho::kSymbolInSection, 1, 0, 0x810}, {6, 0x01, 0, 0, 0}, {11, 0x24, 1, 0, 0x820}};
 
     Bytes Build() {
-        builder.extraCommands = Command(table);
-        builder.extraCommandCount = 1;
+        builder.AddCommand(Command(table));
         Bytes bytes = builder.Build();
         std::memcpy(bytes.data() + 0x2800, records, sizeof records);
         std::memcpy(bytes.data() + 0x2900, "\0_one\0_two\0_bug", 16);
@@ -268,26 +259,27 @@ TEST_CASE("Of the symbols those are kept that the image itself defines") {
 }
 
 TEST_CASE("A symbol table that reaches past the file or its names is refused") {
-    WithSymbols image;
-    SUBCASE("records") {
-        image.table.symbolCount = 0x1000;
-        CHECK(FaultIn(image.Build()) == "file: the symbol table ends after the file");
-    }
-    SUBCASE("records beyond counting") {
-        image.table.symbolCount = 0x80000001;
-        CHECK(FaultIn(image.Build()) == "file: the symbol table ends after the file");
-    }
-    SUBCASE("names") {
-        image.table.stringSize = 0x1000;
-        CHECK(FaultIn(image.Build()) == "file: the list of symbol names ends after the file");
-    }
-    SUBCASE("a name") {
-        image.records[0].nameOffset = 33;
-        CHECK(FaultIn(image.Build()) == "file: the list of symbol names points past its end");
-    }
-    SUBCASE("the end of a name") {
-        image.table.stringSize = 4;
-        CHECK(FaultIn(image.Build()) == "file: the list of symbol names ends inside a string");
+    const struct {
+        const char *what;
+        void (*change)(WithSymbols &image);
+        const char *said;
+    } rows[] = {
+        {"records", [](auto &image) { image.table.symbolCount = 0x1000; },
+         "file: the symbol table ends after the file"},
+        {"records beyond counting", [](auto &image) { image.table.symbolCount = 0x80000001; },
+         "file: the symbol table ends after the file"},
+        {"names", [](auto &image) { image.table.stringSize = 0x1000; },
+         "file: the list of symbol names ends after the file"},
+        {"a name", [](auto &image) { image.records[0].nameOffset = 33; },
+         "file: the list of symbol names points past its end"},
+        {"the end of a name", [](auto &image) { image.table.stringSize = 4; },
+         "file: the list of symbol names ends inside a string"},
+    };
+    for (const auto &row : rows) {
+        CAPTURE(row.what);
+        WithSymbols image;
+        row.change(image);
+        CHECK(FaultIn(image.Build()) == row.said);
     }
 }
 
