@@ -1,16 +1,18 @@
 // The order in which a conversion calls the host and the system, with what it tells them: what is held while it is
 // read, what is given up when, and what reaches a service unchanged.
-#include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
 #include "tests/support/call_log.h"
+#include "tests/support/temporary_folder.h"
 
 #include "simulator/macos/control/faults.h"
+#include "tests/support/host_ages.h"
 
 #include <doctest/doctest.h>
 
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Value;
+using tests::AtAges;
 using tests::CallLines;
 using tests::CallLog;
 using tests::CoreArray;
@@ -18,7 +20,7 @@ using tests::CoreDictionary;
 using tests::CoreInteger;
 using tests::CoreText;
 using tests::CoreValue;
-using tests::ScratchFolder;
+using tests::TemporaryFolder;
 using tests::ValueSession;
 
 namespace {
@@ -107,8 +109,7 @@ TEST_CASE("A Dictionary is read pair by pair: key, value, both converted, stored
 }
 
 TEST_CASE("A variant array is made for all its elements, and each is read, converted and appended in its turn") {
-    for (const double version : {2013.04, 2016.1}) {
-        CAPTURE(version);
+    AtAges({2013.04, 2016.1}, [&](double version) {
         ValueSession session(version);
         const Object array = session.Host().NewArray("variant", {"a", 2});
         CallLog log(session);
@@ -127,7 +128,7 @@ TEST_CASE("A variant array is made for all its elements, and each is read, conve
         CHECK(found.front() == "RuntimeUBound(variant()[2])"); // how many there are
         found.erase(found.begin());
         CHECK(found == expected);
-    }
+    });
 }
 
 TEST_CASE("A string of a list is read, converted, appended and given up before the next is read") {
@@ -240,8 +241,7 @@ TEST_CASE("A memory block without bytes is given up before the exception is made
 }
 
 TEST_CASE("An array is made whole, and each element is converted, stored where it belongs, and given up") {
-    for (const double version : {2013.04, 2016.1}) {
-        CAPTURE(version);
+    AtAges({2013.04, 2016.1}, [&](double version) {
         ValueSession session(version);
         const CoreValue list = CoreArray({CoreInteger(1), tests::CoreTruth(true)});
         CallLog log(session);
@@ -254,7 +254,7 @@ TEST_CASE("An array is made whole, and each element is converted, stored where i
                                  "RuntimeUBound(variant()[2])", store, "REALUnlockObject(variant)",
                                  "BooleanToVariant(1)", "RuntimeUBound(variant()[2])", store,
                                  "REALUnlockObject(variant)"});
-    }
+    });
 }
 
 TEST_CASE("A CFDictionary's pair is stored by its setter before the key is given up, and the value after it") {
@@ -271,7 +271,7 @@ TEST_CASE("A CFDictionary's pair is stored by its setter before the key is given
 }
 
 TEST_CASE("A file's catalogue is asked for its number and parent, for its name, and whether the parent is there") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const CoreValue url = tests::CoreFileURL(folder.File("file"));
     ValueSession session;
     CallLog log(session);
@@ -296,7 +296,7 @@ TEST_CASE("The parent of a volume's root is cleared, whatever the system says it
 }
 
 TEST_CASE("A folder item is asked for its own reference without a name, and only then for its folder and name") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     const Object fresh = session.Host().NewFolderItem(folder.PathOf("n\u00E9w"));
     CallLog log(session);

@@ -1,6 +1,8 @@
 // Host dates on their way to Core Foundation: which fields are read and in what order, what they are taken to mean, and
 // what becomes of a date that cannot be read.
 #include "tests/convert/value_session.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <doctest/doctest.h>
 
@@ -10,7 +12,9 @@
 using sim::host::DateFields;
 using sim::host::HostOptions;
 using sim::host::Object;
+using tests::AtAges;
 using tests::CoreValue;
+using tests::Fault;
 using tests::ValueSession;
 
 namespace {
@@ -155,17 +159,15 @@ TEST_CASE("A host with neither integer getter has no dates to give") {
 TEST_CASE("Where Core Foundation makes no date, there is none") {
     ValueSession session;
     const Object date = session.Host().NewDate({2014, 6, 30, 23, 30, 59});
-    sim::macos::faults::Reset();
-    sim::macos::faults::FailEvery("CFDateCreate");
+    const Fault fault("CFDateCreate");
     CHECK_FALSE(session.FromHost(date));
-    CHECK(sim::macos::faults::Failed() == 1);
-    sim::macos::faults::Reset();
+    CHECK(fault.Failed() == 1);
 }
 
 TEST_CASE("Dates are read on hosts of every age") {
-    for (const std::optional<double> age :
-         {std::optional<double>(), std::optional(2011.4), std::optional(2012.5), std::optional(2016.1)}) {
-        ValueSession session(HostOptions{.version = age});
-        CHECK(TimeOf(session.FromHost(session.Host().NewDate({2014, 6, 30, 23, 30, 59}))) == 425863859.0);
-    }
+    AtAges(std::initializer_list<std::optional<double>>{std::nullopt, 2011.4, 2012.5, 2016.1},
+           [&](std::optional<double> age) {
+               ValueSession session(HostOptions{.version = age});
+               CHECK(TimeOf(session.FromHost(session.Host().NewDate({2014, 6, 30, 23, 30, 59}))) == 425863859.0);
+           });
 }

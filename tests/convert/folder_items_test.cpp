@@ -1,17 +1,20 @@
 // Host folder items on their way to file URLs: items that exist, items that do not yet, and items that never could. The
 // URL is the one that arrives in the search scope of a query.
 #include "simulator/macos/CoreServices/metadata/query/query_scope.h"
-#include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
 #include <bit>
 
-namespace faults = sim::macos::faults;
 using sim::host::HostOptions;
 using sim::host::Object;
-using tests::ScratchFolder;
+using tests::AtAges;
+using tests::Fault;
+using tests::TemporaryFolder;
 using tests::ValueSession;
 
 namespace {
@@ -49,7 +52,7 @@ std::string FileURL(const std::string &escapedPath) { return "file://" + escaped
 } // namespace
 
 TEST_CASE("A folder item of an existing file gives its URL, at the first question") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     ValueSession session;
     CHECK(URLOf(session, path) == FileURL(path));
@@ -57,21 +60,21 @@ TEST_CASE("A folder item of an existing file gives its URL, at the first questio
 }
 
 TEST_CASE("A folder item of an existing folder gives a folder's URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     CHECK(URLOf(session, folder.Path()) == FileURL(folder.Path() + "/"));
     CHECK(URLOf(session, "/") == "file:///");
 }
 
 TEST_CASE("A folder item of a file that does not exist yet gives the folder's URL with the name appended") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     CHECK(URLOf(session, folder.PathOf("new file.txt")) == FileURL(folder.PathOf("new%20file.txt")));
     CHECK(session.Host().CallCount(kService) == 2);
 }
 
 TEST_CASE("The name of a file that does not exist yet, written in precomposed form, is appended in form D") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     CHECK(URLOf(session, folder.PathOf("n\u00E9w")) == FileURL(folder.PathOf("ne%CC%81w")));
     CHECK(URLOf(session, folder.PathOf("ne\u0301w")) == FileURL(folder.PathOf("ne%CC%81w")));
@@ -82,14 +85,14 @@ TEST_CASE("The name of a file that does not exist yet, written in precomposed fo
 }
 
 TEST_CASE("The name of an existing file stays as the file system has it") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("n\u00E9w");
     ValueSession session;
     CHECK(URLOf(session, path) == FileURL(folder.PathOf("n%C3%A9w")));
 }
 
 TEST_CASE("A folder item whose parent folder does not exist either gives no URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     CHECK(URLOf(session, folder.PathOf("missing/file.txt")) == "none");
     CHECK(session.Host().CallCount(kService) == 2);
@@ -101,14 +104,14 @@ TEST_CASE("A folder item that names nothing gives no URL") {
 }
 
 TEST_CASE("A folder item in a file that is no folder gives no URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     ValueSession session;
     CHECK(URLOf(session, path + "/inside/deeper") == "none");
 }
 
 TEST_CASE("A name as long as the record holds is appended, and a longer one gives no URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     const std::string longest(255, 'n');
     CHECK(URLOf(session, folder.PathOf(longest)) == FileURL(folder.PathOf(longest)));
@@ -116,7 +119,7 @@ TEST_CASE("A name as long as the record holds is appended, and a longer one give
 }
 
 TEST_CASE("A name with half of a surrogate pair in it gives no URL, and whole pairs are appended") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     const auto urlOf = [&](std::u16string_view name) {
         const Object query = NewQuery(session);
@@ -150,7 +153,7 @@ TEST_CASE("A name with half of a surrogate pair in it gives no URL, and whole pa
 }
 
 TEST_CASE("A host without \"REALFSRefFromFolderItem\" gives no URLs, and is asked again for each try") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session(HostOptions{.withheld = {kService}});
     CHECK(URLOf(session, folder.Path()) == "none");
     CHECK(session.Host().RequestCount(kService) == 2);
@@ -159,7 +162,7 @@ TEST_CASE("A host without \"REALFSRefFromFolderItem\" gives no URLs, and is aske
 }
 
 TEST_CASE("A host that gives no reference at the first question is asked for folder and name") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     ValueSession session;
     session.Host().ReturnNothing(kService, 1, 1);
@@ -168,7 +171,7 @@ TEST_CASE("A host that gives no reference at the first question is asked for fol
 }
 
 TEST_CASE("A host that gives no reference at either question gives no URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
     session.Host().ReturnNothing(kService);
     CHECK(URLOf(session, folder.Path()) == "none");
@@ -176,59 +179,49 @@ TEST_CASE("A host that gives no reference at either question gives no URL") {
 }
 
 TEST_CASE("A reference that yields no URL is as good as none: folder and name are asked for") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     ValueSession session;
-    faults::Reset();
-    faults::FailCall("CFURLCreateFromFSRef", 1);
+    const Fault fault("CFURLCreateFromFSRef", 1);
     CHECK(URLOf(session, path) == FileURL(path));
-    CHECK(faults::Failed() == 1);
+    CHECK(fault.Failed() == 1);
     CHECK(session.Host().CallCount(kService) == 2);
-    faults::Reset();
 }
 
 TEST_CASE("A folder that yields no URL gives none") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
-    faults::Reset();
-    faults::FailEvery("CFURLCreateFromFSRef");
+    const Fault fault("CFURLCreateFromFSRef");
     CHECK(URLOf(session, folder.PathOf("new")) == "none");
-    CHECK(faults::Failed() == 1);
-    faults::Reset();
+    CHECK(fault.Failed() == 1);
 }
 
 TEST_CASE("A name of which no CFString can be made gives no URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
-    faults::Reset();
-    faults::FailEvery("CFStringCreateWithCharacters");
+    const Fault fault("CFStringCreateWithCharacters");
     CHECK(URLOf(session, folder.PathOf("new")) == "none");
-    CHECK(faults::Failed() == 1);
-    faults::Reset();
+    CHECK(fault.Failed() == 1);
 }
 
 TEST_CASE("A name of which no mutable copy can be made is appended as it is written") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
-    faults::Reset();
-    faults::FailEvery("CFStringCreateMutableCopy");
+    const Fault fault("CFStringCreateMutableCopy");
     CHECK(URLOf(session, folder.PathOf("n\u00E9w")) == FileURL(folder.PathOf("n%C3%A9w")));
-    CHECK(faults::Failed() == 1);
-    faults::Reset();
+    CHECK(fault.Failed() == 1);
 }
 
 TEST_CASE("A name that cannot be appended gives no URL") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     ValueSession session;
-    faults::Reset();
-    faults::FailEvery("CFURLCreateCopyAppendingPathComponent");
+    const Fault fault("CFURLCreateCopyAppendingPathComponent");
     CHECK(URLOf(session, folder.PathOf("new")) == "none");
-    CHECK(faults::Failed() == 1);
-    faults::Reset();
+    CHECK(fault.Failed() == 1);
 }
 
 TEST_CASE("Each creation that fails on the way of an existing and of a new item leaves nothing behind") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     folder.File("file.txt");
     size_t failures = 0;
     for (size_t n = 1; n == failures + 1; n++) {
@@ -238,29 +231,27 @@ TEST_CASE("Each creation that fails on the way of an existing and of a new item 
         const Object items = session.Host().NewArray("folderitem");
         items.Append(session.Host().NewFolderItem(folder.PathOf("file.txt")));
         items.Append(session.Host().NewFolderItem(folder.PathOf("n\u00E9w")));
-        faults::Reset();
-        faults::FailCall(n);
+        const Fault fault(n);
         query.CallWith("SetSearchScope", {items, nullptr});
-        failures += faults::Failed();
-        faults::Reset();
+        failures += fault.Failed();
         CHECK(session.TakeException() == "");
     }
     CHECK(failures >= 6);
 }
 
 TEST_CASE("Folder items become URLs on hosts of every age, nil ones being left out") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
-    for (const std::optional<double> age :
-         {std::optional<double>(), std::optional(2011.4), std::optional(2012.5), std::optional(2016.1)}) {
-        ValueSession session(HostOptions{.version = age});
-        CHECK(ScopeOf(session, {path, "", folder.Path()}) ==
-              std::vector<std::string>{FileURL(path), FileURL(folder.Path() + "/")});
-    }
+    AtAges(std::initializer_list<std::optional<double>>{std::nullopt, 2011.4, 2012.5, 2016.1},
+           [&](std::optional<double> age) {
+               ValueSession session(HostOptions{.version = age});
+               CHECK(ScopeOf(session, {path, "", folder.Path()}) ==
+                     std::vector<std::string>{FileURL(path), FileURL(folder.Path() + "/")});
+           });
 }
 
 TEST_CASE("An item is constructed through a folder item of an existing file, and of none else") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     ValueSession session;
     const auto construct = [&](const std::string &of) {

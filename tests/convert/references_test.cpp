@@ -1,6 +1,7 @@
 // References balance whatever fails: each creation of the system in turn, each service of the host missing in turn, and
 // each single call of a service giving nothing or throwing.
 #include "tests/convert/whole_values.h"
+#include "tests/support/fault.h"
 
 #include <doctest/doctest.h>
 
@@ -8,12 +9,12 @@
 
 using sim::host::Value;
 using tests::CoreValue;
+using tests::Fault;
 using tests::HostKind;
 using tests::kHostKinds;
 using tests::OptionsOf;
-using tests::ScratchFolder;
+using tests::TemporaryFolder;
 
-namespace faults = sim::macos::faults;
 namespace ledger = sim::macos::ledger;
 
 namespace {
@@ -40,7 +41,7 @@ struct Values {
         return lines;
     }
 
-    ScratchFolder folder;
+    TemporaryFolder folder;
     sim::Session session;
     sim::host::Object item;
     Value value;
@@ -100,16 +101,15 @@ TEST_CASE("Each creation of the system failing in turn leaves every reference wh
     OnEveryHost([](const HostKind &kind) {
         Values values(kind);
         size_t n = 0;
-        do {
-            faults::Reset();
-            faults::FailCall(++n);
+        for (bool hasFailed = true; hasFailed;) {
+            const Fault fault(++n);
             CAPTURE(n);
             const auto before = ledger::Take();
             values.Convert();
             CheckBalanced(values, before);
             CHECK(values.session.Host().TakeRaised().empty());
-        } while (faults::Failed() > 0);
-        faults::Reset();
+            hasFailed = fault.Failed() > 0;
+        }
         CHECK(n > 60);
     });
 }
@@ -117,15 +117,13 @@ TEST_CASE("Each creation of the system failing in turn leaves every reference wh
 TEST_CASE("All creations of one kind failing at once leave every reference where it was") {
     OnEveryHost([](const HostKind &kind) {
         Values values(kind);
-        for (const std::string &function : faults::Names()) {
+        for (const std::string &function : sim::macos::faults::Names()) {
             CAPTURE(function);
-            faults::Reset();
-            faults::FailEvery(function);
+            const Fault fault(function);
             const auto before = ledger::Take();
             values.Convert();
             CheckBalanced(values, before);
         }
-        faults::Reset();
     });
 }
 

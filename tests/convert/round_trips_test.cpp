@@ -1,6 +1,6 @@
 // There and back: what a value has become after both directions, and that nothing more changes after that.
-#include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
+#include "tests/support/temporary_folder.h"
 
 #include "simulator/macos/ApplicationServices/colors.h"
 
@@ -33,7 +33,7 @@ std::string BackAndThere(ValueSession &session, const CoreValue &value) {
 TEST_CASE("A host value comes back from Core Foundation as it went") {
     ValueSession session;
     auto &host = session.Host();
-    const tests::ScratchFolder folder;
+    const tests::TemporaryFolder folder;
     const auto check = [&](const char *kind, const Value &value) {
         SUBCASE(kind) { CHECK(ThereAndBack(session, value) == tests::TextOf(value)); }
     };
@@ -97,7 +97,7 @@ TEST_CASE("A wrapper whose class is not read back becomes nothing") {
 
 TEST_CASE("A Core Foundation value comes back from the host as it went") {
     ValueSession session;
-    const tests::ScratchFolder folder;
+    const tests::TemporaryFolder folder;
     const auto check = [&](const char *kind, const CoreValue &value) {
         SUBCASE(kind) { CHECK(BackAndThere(session, value) == tests::TextOf(value)); }
     };

@@ -1,23 +1,24 @@
 // String arrays in both directions: from a host program into a query's value list, and out of it again.
 #include "tests/convert/value_session.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <CoreServices/CoreServices.h>
 #include <doctest/doctest.h>
 
 #include <bit>
 
-namespace faults = sim::macos::faults;
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Text;
 using sim::host::Value;
+using tests::AtEveryAge;
+using tests::Fault;
 using tests::ValueSession;
 
 namespace {
 
 constexpr const char *kEverything = "kMDItemFSName == \"*\"";
-
-const std::optional<double> kAges[] = {std::nullopt, 2011.4, 2012.5, 2013.04, 2015.99, 2016.0, 3000.0};
 
 Object QueryWith(ValueSession &session, const Value &valueList) {
     Object query = session.Host().Create("MDQueryQTX");
@@ -49,9 +50,8 @@ using Texts = std::vector<std::string>;
 } // namespace
 
 TEST_CASE("A host string array becomes a CFArray of its strings in their order, on hosts of every age") {
-    for (const auto &age : kAges)
+    AtEveryAge([&](std::optional<double> age) {
         for (const bool shown : {false, true}) {
-            CAPTURE(age.value_or(-1));
             HostOptions options{.version = age};
             options.directArrayStorage = shown;
             ValueSession session(options);
@@ -59,6 +59,7 @@ TEST_CASE("A host string array becomes a CFArray of its strings in their order, 
             CHECK(InCore(query) == Texts{"one", "zw\u00F6lf", "\U0001F600"});
             CHECK(InHost(query) == std::vector<Value>{"one", "zw\u00F6lf", "\U0001F600"});
         }
+    });
 }
 
 TEST_CASE("A nil array gives no CFArray") {
@@ -69,7 +70,7 @@ TEST_CASE("A nil array gives no CFArray") {
 }
 
 TEST_CASE("A host string array with UBound -1 gives an empty CFArray") {
-    for (const auto &age : kAges) {
+    AtEveryAge([&](std::optional<double> age) {
         ValueSession session(HostOptions{.version = age});
         CHECK(InCore(QueryWith(session, std::vector<Value>{})) == Texts{});
         // An empty array is asked for no element, and unlike no array at all it gives a dictionary.
@@ -78,11 +79,11 @@ TEST_CASE("A host string array with UBound -1 gives an empty CFArray") {
                   .As<Object>()
                   .Entries()
                   .empty());
-    }
+    });
 }
 
 TEST_CASE("A nil string in a host array becomes the empty CFString in its place") {
-    for (const auto &age : kAges)
+    AtEveryAge([&](std::optional<double> age) {
         for (const bool shown : {false, true}) {
             HostOptions options{.version = age};
             options.directArrayStorage = shown;
@@ -90,6 +91,7 @@ TEST_CASE("A nil string in a host array becomes the empty CFString in its place"
             CHECK(InCore(QueryWith(session, std::vector<Value>{nullptr, "one", nullptr, "two"})) ==
                   Texts{"", "one", "", "two"});
         }
+    });
 }
 
 TEST_CASE("An empty string in a host array stays one") {
@@ -111,11 +113,9 @@ TEST_CASE("A string of which Core Foundation makes none becomes the empty CFStri
     options.withheld = {"REALGetStringCFString"};
     ValueSession session(options);
     const Object names = session.Host().NewArray("string", {"one", "two", "three"});
-    faults::Reset();
-    faults::FailCall("CFStringCreateWithBytes", 3); // The first is the query's text.
+    const Fault fault("CFStringCreateWithBytes", 3); // The first is the query's text.
     const Object query = QueryWith(session, Value(names));
-    CHECK(faults::Failed() == 1);
-    faults::Reset();
+    CHECK(fault.Failed() == 1);
     CHECK(InCore(query) == Texts{"one", "", "three"});
 }
 
@@ -124,12 +124,12 @@ TEST_CASE("Where Core Foundation makes no array, there is none, and the method i
     const Object item = session.ItemWith(kCFBooleanTrue);
     const Object query = NewQuery(session);
     const Object names = session.Host().NewArray("string", {"one"});
-    faults::Reset();
-    faults::FailEvery("CFArrayCreateMutable");
-    CHECK(item.CallWith("GetAttributes", {names}).IsNil());
-    CHECK(query.CallWith("SetSortOrder", {names}) == Value(false));
-    CHECK(faults::Failed() == 2);
-    faults::Reset();
+    {
+        const Fault fault("CFArrayCreateMutable");
+        CHECK(item.CallWith("GetAttributes", {names}).IsNil());
+        CHECK(query.CallWith("SetSortOrder", {names}) == Value(false));
+        CHECK(fault.Failed() == 2);
+    }
     CHECK(session.TakeException() == "");
 }
 

@@ -1,8 +1,9 @@
 // URLs on their way to the host: folder items for what exists and what could, text for the rest.
-#include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
+#include "tests/support/temporary_folder.h"
 
 #include "simulator/macos/control/environment.h"
+#include "tests/support/fault.h"
 
 #include <doctest/doctest.h>
 
@@ -10,21 +11,14 @@ using sim::host::HostOptions;
 using tests::CoreFileURL;
 using tests::CoreURL;
 using tests::CoreValue;
-using tests::ScratchFolder;
+using tests::Fault;
+using tests::TemporaryFolder;
 using tests::ValueSession;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
 constexpr const char *kByParent = "REALFolderItemFromParentFSRef";
 constexpr const char *kBySpec = "FolderItemFromFSSpec";
-
-/// Failures planned for the time of a test.
-struct Faults {
-    Faults() { faults::Reset(); }
-    ~Faults() { faults::Reset(); }
-};
 
 /// A decomposed e with an acute accent.
 const std::string kDecomposedName = "cafe\xCC\x81";
@@ -34,7 +28,7 @@ const std::string kComposedName = "caf\xC3\xA9";
 
 TEST_CASE("The URL of an existing file becomes a folder item, by its parent and name") {
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("a b.txt");
     CHECK(session.TextInHost(CoreFileURL(path)) == "FolderItem " + path);
     CHECK(session.TextInHost(CoreFileURL(folder.Path(), true)) == "FolderItem " + folder.Path());
@@ -55,16 +49,15 @@ TEST_CASE("The root of a volume without a host service for specifications become
 }
 
 TEST_CASE("A file whose catalogue entry cannot be read becomes a folder item by its file specification") {
-    const Faults planned;
     // The questions are, in order: the node and the parent, the name, the parent itself.
     for (size_t question = 1; question <= 3; question++) {
         CAPTURE(question);
         ValueSession session;
-        const ScratchFolder folder;
+        const TemporaryFolder folder;
         const std::string path = folder.File("file.txt");
         // The host finds a specification in folders that it has met.
         session.FromHost(session.Host().NewFolderItem(path));
-        faults::FailCall("FSGetCatalogInfo", question);
+        const Fault fault("FSGetCatalogInfo", question);
         CHECK(session.TextInHost(CoreFileURL(path)) == "FolderItem " + path);
         CHECK(session.Host().CallCount(kByParent) == 0);
         CHECK(session.Host().CallCount(kBySpec) == 1);
@@ -72,18 +65,17 @@ TEST_CASE("A file whose catalogue entry cannot be read becomes a folder item by 
 }
 
 TEST_CASE("A file for which the system gives neither parent nor specification becomes text") {
-    const Faults planned;
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
-    faults::FailEvery("FSGetCatalogInfo");
+    const Fault fault("FSGetCatalogInfo");
     CHECK(session.TextInHost(CoreFileURL(path)) == "\"file://" + path + "\"");
     CHECK(session.Host().CallCount(kBySpec) == 0);
 }
 
 TEST_CASE("A file for which the host makes no folder item becomes text, without a second way being tried") {
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     session.Host().ReturnNothing(kByParent);
     CHECK(session.TextInHost(CoreFileURL(path)) == "\"file://" + path + "\"");
@@ -92,7 +84,7 @@ TEST_CASE("A file for which the host makes no folder item becomes text, without 
 
 TEST_CASE("The URL of something new in an existing folder becomes a folder item of that name") {
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     CHECK(session.TextInHost(CoreFileURL(folder.PathOf("not yet"))) == "FolderItem " + folder.PathOf("not yet"));
     CHECK(session.TextInHost(CoreURL("file://" + folder.Path() + "/a%20b%25")) ==
           "FolderItem " + folder.PathOf("a b%"));
@@ -100,14 +92,14 @@ TEST_CASE("The URL of something new in an existing folder becomes a folder item 
 
 TEST_CASE("The name of something new is decomposed") {
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     CHECK(session.TextInHost(CoreFileURL(folder.PathOf(kComposedName))) ==
           "FolderItem " + folder.PathOf(kDecomposedName));
 }
 
 TEST_CASE("The name of something new is cut off at 255 UTF-16 units, counted after it was decomposed") {
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     CHECK(session.TextInHost(CoreFileURL(folder.PathOf(std::string(255, 'x')))) ==
           "FolderItem " + folder.PathOf(std::string(255, 'x')));
     CHECK(session.TextInHost(CoreFileURL(folder.PathOf(std::string(300, 'x')))) ==
@@ -121,24 +113,22 @@ TEST_CASE("The name of something new is cut off at 255 UTF-16 units, counted aft
 }
 
 TEST_CASE("Without memory for a decomposed copy the name of something new stays as it is written") {
-    const Faults planned;
     ValueSession session;
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const CoreValue url = CoreFileURL(folder.PathOf(kComposedName));
-    faults::FailCall("CFStringCreateMutableCopy", 1);
+    const Fault fault("CFStringCreateMutableCopy", 1);
     CHECK(session.TextInHost(url) == "FolderItem " + folder.PathOf(kComposedName));
-    CHECK(faults::Failed() == 1);
+    CHECK(fault.Failed() == 1);
 }
 
 TEST_CASE("Something new for which the system gives no folder or no name becomes text") {
     for (const char *function : {"CFURLCreateCopyDeletingLastPathComponent", "CFURLCopyLastPathComponent"}) {
-        const Faults planned;
         ValueSession session;
-        const ScratchFolder folder;
+        const TemporaryFolder folder;
         const CoreValue url = CoreFileURL(folder.PathOf("new"));
-        faults::FailCall(function, 1);
+        const Fault fault(function, 1);
         CHECK(session.TextInHost(url) == "\"file://" + folder.PathOf("new") + "\"");
-        CHECK(faults::Failed() == 1);
+        CHECK(fault.Failed() == 1);
     }
 }
 
@@ -164,10 +154,9 @@ TEST_CASE("A relative URL becomes the text of the URL that it stands for") {
 
 TEST_CASE("A URL whose absolute form or text cannot be had gives nil") {
     SUBCASE("no absolute URL") {
-        const Faults planned;
         ValueSession session;
         const CoreValue url = CoreURL("http://example.org/");
-        faults::FailCall("CFURLCopyAbsoluteURL", 1);
+        const Fault fault("CFURLCopyAbsoluteURL", 1);
         CHECK(session.ToHost(url).IsNil());
     }
     SUBCASE("the host builds no text") {
@@ -182,7 +171,7 @@ TEST_CASE("A URL whose absolute form or text cannot be had gives nil") {
 }
 
 TEST_CASE("A file on another volume, and that volume's root, are found each in its way") {
-    const ScratchFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("file.txt");
     sim::macos::environment::AddVolume(folder.Path(), u"Other");
     {

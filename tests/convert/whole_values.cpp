@@ -25,7 +25,7 @@ Object Wrapper(Host &host, const char *className, const char *typeName) {
 
 } // namespace
 
-CoreValue WholeCoreValue(const ScratchFolder &folder) {
+CoreValue WholeCoreValue(const TemporaryFolder &folder) {
     std::vector<CoreValue> kept;
     for (const std::string &type : sim::macos::OpaqueTypeNames())
         kept.push_back(CoreInstance(type));
@@ -56,7 +56,7 @@ CoreValue WholeCoreValue(const ScratchFolder &folder) {
     });
 }
 
-Value WholeHostValue(Host &host, const ScratchFolder &folder) {
+Value WholeHostValue(Host &host, const TemporaryFolder &folder) {
     const Object unreadable = host.NewDate({2014});
     unreadable.MakeDateUnreadable();
     return host.NewDictionary({

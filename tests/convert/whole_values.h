@@ -1,16 +1,16 @@
 // One value of each world that holds every kind there is, nested. A run over it passes through every conversion.
 #pragma once
 
-#include "tests/convert/scratch_folder.h"
 #include "tests/convert/value_session.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tests {
 
 /// Every kind of Core Foundation value, in an array and in dictionaries.
-CoreValue WholeCoreValue(const ScratchFolder &folder);
+CoreValue WholeCoreValue(const TemporaryFolder &folder);
 
 /// Every kind of host value, in arrays and dictionaries. Of wrapper classes those that the host has.
-sim::host::Value WholeHostValue(sim::host::Host &host, const ScratchFolder &folder);
+sim::host::Value WholeHostValue(sim::host::Host &host, const TemporaryFolder &folder);
 
 /// Hosts that differ in how values are reached: their element tables shown or not, strings handed over as CFStrings or
 /// as bytes.

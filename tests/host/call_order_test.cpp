@@ -3,9 +3,12 @@
 
 #include "tests/host/front_doors.h"
 #include "tests/support/call_log.h"
+#include "tests/support/host_ages.h"
 #include "tests/support/plugin_watch.h"
 
 using namespace sim::host;
+using tests::AtAges;
+using tests::AtUsualAges;
 using tests::CallLines;
 using tests::CallLog;
 using tests::FailedAllocation;
@@ -66,13 +69,14 @@ TEST_CASE("Any encoding number reaches Core Foundation as it is, as external tex
                 {kWindowsLatin1, "CFStringCreateWithBytes(3, 1280, true)"},
                 {kASCII, "CFStringCreateWithBytes(3, 1536, true)"},
                 {kUTF8, "CFStringCreateWithBytes(3, 134217984, true)"}};
-    for (const double version : {2011.4, 2013.04, 2016.1})
+    AtUsualAges([&](double version) {
         for (const auto &row : rows) {
             TestSession session(WithoutCFStrings(version));
             CallLog log(session);
             tests::TextInCore(session, Text{"abc", row.encoding});
             CHECK(log.Take({"CFStringCreateWithBytes"}) == CallLines{row.call});
         }
+    });
 }
 
 TEST_CASE("The length of a string is asked for by a function of no module") {
@@ -122,8 +126,7 @@ TEST_CASE("Without memory an index outside an array raises \"Out of Bounds\", an
 }
 
 TEST_CASE("An index is looked at before the element: outside an array nothing is read") {
-    for (const double version : {2013.04, 2016.1}) {
-        CAPTURE(version);
+    AtAges({2013.04, 2016.1}, [&](double version) {
         TestSession session(version);
         Object query = tests::NewQuery(session);
         const Object options = session.Host().NewArray("string", {"a", "b"});
@@ -136,5 +139,5 @@ TEST_CASE("An index is looked at before the element: outside an array nothing is
               CallLines{"RuntimeUBound(string()[2])", "RuntimeUBound(string()[2])", read, "RuntimeUBound(string()[1])",
                         "RuntimeRaiseException(OutOfBoundsException)"});
         session.Host().TakeRaised();
-    }
+    });
 }

@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/host/front_doors.h"
+#include "tests/support/host_ages.h"
 
 using namespace sim::host;
 using namespace tests;
@@ -26,6 +27,23 @@ bool Raises(TestSession &session, const char *className, const char *message) {
     return raised.size() == 1 && raised.front().Is(className, message) && raised.front().errorNumber == 0;
 }
 
+/// A call of a method, or a question for a property, and what it gives when it raises.
+struct NeutralCall {
+    const char *member;
+    std::vector<Value> arguments;
+    Value neutral;
+};
+
+void CheckNeutral(TestSession &session, const Object &object, const char *message,
+                  const std::vector<NeutralCall> &calls) {
+    for (const NeutralCall &call : calls) {
+        CAPTURE(call.member);
+        CHECK((call.arguments.empty() ? object.GetValue(call.member) : object.CallWith(call.member, call.arguments)) ==
+              call.neutral);
+        CHECK(Raises(session, "NilObjectException", message));
+    }
+}
+
 RaisedException TakeOne(TestSession &session) {
     const auto raised = session.Host().TakeRaised();
     REQUIRE(raised.size() == 1);
@@ -37,74 +55,43 @@ RaisedException TakeOne(TestSession &session) {
 TEST_CASE("Every method of a query object without a query raises \"NilObjectException\" and gives its neutral value") {
     TestSession session;
     Host &host = session.Host();
-    const Object query = NilQuery(session);
-    const Object strings = host.NewArray("string");
-    const auto raises = [&] { return Raises(session, "NilObjectException", kMessage); };
-
-    CHECK(query.Get<int32_t>("ResultCount") == 0);
-    CHECK(raises());
-    CHECK(query.GetValue("QueryString").IsNil());
-    CHECK(raises());
-    CHECK(query.GetValue("ValueListAttributes").IsNil());
-    CHECK(raises());
-    CHECK(query.GetValue("SortingAttributes").IsNil());
-    CHECK(raises());
-    CHECK(query.Get<bool>("IsGatheringComplete") == false);
-    CHECK(raises());
-    CHECK(query.GetValue("BatchingParameters").IsNil());
-    CHECK(raises());
-    for (const char *method : {"Stop", "DisableUpdates", "EnableUpdates"}) {
-        CHECK(query.CallWith(method, {}).IsNil());
-        CHECK(raises());
-    }
-    CHECK(query.CallWith("Execute", {0}) == Value(false));
-    CHECK(raises());
-    CHECK(query.CallWith("SetMaxCount", {1}).IsNil());
-    CHECK(raises());
-    CHECK(query.CallWith("SetSearchScope", {host.NewArray("folderitem"), strings}).IsNil());
-    CHECK(raises());
-    CHECK(query.CallWith("ResultAtIndex", {0}).IsNil());
-    CHECK(raises());
-    CHECK(query.CallWith("Results", {}).IsNil());
-    CHECK(raises());
-    CHECK(query.CallWith("ValuesOfAttribute", {"kMDItemFSName"}).IsNil());
-    CHECK(raises());
-    CHECK(query.CallWith("CountOfResultsWithAttributeValue", {"kMDItemFSName", host.Box("x")}) == Value(uint32_t{0}));
-    CHECK(raises());
-    CHECK(query.CallWith("AttributeValueOfResultAtIndex", {"kMDItemFSName", uint32_t{0}}).IsNil());
-    CHECK(raises());
-    CHECK(query.CallWith("IndexOfResult", {host.Create("MDItemQTX")}) == Value(0));
-    CHECK(raises());
-    CHECK(query.CallWith("SetSortOrder", {strings}) == Value(false));
-    CHECK(raises());
-    CHECK(query.CallWith("GetSortOptionFlagsForAttribute", {"kMDItemFSName"}) == Value(0));
-    CHECK(raises());
-    CHECK(query.CallWith("SetSortOptionFlagsForAttribute", {"kMDItemFSName", uint32_t{1}}) == Value(false));
-    CHECK(raises());
+    const Value strings = host.NewArray("string");
+    CheckNeutral(session, NilQuery(session), kMessage,
+                 {{"ResultCount", {}, 0},
+                  {"QueryString", {}, nullptr},
+                  {"ValueListAttributes", {}, nullptr},
+                  {"SortingAttributes", {}, nullptr},
+                  {"IsGatheringComplete", {}, false},
+                  {"BatchingParameters", {}, nullptr},
+                  {"Stop", {}, nullptr},
+                  {"DisableUpdates", {}, nullptr},
+                  {"EnableUpdates", {}, nullptr},
+                  {"Execute", {0}, false},
+                  {"SetMaxCount", {1}, nullptr},
+                  {"SetSearchScope", {host.NewArray("folderitem"), strings}, nullptr},
+                  {"ResultAtIndex", {0}, nullptr},
+                  {"Results", {}, nullptr},
+                  {"ValuesOfAttribute", {"kMDItemFSName"}, nullptr},
+                  {"CountOfResultsWithAttributeValue", {"kMDItemFSName", host.Box("x")}, uint32_t{0}},
+                  {"AttributeValueOfResultAtIndex", {"kMDItemFSName", uint32_t{0}}, nullptr},
+                  {"IndexOfResult", {host.Create("MDItemQTX")}, 0},
+                  {"SetSortOrder", {strings}, false},
+                  {"GetSortOptionFlagsForAttribute", {"kMDItemFSName"}, 0},
+                  {"SetSortOptionFlagsForAttribute", {"kMDItemFSName", uint32_t{1}}, false}});
 }
 
 TEST_CASE("Every method of an item object without an item raises \"NilObjectException\" and gives its neutral value") {
     TestSession session;
     Host &host = session.Host();
-    const Object item = host.Create("MDItemQTX");
-    const auto raises = [&] { return Raises(session, "NilObjectException", "MDItem Reference is nil"); };
-
-    CHECK(item.CallWith("GetAttribute", {"kMDItemFSName"}).IsNil());
-    CHECK(raises());
-    CHECK(item.CallWith("GetAttributes", {host.NewArray("string")}).IsNil());
-    CHECK(raises());
-    CHECK(item.GetValue("AttributeNames").IsNil());
-    CHECK(raises());
-    CHECK(item.CallWith("AttributeString", {"kMDItemFSName"}).IsNil());
-    CHECK(raises());
-    CHECK(item.CallWith("AttributeBoolean", {"kMDItemFSName"}) == Value(false));
-    CHECK(raises());
-    CHECK(item.CallWith("AttributeDouble", {"kMDItemFSName"}) == Value(0.0));
-    CHECK(raises());
-    CHECK(item.CallWith("AttributeStringArray", {"kMDItemFSName"}).IsNil());
-    CHECK(raises());
-    CHECK(item.Get<int64_t>("FSSize") == 0);
-    CHECK(raises());
+    CheckNeutral(session, host.Create("MDItemQTX"), "MDItem Reference is nil",
+                 {{"GetAttribute", {"kMDItemFSName"}, nullptr},
+                  {"GetAttributes", {host.NewArray("string")}, nullptr},
+                  {"AttributeNames", {}, nullptr},
+                  {"AttributeString", {"kMDItemFSName"}, nullptr},
+                  {"AttributeBoolean", {"kMDItemFSName"}, false},
+                  {"AttributeDouble", {"kMDItemFSName"}, 0.0},
+                  {"AttributeStringArray", {"kMDItemFSName"}, nullptr},
+                  {"FSSize", {}, int64_t{0}}});
 }
 
 TEST_CASE("A nil folder item raises \"NilObjectException\" with \"Folderitem is nil\"") {
@@ -130,27 +117,25 @@ TEST_CASE("An attribute of the wrong type raises \"RuntimeException\" with \"Wro
 }
 
 TEST_CASE("The message is ASCII and ErrorNumber is 0 on hosts of every age") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         RaiseOnce(session);
         const RaisedException raised = TakeOne(session);
         CHECK(raised.Is("NilObjectException", kMessage));
         CHECK(raised.messageEncoding == kASCII);
         CHECK(raised.errorNumber == 0);
-    }
+    });
 }
 
 TEST_CASE("Raising calls the host in a fixed order: the message, the object, its properties, the raise, the releases") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         RaiseOnce(session);
         CHECK(session.Host().CallNames(true) ==
               Calls{"REALBuildString(24)", "REALSetStringEncoding()", "PluginNewInstance(\"NilObjectException\")",
                     "REALSetPropValueString(\"Message\")", "REALSetPropValueInteger(\"ErrorNumber\", 0)",
                     "RuntimeRaiseException()", "REALUnlockObject()", "REALUnlockString()"});
-    }
+    });
 }
 
 TEST_CASE("An unknown exception class raises a \"RuntimeException\" carrying the same message") {

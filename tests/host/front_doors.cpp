@@ -8,9 +8,6 @@ namespace tests {
 
 using namespace sim::host;
 
-const std::vector<std::optional<double>> kAges = {std::nullopt, 2011.4,  2012.0, 2012.5, 2013.0,
-                                                  2013.04,      2015.99, 2016.0, 3000.0};
-
 std::optional<std::u16string> TextInCore(TestSession &session, const Value &text) {
     namespace searchwindow = sim::macos::searchwindow;
     searchwindow::Reset();

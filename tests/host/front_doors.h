@@ -25,7 +25,4 @@ sim::host::Object NilQuery(TestSession &session);
 sim::host::HostOptions OfVersion(std::optional<double> version);
 sim::host::HostOptions Without(std::set<std::string, std::less<>> services, std::optional<double> version = 2013.04);
 
-/// One of each behaviour towards strings and arrays: none, below 2012, 2012, 2013, below 2016, from 2016 on.
-extern const std::vector<std::optional<double>> kAges;
-
 } // namespace tests

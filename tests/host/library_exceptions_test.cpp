@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/host/front_doors.h"
+#include "tests/support/host_ages.h"
 
 #include <new>
 #include <stdexcept>
@@ -57,9 +58,8 @@ const std::vector<Kind> &Kinds() {
 } // namespace
 
 TEST_CASE("A C++ exception of each kind out of \"REALBuildString\" becomes its host exception, and the text is nil") {
-    for (const auto &age : kAges)
+    AtEveryAge([&](std::optional<double> age) {
         for (const Kind &kind : Kinds()) {
-            CAPTURE(age.value_or(-1));
             CAPTURE(kind.name);
             TestSession session(OfVersion(age));
             const Object query = NewQuery(session, "kMDItemFSName == \"x\"");
@@ -70,6 +70,7 @@ TEST_CASE("A C++ exception of each kind out of \"REALBuildString\" becomes its h
             CHECK(query.Get<std::string>("QueryString") == "kMDItemFSName == \"x\"");
             CHECK(session.TakeException() == "");
         }
+    });
 }
 
 TEST_CASE("A C++ exception of each kind out of \"REALSetStringEncoding\" becomes its host exception, and the built "

@@ -7,8 +7,9 @@
 #include "simulator/macos/CoreFoundation/text.h"
 #include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 #include "simulator/macos/CoreServices/metadata/query/query_scope.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/host/front_doors.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <CoreServices/CoreServices.h>
 
@@ -20,8 +21,6 @@ using namespace sim::host;
 using namespace tests;
 
 namespace {
-
-namespace faults = sim::macos::faults;
 
 /// Each step with what it gave, element by element.
 struct Step {
@@ -148,15 +147,16 @@ struct Kind {
 
 std::vector<Kind> Kinds() {
     std::vector<Kind> kinds;
-    for (const std::optional<double> age : {std::optional<double>(), std::optional(2011.4), std::optional(2012.5),
-                                            std::optional(2013.04), std::optional(2016.1)}) {
-        const std::string name = age ? std::to_string(*age) : "no version";
-        kinds.push_back({name, OfVersion(age)});
-        kinds.push_back({name + ", second names only", OfVersion(age)});
-        kinds.back().options.secondNamesOnly = true;
-        kinds.push_back({name + ", strings and arrays read by the host only", Without({"REALGetStringCFString"}, age)});
-        kinds.back().options.directArrayStorage = false;
-    }
+    AtAges(std::initializer_list<std::optional<double>>{std::nullopt, 2011.4, 2012.5, 2013.04, 2016.1},
+           [&](std::optional<double> age) {
+               const std::string name = age ? std::to_string(*age) : "no version";
+               kinds.push_back({name, OfVersion(age)});
+               kinds.push_back({name + ", second names only", OfVersion(age)});
+               kinds.back().options.secondNamesOnly = true;
+               kinds.push_back(
+                   {name + ", strings and arrays read by the host only", Without({"REALGetStringCFString"}, age)});
+               kinds.back().options.directArrayStorage = false;
+           });
     return kinds;
 }
 
@@ -236,11 +236,9 @@ TEST_CASE("With any one creation of the system failing nothing crashes, results 
             CAPTURE(kind.name);
             CAPTURE(n);
             TestSession session(kind.options);
-            faults::Reset();
-            faults::FailCall(n);
+            const Fault fault(n);
             const auto steps = Run(session.Host());
-            failures += faults::Failed();
-            faults::Reset();
+            failures += fault.Failed();
             CheckRightOrNeutral(steps, whole.steps);
         }
         CHECK(failures >= 15);

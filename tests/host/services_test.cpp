@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/host/front_doors.h"
+#include "tests/support/host_ages.h"
 
 using namespace sim::host;
 using namespace tests;
@@ -107,9 +108,8 @@ TEST_CASE("A host that makes no arrays gets nil instead of an array, and is not 
 }
 
 TEST_CASE("A host with nothing but second names does all of it") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        HostOptions options = OfVersion(age);
+    AtEveryAge([&](std::optional<double> age) {
+        HostOptions options = HostOptions{.version = age};
         options.secondNamesOnly = true;
         TestSession session(options);
         CHECK(ValueList(NewQuery(session, "kMDItemFSName == \"*\"", kThree)) == kThree);
@@ -120,39 +120,38 @@ TEST_CASE("A host with nothing but second names does all of it") {
         const Object item = session.Host().Create("MDItemQTX");
         item.CallWith("Constructor", {session.Host().NewFolderItem("/")});
         CHECK(item.Get<std::string>("Path") == "/");
-    }
+    });
 }
 
 TEST_CASE("Below 2016.0 array elements are read where they lie, without a call for each") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         const bool isDirect = age.value_or(0) < 2016.0;
         CHECK(ValueList(NewQuery(session, "kMDItemFSName == \"*\"", kThree)) == kThree);
         CHECK(session.Host().CallCount("RuntimeDirectReadStringArray") == (isDirect ? 0 : 3));
         // Once for each array, the sorting attributes' empty one too, and once for each element.
         CHECK(session.Host().CallCount("RuntimeUBound") == 5);
-    }
+    });
 }
 
 TEST_CASE("Below 2016.0 an array that does not show its elements is read through the host") {
-    for (const auto &age : kAges) {
-        HostOptions options = OfVersion(age);
+    AtEveryAge([&](std::optional<double> age) {
+        HostOptions options = HostOptions{.version = age};
         options.directArrayStorage = false;
         TestSession session(options);
         CHECK(ValueList(NewQuery(session, "kMDItemFSName == \"*\"", kThree)) == kThree);
         CHECK(session.Host().CallCount("RuntimeDirectReadStringArray") == 3);
-    }
+    });
 }
 
 TEST_CASE("Without \"RuntimeUBound\" an array counts as one of a single element") {
-    for (const auto &age : kAges) {
+    AtEveryAge([&](std::optional<double> age) {
         TestSession session(Without({"RuntimeUBound"}, age));
         const Object query = session.Host().Create("MDQueryQTX");
         query.CallWith("Constructor", {"kMDItemFSName == \"*\"", session.Host().NewArray("string", kThree)});
         CHECK(ValueList(query) == std::vector<Value>{"kMDItemFSName"});
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE("Without \"RuntimeDirectReadStringArray\" an array that hides its elements has empty ones") {
@@ -162,10 +161,10 @@ TEST_CASE("Without \"RuntimeDirectReadStringArray\" an array that hides its elem
 }
 
 TEST_CASE("Without \"REALLockString\" the elements that an array shows are not taken: the host is asked for each") {
-    for (const std::optional<double> age : {std::optional<double>(), std::optional(2013.04)}) {
+    AtAges(std::initializer_list<std::optional<double>>{std::nullopt, 2013.04}, [&](std::optional<double> age) {
         TestSession session(Without({"REALLockString"}, age));
         CHECK(ValueList(NewQuery(session, "kMDItemFSName == \"*\"", kThree)) == kThree);
         CHECK(session.Host().CallCount("RuntimeDirectReadStringArray") == 3);
         CHECK(session.TakeException() == "");
-    }
+    });
 }

@@ -2,8 +2,9 @@
 // encoding are read, and what bad bytes come to.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/host/front_doors.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <cstring>
 
@@ -26,15 +27,14 @@ HostOptions WithoutCFStrings(std::optional<double> age) { return Without({kAskCF
 /// What the plugin reads of a text on a host that makes no CFStrings, the same on every age.
 Read ReadAs(const std::string &bytes, uint32_t encoding) {
     std::optional<Read> first;
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
+    AtEveryAge([&](std::optional<double> age) {
         TestSession session(WithoutCFStrings(age));
         const Read read = TextInCore(session, Text{bytes, encoding});
         if (!first)
             first = read;
         CHECK(read == *first);
         CHECK(session.TakeException() == "");
-    }
+    });
     return *first;
 }
 
@@ -58,40 +58,38 @@ std::string BigEndianUTF32(std::u32string_view text) {
 } // namespace
 
 TEST_CASE("A nil string gives no CFString, and the host is not asked about it") {
-    for (const auto &age : kAges) {
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         session.Host().ClearLog();
         CHECK(TextInCore(session, nullptr) == std::nullopt);
         CHECK(session.Host().CallNames().empty());
-    }
+    });
 }
 
 TEST_CASE("A host string with the unknown encoding 0xFFFF is read as MacRoman bytes") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         CHECK(TextInCore(session, Text{"caf\x8E \xDB\xF0", kUnknownEncoding}) == u"caf\u00E9 \u20AC\uF8FF");
         CHECK(session.Host().CallCount(kAskCFString) == 0);
         CHECK(session.Host().RequestCount(kAskCFString) == 0);
-    }
+    });
 }
 
 TEST_CASE("Below 2016.0 a string is held while its bytes are read in place") {
-    for (const auto &age : kAges) {
+    AtEveryAge([&](std::optional<double> age) {
         if (HidesLayouts(age))
-            continue;
-        CAPTURE(age.value_or(-1));
+            return;
         for (const uint32_t encoding : {uint32_t{kUnknownEncoding}, uint32_t{kUTF8}}) {
             TestSession session(WithoutCFStrings(age));
             session.Host().ClearLog();
             CHECK(TextInCore(session, Text{"abc", encoding}) == u"abc");
             CHECK(session.Host().CallNames() == Calls{"REALGetStringEncoding", "REALLockString", "REALUnlockString"});
         }
-    }
+    });
 }
 
 TEST_CASE("From 2016.0 on the bytes come from \"LenB\" and \"StringGetCString\", and the string is held afterwards") {
-    for (const double age : {2016.0, 3000.0})
+    AtAges({2016.0, 3000.0}, [&](double age) {
         for (const uint32_t encoding : {uint32_t{kUnknownEncoding}, uint32_t{kUTF8}}) {
             TestSession session(WithoutCFStrings(age));
             CHECK(TextInCore(session, Text{"abc", encoding}) == u"abc");
@@ -100,19 +98,20 @@ TEST_CASE("From 2016.0 on the bytes come from \"LenB\" and \"StringGetCString\",
             CHECK(session.Host().CallNames() == Calls{"REALGetStringEncoding", "LenB( s as string ) as integer",
                                                       "StringGetCString", "REALLockString", "REALUnlockString"});
         }
+    });
 }
 
 TEST_CASE("From 2012.0 on the host's own CFString is taken at the first question") {
-    for (const double age : {2012.0, 2012.5, 2013.04, 2015.99, 2016.0, 3000.0}) {
+    AtAges({2012.0, 2012.5, 2013.04, 2015.99, 2016.0, 3000.0}, [&](double age) {
         TestSession session(age);
         session.Host().ClearLog();
         CHECK(TextInCore(session, Text{"caf\xC3\xA9", kUTF8}) == u"caf\u00E9");
         CHECK(session.Host().CallNames(true) == Calls{"REALGetStringEncoding()", "REALGetStringCFString(0)"});
-    }
+    });
 }
 
 TEST_CASE("From 2012.0 on a host that gives no CFString is asked a second time, through a cell of its own") {
-    for (const double age : {2012.0, 2013.04, 2016.0}) {
+    AtAges({2012.0, 2013.04, 2016.0}, [&](double age) {
         TestSession session(age);
         session.Host().ReturnNothing(kAskCFString, 1, 1);
         session.Host().ClearLog();
@@ -120,21 +119,21 @@ TEST_CASE("From 2012.0 on a host that gives no CFString is asked a second time, 
         CHECK(session.Host().CallNames(true) ==
               Calls{"REALGetStringEncoding()", "REALGetStringCFString(0)", "REALGetStringCFString(0)"});
         CHECK(session.Host().RequestCount(kAskCFString) == 2);
-    }
+    });
 }
 
 TEST_CASE("From 2012.0 on a host that gives no CFString twice has its string read") {
-    for (const double age : {2012.0, 2013.04, 2016.0}) {
+    AtAges({2012.0, 2013.04, 2016.0}, [&](double age) {
         TestSession session(age);
         session.Host().ReturnNothing(kAskCFString);
         CHECK(TextInCore(session, Text{"abc", kUTF8}) == u"abc");
         CHECK(session.Host().CallCount(kAskCFString) == 2);
         CHECK(session.Host().CallCount("REALLockString") == 1);
-    }
+    });
 }
 
 TEST_CASE("Below 2012.0 a host that makes CFStrings is asked once") {
-    for (const std::optional<double> age : {std::optional<double>(), std::optional(2011.4), std::optional(2011.99)}) {
+    AtAges(std::initializer_list<std::optional<double>>{std::nullopt, 2011.4, 2011.99}, [&](std::optional<double> age) {
         HostOptions options = OfVersion(age);
         options.offersCFStrings = true;
         TestSession session(options);
@@ -148,7 +147,7 @@ TEST_CASE("Below 2012.0 a host that makes CFStrings is asked once") {
         CHECK(TextInCore(session, Text{"abc", kUTF8}) == u"abc");
         CHECK(session.Host().CallCount(kAskCFString) == 1);
         CHECK(session.Host().CallCount("REALLockString") == 1);
-    }
+    });
 }
 
 TEST_CASE("A host that lacks \"REALGetStringCFString\" is asked for it again with the next string") {
@@ -162,12 +161,11 @@ TEST_CASE("A host that lacks \"REALGetStringCFString\" is asked for it again wit
 }
 
 TEST_CASE("A missing \"REALGetStringEncoding\" counts as encoding 0, MacRoman") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
+    AtEveryAge([&](std::optional<double> age) {
         TestSession session(Without({"REALGetStringEncoding", kAskCFString}, age));
         CHECK(TextInCore(session, Text{"caf\x8E", kUTF8}) == u"caf\u00E9");
         CHECK(TextInCore(session, Text{"caf\x8E", kUnknownEncoding}) == u"caf\u00E9");
-    }
+    });
 }
 
 TEST_CASE("A missing \"LenB\" counts as length 0") {
@@ -192,20 +190,19 @@ TEST_CASE("A missing \"StringGetCString\" leaves nothing to read") {
 }
 
 TEST_CASE("A host without \"REALLockString\" has its strings read, and nothing that was not added is released") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
+    AtEveryAge([&](std::optional<double> age) {
         TestSession session(Without({"REALLockString", kAskCFString}, age));
         CHECK(TextInCore(session, "abc") == u"abc");
         CHECK(session.Host().CallCount("REALUnlockString") == 0);
-    }
+    });
 }
 
 TEST_CASE("A host without \"REALUnlockString\" has its strings read all the same") {
-    for (const auto &age : kAges) {
+    AtEveryAge([&](std::optional<double> age) {
         TestSession session(Without({"REALUnlockString", kAskCFString}, age));
         CHECK(TextInCore(session, "abc") == u"abc");
         session.Host().ExpectLeft("string", 1);
-    }
+    });
 }
 
 TEST_CASE("Encoding 0 is read as MacRoman") {
@@ -292,12 +289,10 @@ TEST_CASE("A string longer than its length byte can say is read whole") {
 
 TEST_CASE("Where Core Foundation makes no string, there is none, and the host string is released") {
     for (const uint32_t encoding : {uint32_t{kUnknownEncoding}, uint32_t{kUTF8}, uint32_t{kUTF16}})
-        for (const double age : {2011.4, 2013.04, 2016.1}) {
+        AtUsualAges([&](double age) {
             TestSession session(WithoutCFStrings(age));
-            sim::macos::faults::Reset();
-            sim::macos::faults::FailCall(1);
+            const Fault fault(1);
             CHECK(TextInCore(session, Text{"abcd", encoding}) == std::nullopt);
-            CHECK(sim::macos::faults::Failed() == 1);
-            sim::macos::faults::Reset();
-        }
+            CHECK(fault.Failed() == 1);
+        });
 }

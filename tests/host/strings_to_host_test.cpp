@@ -4,6 +4,7 @@
 #include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/faults.h"
 #include "tests/host/front_doors.h"
+#include "tests/support/host_ages.h"
 
 #include <cstring>
 
@@ -35,16 +36,15 @@ std::string Repeated(std::string_view text, size_t count) {
 } // namespace
 
 TEST_CASE("A text comes out as UTF-8, built and tagged, on hosts of every age") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         const std::string text = Expression("caf\u00E9 \u691C\u7D22 \U0001F600");
         const Object query = NewQuery(session, text);
         session.Host().ClearLog();
         const Value result = query.GetValue("QueryString");
         CHECK(session.Host().CallNames() == Calls{"REALBuildString", "REALSetStringEncoding"});
         CHECK(result.As<Text>() == Text{text, kUTF8});
-    }
+    });
 }
 
 TEST_CASE("A 99-unit string and a 100-unit string both come out as the same text that went in") {
@@ -127,11 +127,11 @@ TEST_CASE("Texts of the system's own come out the same way") {
 }
 
 TEST_CASE("The name of a type is built as ASCII") {
-    for (const auto &age : kAges) {
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         CHECK(session.Host().SharedWith("MDItemQTX", "AttributeType", {"kMDItemFSName"}).As<Text>() ==
               Text{"String", kASCII});
-    }
+    });
 }
 
 TEST_CASE("A host without \"REALBuildString\" gets nil strings") {
@@ -156,12 +156,11 @@ TEST_CASE("A host without \"REALSetStringEncoding\" gets the bytes without their
 }
 
 TEST_CASE("A text goes round between host and system any number of times without a change") {
-    for (const auto &age : kAges) {
-        CAPTURE(age.value_or(-1));
-        TestSession session(OfVersion(age));
+    AtEveryAge([&](std::optional<double> age) {
+        TestSession session(HostOptions{.version = age});
         Value text = Expression(Repeated("\u00E9\U0001F600 o\u0308 \u691C", 20));
         for (int i = 0; i < 5; i++)
             text = NewQuery(session, text).GetValue("QueryString");
         CHECK(text.As<std::string>() == Expression(Repeated("\u00E9\U0001F600 o\u0308 \u691C", 20)));
-    }
+    });
 }

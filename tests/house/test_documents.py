@@ -61,7 +61,7 @@ class AttributeKeys(unittest.TestCase):
     def test_types_and_multiplicity_are_those_of_the_simulators_schema(self) -> None:
         schema = read("simulator/macos/CoreServices/metadata/schema/attributes.def")
         known = {key: (kind, count) for key, kind, count in
-                 re.findall(r"^SCHEMA_ATTRIBUTE\((\w+), (\w+), (\w+),", schema, re.MULTILINE)}
+                 re.findall(r"^SCHEMA_ATTRIBUTE(?:_10_7)?\((\w+), (\w+), (\w+),", schema, re.MULTILINE)}
         for key, kind, several, *_ in self.rows:
             if kind == "not stated":
                 continue

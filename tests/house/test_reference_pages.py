@@ -104,7 +104,7 @@ def golden_declarations() -> dict[str, list[str]]:
     """What the library registers with a host of the current layout, by class; "" for what is global."""
     found: dict[str, list[str]] = {}
     name = ""
-    for line in read(TREE / "tests/plugin/golden/layout-13.txt").splitlines():
+    for line in read(TREE / "tests/plugin/golden/registered.txt").splitlines():
         if match := re.match(r'(class|module) "(\w+)"', line):
             name = match[2] if match[1] == "class" else ""
         elif match := re.match(r'  property "(\w+)" as "(\w+)"', line):

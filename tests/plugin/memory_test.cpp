@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/plugin/bare_start.h"
+#include "tests/support/host_ages.h"
 #include "tests/support/plugin_watch.h"
 
 #include <CoreServices/CoreServices.h>
@@ -15,6 +16,7 @@
 extern "C" [[gnu::weak]] void __lsan_disable();
 extern "C" [[gnu::weak]] void __lsan_enable();
 
+using tests::AtAges;
 using tests::BareStart;
 using tests::FailedAllocation;
 
@@ -125,11 +127,10 @@ TEST_CASE("A module for whose name there is no memory is registered without one"
 }
 
 TEST_CASE("Where a host takes the global method directly, or takes no module, start-up allocates nothing for it") {
-    for (const double version : {2012.5, 3000.0}) {
-        CAPTURE(version);
+    AtAges({2012.5, 3000.0}, [&](double version) {
         const FailedAllocation none(0);
         const BareStart start = Started(version);
         CHECK(none.Count() == 0);
         CHECK(start.Arrived().method);
-    }
+    });
 }

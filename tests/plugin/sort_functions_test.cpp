@@ -1,12 +1,12 @@
 // The sort functions that not every system exports: when start-up looks for them, and that no step of the search leaks.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/environment.h"
-#include "simulator/macos/control/faults.h"
+#include "tests/plugin/default_system.h"
 #include "tests/support/test_session.h"
 
 using sim::host::HostOptions;
 using sim::host::Object;
+using tests::DefaultSystem;
 using tests::TestSession;
 
 namespace environment = sim::macos::environment;
@@ -14,19 +14,6 @@ namespace faults = sim::macos::faults;
 namespace ledger = sim::macos::ledger;
 
 namespace {
-
-/// The default system before and after, whatever a test makes of it.
-struct DefaultSystem {
-    DefaultSystem() { Reset(); }
-    ~DefaultSystem() { Reset(); }
-    DefaultSystem(const DefaultSystem &) = delete;
-    DefaultSystem &operator=(const DefaultSystem &) = delete;
-
-    static void Reset() {
-        environment::Reset();
-        faults::Reset();
-    }
-};
 
 /// Which of the three functions the plugin has, told by what its methods do.
 struct Found {

@@ -1,13 +1,13 @@
 // What start-up does, call by call, of the host and of the system.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/environment.h"
-#include "simulator/macos/control/faults.h"
+#include "tests/plugin/default_system.h"
 #include "tests/support/call_log.h"
 #include "tests/support/plugin_watch.h"
 #include "tests/support/test_session.h"
 
 using tests::CallLines;
+using tests::DefaultSystem;
 
 namespace environment = sim::macos::environment;
 namespace faults = sim::macos::faults;
@@ -61,6 +61,7 @@ TEST_CASE("Start-up finds the framework by the folder -32767, loads it, lets go 
 }
 
 TEST_CASE("Start-up goes no further on the way to the framework than the step that fails") {
+    const DefaultSystem system;
     CallLines search;
     SUBCASE("the folder is not found") {
         environment::SetFindFolderResult(fnfErr);
@@ -90,8 +91,6 @@ TEST_CASE("Start-up goes no further on the way to the framework than the step th
                   Release(kFolder)};
     }
     CHECK(CallsOfStartUp() == WithSearch(search));
-    environment::Reset();
-    faults::Reset();
 }
 
 TEST_CASE("On a host that does not run a built application start-up calls nothing of the system") {

@@ -1,6 +1,7 @@
 // What a host sees while it starts the plugin: which services are asked for, what is registered, and in what order.
 #include <doctest/doctest.h>
 
+#include "tests/support/host_ages.h"
 #include "tests/support/test_session.h"
 
 // Defined by the leak checker when the program is built with it.
@@ -8,6 +9,7 @@ extern "C" [[gnu::weak]] void __lsan_disable();
 extern "C" [[gnu::weak]] void __lsan_enable();
 
 using sim::host::HostOptions;
+using tests::AtAges;
 using tests::TestSession;
 
 namespace {
@@ -154,10 +156,10 @@ TEST_CASE("A host without a start-up service is started all the same and misses 
 }
 
 TEST_CASE("Starting the plugin a second time in one process does nothing") {
-    for (const double version : {2011.4, 2013.04}) {
+    AtAges({2011.4, 2013.04}, [&](double version) {
         TestSession session(version);
         session.Start();
         CHECK(session.Host().Arrived().classes.size() == 3);
         CHECK(session.Host().Arrived().pluginVersions.size() == 1);
-    }
+    });
 }

@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -101,12 +102,11 @@ TEST_CASE("Each query of the attribute handbook finds the sample of its row and 
           "row says") {
     const std::vector<Row> rows = ReadHandbook();
     REQUIRE(rows.size() == 169);
-    for (const double version : {2011.4, 2016.1}) {
+    AtAges({2011.4, 2016.1}, [&](double version) {
         QueryProgram program(version);
         for (const Row &row : rows)
             program.store.Set(program.Add(row.key), row.key, SampleOf(row).Get());
         for (const Row &row : rows) {
-            CAPTURE(version);
             CAPTURE(row.key);
             const auto file = program.FileNamed(row.key);
             Object item = program.NewItem(file);
@@ -123,5 +123,5 @@ TEST_CASE("Each query of the attribute handbook finds the sample of its row and 
             CHECK(found == std::vector{file});
         }
         CHECK(program.Host().Raised().empty());
-    }
+    });
 }

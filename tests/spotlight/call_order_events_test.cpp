@@ -5,14 +5,13 @@
 #include "simulator/macos/CoreFoundation/dictionary.h"
 #include "tests/spotlight/support/event_log.h"
 #include "tests/support/call_log.h"
+#include "tests/support/host_ages.h"
 
 #include <span>
 
 using namespace tests;
 
 namespace {
-
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 
 using Info = CFRef<CFDictionaryRef>;
 
@@ -49,8 +48,7 @@ const std::vector<std::string> kWork = {"CFDictionaryGetValue",
 } // namespace
 
 TEST_CASE("A notification's arrays are fetched and kept, then made into host arrays, and given up behind the handler") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         const Object item = program.NewItem(program.Add("a"));
@@ -84,7 +82,7 @@ TEST_CASE("A notification's arrays are fetched and kept, then made into host arr
         CHECK(log.Take(kWork) == expected);
         Post(kMDQueryDidUpdateNotification, query, info.Get());
         CHECK(log.Take(kWork) == expected);
-    }
+    });
 }
 
 TEST_CASE("The name of a notification is compared with progress, finish and update, up to the one that it is") {
@@ -123,8 +121,7 @@ TEST_CASE("Finish is handed on without arrays, whatever comes with it") {
 }
 
 TEST_CASE("Nulls in a notification's array take no place in the host's") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         const Object item = program.NewItem(program.Add("a"));
@@ -133,12 +130,11 @@ TEST_CASE("Nulls in a notification's array take no place in the host's") {
         EventLog events(query);
         Post(kMDQueryDidUpdateNotification, query, info.Get());
         CHECK(events.Take() == Events{Update({}, {"a", "a"})});
-    }
+    });
 }
 
 TEST_CASE("What the host knows an event by is read at each notification") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         std::vector<std::string> heard;
@@ -157,5 +153,5 @@ TEST_CASE("What the host knows an event by is read at each notification") {
         CHECK(post() == std::vector<std::string>{"Update", "Progress"});
         std::swap(*progress, *update);
         CHECK(post() == std::vector<std::string>{"Progress", "Update"});
-    }
+    });
 }

@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/spotlight/support/event_log.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -32,7 +33,7 @@ Six OfFramework(const Object &query) {
 } // namespace
 
 TEST_CASE("BatchingParameters gives the six numbers of the framework, each in the property of its name") {
-    for (const double version : {2011.4, 2013.04, 2016.1}) {
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         MDQuerySetBatchingParameters(QueryOf(query), {11, 22, 33, 44, 55, 66});
@@ -40,16 +41,16 @@ TEST_CASE("BatchingParameters gives the six numbers of the framework, each in th
         CHECK(parameters.ClassName() == "MDQueryBatchingParamsQTX");
         CHECK(parameters.References() == 1);
         CHECK(SixOf(parameters) == Six{11, 22, 33, 44, 55, 66});
-    }
+    });
 }
 
 TEST_CASE("Assigning BatchingParameters sets the six numbers of the framework, each in its place") {
-    for (const double version : {2011.4, 2013.04, 2016.1}) {
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         program.SetBatches(query, {1, 2, 3, 4, 5, 6});
         CHECK(OfFramework(query) == Six{1, 2, 3, 4, 5, 6});
-    }
+    });
 }
 
 TEST_CASE("What is read can be changed and assigned back; until then the query has its own numbers") {

@@ -2,8 +2,9 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreServices/metadata/query/query_scope.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -42,12 +43,10 @@ std::vector<std::string> TakeMessages(QueryProgram &program) {
     return messages;
 }
 
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
-
 } // namespace
 
 TEST_CASE("Twenty entries are set, of one kind or of both, and nothing is raised") {
-    for (const double version : kVersions)
+    AtUsualAges([&](double version) {
         for (const int32_t folders : {0, 7, 19, 20}) {
             CAPTURE(folders);
             QueryProgram program(version);
@@ -57,13 +56,13 @@ TEST_CASE("Twenty entries are set, of one kind or of both, and nothing is raised
             CHECK(ScopeOf(query).size() == kMaximum);
             CHECK(program.Host().Raised().empty());
         }
+    });
 }
 
 TEST_CASE("Each entry beyond the twentieth raises with its index and the count 20; the first twenty are set") {
-    for (const double version : kVersions)
+    AtUsualAges([&](double version) {
         for (const int32_t folders : {0, 1, 19, 20, 21, 25})
             for (const int32_t options : {1, 3, 24}) {
-                CAPTURE(version);
                 CAPTURE(folders);
                 CAPTURE(options);
                 QueryProgram program(version);
@@ -75,6 +74,7 @@ TEST_CASE("Each entry beyond the twentieth raises with its index and the count 2
                 CHECK(ScopeOf(query) == expected);
                 CHECK(TakeMessages(program) == TooBig(kMaximum, folders + options - 1, kMaximum));
             }
+    });
 }
 
 TEST_CASE("What is left out for another reason does not count towards the twenty") {
@@ -93,8 +93,7 @@ TEST_CASE("What is left out for another reason does not count towards the twenty
 }
 
 TEST_CASE("An array of folder items that shrinks while it is read raises for each index that is gone") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         const Object paths = program.FolderItems({"/usr", "/etc", "/usr", "/etc"});
@@ -102,7 +101,7 @@ TEST_CASE("An array of folder items that shrinks while it is read raises for eac
         query.Call<void>("SetSearchScope", paths, program.Strings({"one"}));
         CHECK(ScopeOf(query) == Names{"file:///usr/", "file:///etc/", "one"});
         CHECK(TakeMessages(program) == TooBig(2, 3, 2));
-    }
+    });
 }
 
 TEST_CASE("An array of folder items that is emptied while it is read raises with a range of 0 to -1") {
@@ -116,18 +115,17 @@ TEST_CASE("An array of folder items that is emptied while it is read raises with
 }
 
 TEST_CASE("A scope for which no array can be created raises nothing and sets nothing, whatever its length") {
-    namespace faults = sim::macos::faults;
     for (const int32_t entries : {0, 1, 20, 21, 30}) {
         CAPTURE(entries);
         QueryProgram program;
         Object query = program.NewQuery();
         query.Call<void>("SetSearchScope", program.FolderItems({}), program.Strings({"before"}));
         const Object options = program.Strings(Numbered(0, entries));
-        faults::Reset();
-        faults::FailEvery("CFArrayCreateMutable");
-        query.Call<void>("SetSearchScope", Folders(program, entries), options);
-        CHECK(faults::Failed() == 1);
-        faults::Reset();
+        {
+            const Fault fault("CFArrayCreateMutable");
+            query.Call<void>("SetSearchScope", Folders(program, entries), options);
+            CHECK(fault.Failed() == 1);
+        }
         CHECK(ScopeOf(query) == Names{"before"});
         CHECK(program.Host().Raised().empty());
     }
@@ -144,8 +142,7 @@ TEST_CASE("An array that grows while it is read is read as far as it reached at 
 }
 
 TEST_CASE("An array of option strings that shrinks while it is read raises for each index that is gone") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery();
         const Object options = program.Strings({"one", "two", "three"});
@@ -153,5 +150,5 @@ TEST_CASE("An array of option strings that shrinks while it is read raises for e
         query.Call<void>("SetSearchScope", program.FolderItems({"/usr"}), options);
         CHECK(ScopeOf(query) == Names{"file:///usr/", "one"});
         CHECK(TakeMessages(program) == TooBig(1, 2, 1));
-    }
+    });
 }

@@ -3,12 +3,10 @@
 
 #include "simulator/macos/CoreServices/metadata/query/query_scope.h"
 #include "simulator/macos/CoreServices/metadata/store/scripted_scopes.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
@@ -205,9 +203,8 @@ TEST_CASE("On a host that cannot name files every folder item is skipped") {
 TEST_CASE("Where no memory is left for the scope nothing is set and nothing is raised") {
     QueryProgram program;
     Object query = program.NewQuery();
-    faults::FailCall("CFArrayCreateMutable", 1);
+    const Fault fault("CFArrayCreateMutable", 1);
     SetScope(query, program.FolderItems({"/usr"}), program.Strings({"one"}));
-    faults::Reset();
     CHECK(ScopeOf(query) == std::nullopt);
     CHECK(program.Host().Raised().empty());
 }

@@ -3,6 +3,7 @@
 
 #include "simulator/macos/control/environment.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -57,7 +58,7 @@ TEST_CASE("Results come in the order of the sorting attributes, the first being 
 
 TEST_CASE("With all three functions flags are set and read back, and reverse the order") {
     const System system(true, true, true);
-    for (const double version : {2011.4, 2013.04, 2016.1}) {
+    AtUsualAges([&](double version) {
         Sorted program(version);
         CHECK(program.Flags("kMDItemFSName") == 0);
         const auto reverse = program.Host().Constant("MDQueryQTX", "kMDQueryReverseSortOrderFlag").As<int32_t>();
@@ -65,7 +66,7 @@ TEST_CASE("With all three functions flags are set and read back, and reverse the
         CHECK(program.Flags("kMDItemFSName") == 1);
         CHECK(program.Flags("kMDItemFSSize") == 0);
         CHECK(program.Gathered() == Names{"c", "b", "a"});
-    }
+    });
 }
 
 TEST_CASE("Flags pass unchanged both ways") {

@@ -3,20 +3,16 @@
 
 #include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "tests/spotlight/support/event_log.h"
+#include "tests/support/host_ages.h"
 
 #include <cmath>
 
 using namespace tests;
 
-namespace {
-
-const std::optional<double> kVersions[] = {std::nullopt, 2011.4, 2012.0, 2013.0, 2013.03, 2013.04, 2016.1, 3000.0};
-
-} // namespace
+namespace {} // namespace
 
 TEST_CASE("Gathering raises Progress and then Finish; changes raise Update, on hosts of every age") {
-    for (const auto &version : kVersions) {
-        CAPTURE(version.value_or(0));
+    AtEveryAge([&](std::optional<double> version) {
         QueryProgram program(HostOptions{.version = version});
         program.Add({"a", "b"});
         Object query = program.NewQuery();
@@ -29,7 +25,7 @@ TEST_CASE("Gathering raises Progress and then Finish; changes raise Update, on h
         program.Remove("b");
         program.Settle();
         CHECK(log.Take() == Events{Update({"c"}, {"a"}, {"b"})});
-    }
+    });
 }
 
 TEST_CASE("No event comes while the run loop does not run") {

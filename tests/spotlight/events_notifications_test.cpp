@@ -5,6 +5,7 @@
 #include "simulator/macos/CoreFoundation/dictionary.h"
 #include "simulator/macos/CoreFoundation/notifications.h"
 #include "tests/spotlight/support/event_log.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -39,25 +40,21 @@ using Pairs = std::vector<std::pair<CFTypeRef, CFTypeRef>>;
 
 CFRef<CFDictionaryRef> UserInfo(const Pairs &pairs) { return sim::macos::MakeDictionary(pairs); }
 
-const std::optional<double> kVersions[] = {std::nullopt, 2011.4, 2012.0, 2013.0, 2013.03, 2013.04, 2016.1, 3000.0};
-
 } // namespace
 
 TEST_CASE("Each of the three notifications raises the event of its own, on hosts of every age") {
-    for (const auto &version : kVersions) {
-        CAPTURE(version.value_or(0));
+    AtEveryAge([&](std::optional<double> version) {
         HandPosted program(version);
         EventLog log(program.query);
         Post(kMDQueryProgressNotification, program.query);
         Post(kMDQueryDidFinishNotification, program.query);
         Post(kMDQueryDidUpdateNotification, program.query);
         CHECK(log.Take() == Events{Progress(), Finish(), Update({})});
-    }
+    });
 }
 
 TEST_CASE("On hosts of every age the three lists reach the handler as added, changed and removed items") {
-    for (const auto &version : kVersions) {
-        CAPTURE(version.value_or(0));
+    AtEveryAge([&](std::optional<double> version) {
         HandPosted program(version);
         const auto added = program.Items({"a"}), changed = program.Items({"b", "c"}), removed = program.Items({"d"});
         const auto info = UserInfo({{kMDQueryUpdateRemovedItems, removed.Get()},
@@ -67,7 +64,7 @@ TEST_CASE("On hosts of every age the three lists reach the handler as added, cha
         Post(kMDQueryProgressNotification, program.query, info.Get());
         Post(kMDQueryDidUpdateNotification, program.query, info.Get());
         CHECK(log.Take() == Events{Progress({"a"}, {"b", "c"}, {"d"}), Update({"a"}, {"b", "c"}, {"d"})});
-    }
+    });
 }
 
 TEST_CASE("A progress notification without user info reaches the handler with three empty arrays") {
@@ -173,9 +170,8 @@ TEST_CASE("Handlers are independent: each event reaches its own whether the othe
     const std::pair<const char *, CFStringRef> kEvents[] = {{"Progress", kMDQueryProgressNotification},
                                                             {"Finish", kMDQueryDidFinishNotification},
                                                             {"Update", kMDQueryDidUpdateNotification}};
-    for (const double version : {2011.4, 2013.04})
+    AtAges({2011.4, 2013.04}, [&](double version) {
         for (unsigned handled = 0; handled < 8; handled++) {
-            CAPTURE(version);
             CAPTURE(handled);
             HandPosted program(version);
             std::vector<std::string> heard, expected;
@@ -189,6 +185,7 @@ TEST_CASE("Handlers are independent: each event reaches its own whether the othe
                 Post(event.second, program.query);
             CHECK(heard == expected);
         }
+    });
 }
 
 TEST_CASE("A handler that is taken away is called no more") {

@@ -1,18 +1,16 @@
 // An item's attributes as host values: one, several at once, and their names.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <algorithm>
 
 using namespace tests;
 
-namespace faults = sim::macos::faults;
-
 namespace {
 
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 /// Text that no CFString can hold.
 const sim::host::Text kMalformed{"\xC0\xAF", sim::host::kUTF8};
 constexpr const char *kSetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
@@ -40,8 +38,7 @@ struct OneItem : QueryProgram {
 } // namespace
 
 TEST_CASE("GetAttribute gives the converted value of an attribute") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         program.store.Set(program.file, "kMDItemStreamable", kCFBooleanTrue);
         const auto date = CFRef<CFDateRef>::Adopt(CFDateCreate(kCFAllocatorDefault, 425863859.9));
@@ -56,7 +53,7 @@ TEST_CASE("GetAttribute gives the converted value of an attribute") {
         CHECK(value("kMDItemStreamable") == Value(true));
         CHECK(value("kMDItemDueDate").As<sim::host::Object>().Date() == sim::host::DateFields{2014, 6, 30, 23, 30, 59});
         CHECK(host.Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("GetAttribute of an attribute that the item lacks gives nil, without an exception") {
@@ -68,12 +65,12 @@ TEST_CASE("GetAttribute of an attribute that the item lacks gives nil, without a
 
 TEST_CASE("GetAttribute of a name that does not convert gives nil and does not ask for any attribute") {
     OneItem program;
-    faults::Reset();
-    faults::FailEvery("MDItemCopyAttribute");
-    CHECK(program.item.Call("GetAttribute", nullptr).IsNil());
-    CHECK(program.item.Call("GetAttribute", kMalformed).IsNil());
-    CHECK(faults::Failed() == 0);
-    faults::Reset();
+    {
+        const Fault fault("MDItemCopyAttribute");
+        CHECK(program.item.Call("GetAttribute", nullptr).IsNil());
+        CHECK(program.item.Call("GetAttribute", kMalformed).IsNil());
+        CHECK(fault.Failed() == 0);
+    }
     CHECK(program.Host().Raised().empty());
 }
 
@@ -87,8 +84,7 @@ TEST_CASE("GetAttribute releases the value that it copied") {
 }
 
 TEST_CASE("GetAttributes gives a dictionary of the attributes that the item has; the others are absent from it") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         const auto given = program.item.Call<Object>(
             "GetAttributes",
@@ -101,7 +97,7 @@ TEST_CASE("GetAttributes gives a dictionary of the attributes that the item has;
         CHECK(given.Lookup("kMDItemNumberOfPages") == Value(3));
         CHECK(given.Lookup("kMDItemAlbum").IsNil());
         CHECK(program.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("GetAttributes without any name gives an empty dictionary") {
@@ -123,10 +119,9 @@ TEST_CASE("GetAttributes gives nil where the framework has no names, no attribut
     const auto names = program.Strings({"kMDItemTitle"});
     for (const char *call : {"CFArrayCreateMutable", "MDItemCopyAttributes"}) {
         CAPTURE(call);
-        faults::FailCall(call, 1);
+        const Fault fault(call, 1);
         CHECK(program.item.Call("GetAttributes", names).IsNil());
-        CHECK(faults::Failed() == 1);
-        faults::Reset();
+        CHECK(fault.Failed() == 1);
     }
     host.ReturnNothing("PluginNewInstance");
     CHECK(program.item.Call("GetAttributes", names).IsNil());
@@ -181,8 +176,7 @@ TEST_CASE("GetAttributes converts dictionaries among the attributes and goes on 
 }
 
 TEST_CASE("AttributeNames gives the names that the framework has, in its order") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         const auto names = program.item.Call<Object>("AttributeNames");
         REQUIRE(names);
@@ -191,14 +185,13 @@ TEST_CASE("AttributeNames gives the names that the framework has, in its order")
         const auto expected = CFRef<CFArrayRef>::Adopt(MDItemCopyAttributeNames(ItemOf(program.item)));
         CHECK(names.As<std::string>() == TextsIn(expected.Get()));
         CHECK(names.UpperBound() == 3);
-    }
+    });
 }
 
 TEST_CASE("AttributeNames gives an empty array where the framework has no names") {
     OneItem program;
-    faults::FailCall("MDItemCopyAttributeNames", 1);
+    const Fault fault("MDItemCopyAttributeNames", 1);
     const auto names = program.item.Call<Object>("AttributeNames");
-    faults::Reset();
     REQUIRE(names);
     CHECK(names.UpperBound() == -1);
     CHECK(program.Host().Raised().empty());

@@ -2,30 +2,27 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreFoundation/ledger.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
 constexpr const char *kNilFolderItem = "NilObjectException: Folderitem is nil";
 constexpr const char *kInvalidFolderItem = "NilObjectException: Folderitem is invalid";
-constexpr double kVersions[] = {2011.4, 2012.5, 2013.04, 2016.1};
 
 int32_t HandleOf(const Object &item) { return item.Get<int32_t>("Handle"); }
 
 } // namespace
 
 TEST_CASE("An item constructed from a folder item owns one reference to the system's item of that file") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt");
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         Object item = ConstructItem(session.Host(), path);
         CHECK(session.TakeException() == "");
         REQUIRE(HandleOf(item) != 0);
@@ -35,59 +32,55 @@ TEST_CASE("An item constructed from a folder item owns one reference to the syst
         const auto kept = CFRef<MDItemRef>::Retain(ItemOf(item));
         item.Release();
         CHECK(CFGetRetainCount(kept.Get()) == 1);
-    }
+    });
 }
 
 TEST_CASE("Constructing an item from nil raises that the folder item is nil") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         Object item = session.Host().Create("MDItemQTX");
         item.Call<void>("Constructor", nullptr);
         CHECK(session.TakeException() == kNilFolderItem);
         CHECK(HandleOf(item) == 0);
-    }
+    });
 }
 
 TEST_CASE("Constructing an item from a folder item that has no URL raises that the folder item is invalid") {
-    const ItemFolder folder;
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    const TemporaryFolder folder;
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         for (const std::string &path : {std::string(), folder.PathOf("no folder/no file")}) {
             CAPTURE(path);
             const Object item = ConstructItem(session.Host(), path);
             CHECK(session.TakeException() == kInvalidFolderItem);
             CHECK(HandleOf(item) == 0);
         }
-    }
+    });
 }
 
 TEST_CASE("Constructing an item for a file that does not exist gets a URL but no item, and raises the nil reference") {
-    const ItemFolder folder;
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    const TemporaryFolder folder;
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         const Object item = ConstructItem(session.Host(), folder.PathOf("missing"));
         CHECK(session.TakeException() == kNilItem);
         CHECK(HandleOf(item) == 0);
-    }
+    });
 }
 
 TEST_CASE("An existing file that the system cannot describe raises the nil reference") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt");
     TestSession session;
-    faults::FailCall("MDItemCreateWithURL", 1);
+    const Fault fault("MDItemCreateWithURL", 1);
     const Object item = ConstructItem(session.Host(), path);
-    CHECK(faults::Failed() == 1);
-    faults::Reset();
+    CHECK(fault.Failed() == 1);
     CHECK(session.TakeException() == kNilItem);
     CHECK(HandleOf(item) == 0);
 }
 
 TEST_CASE("By the time the missing item is raised its URL is gone") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     TestSession session;
     size_t urls = 0;
     session.Host().Before("RuntimeRaiseException", 1, [&urls] {
@@ -100,7 +93,7 @@ TEST_CASE("By the time the missing item is raised its URL is gone") {
 }
 
 TEST_CASE("The constructor's exceptions carry an ASCII message and the number 0") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     TestSession session;
     auto &host = session.Host();
     host.Create("MDItemQTX").Call<void>("Constructor", nullptr);
@@ -115,7 +108,7 @@ TEST_CASE("The constructor's exceptions carry an ASCII message and the number 0"
 }
 
 TEST_CASE("An object whose constructor failed has no item, and can be constructed after all") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt");
     TestSession session;
     auto &host = session.Host();
@@ -129,7 +122,7 @@ TEST_CASE("An object whose constructor failed has no item, and can be constructe
 }
 
 TEST_CASE("Constructing an object twice replaces its item and releases nothing") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string first = folder.File("first"), second = folder.File("second");
     TestSession session;
     auto &host = session.Host();
@@ -145,7 +138,7 @@ TEST_CASE("Constructing an object twice replaces its item and releases nothing")
 }
 
 TEST_CASE("A second construction that finds no item leaves none; one without a URL leaves the first") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("first");
     TestSession session;
     auto &host = session.Host();

@@ -2,12 +2,12 @@
 #include <doctest/doctest.h>
 
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
 namespace {
 
-constexpr double kVersions[] = {2011.4, 2012.0, 2013.0, 2013.03, 2013.04, 2016.1};
 constexpr sim::host::Word kStandard = 0xFFFFFFFF;
 
 const Names kMethods = {
@@ -36,9 +36,8 @@ constexpr PropertyRow kProperties[] = {
 } // namespace
 
 TEST_CASE("The item class declares its eight methods in their order, each with the flags 4, on every host") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         Names declarations;
         for (const auto &method : session.Host().Arrived().Class("MDItemQTX").methods) {
             declarations.push_back(method.declaration);
@@ -47,13 +46,12 @@ TEST_CASE("The item class declares its eight methods in their order, each with t
             CHECK(method.setterFunction == 0);
         }
         CHECK(declarations == kMethods);
-    }
+    });
 }
 
 TEST_CASE("The item class declares two stored and four computed read-only properties, on every host") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         const auto &properties = session.Host().Arrived().Class("MDItemQTX").properties;
         REQUIRE(properties.size() == std::size(kProperties));
         for (size_t i = 0; i < properties.size(); i++) {
@@ -67,13 +65,12 @@ TEST_CASE("The item class declares two stored and four computed read-only proper
             CHECK((properties[i].getter == kStandard) == kProperties[i].isStored);
             CHECK(properties[i].getter != 0);
         }
-    }
+    });
 }
 
 TEST_CASE("The item class has a destructor, 16 bytes of data and 174 shared methods, and nothing else") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         const auto &record = session.Host().Arrived().Class("MDItemQTX");
         CHECK(record.superName.empty());
         CHECK(record.dataSize == 16);
@@ -84,7 +81,7 @@ TEST_CASE("The item class has a destructor, 16 bytes of data and 174 shared meth
         CHECK(record.constants.empty());
         CHECK(record.sharedProperties.empty());
         CHECK(record.sharedMethods.size() == 174);
-    }
+    });
 }
 
 TEST_CASE("Handle is the first word of an item's data and Tag the second") {

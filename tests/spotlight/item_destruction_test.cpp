@@ -2,33 +2,30 @@
 #include <doctest/doctest.h>
 
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
 namespace {
-
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 
 int32_t WordOf(const void *reference) { return static_cast<int32_t>(reinterpret_cast<intptr_t>(reference)); }
 
 } // namespace
 
 TEST_CASE("Destroying an object releases its item once") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object item = program.NewItem(program.Add("a"));
         const auto kept = CFRef<MDItemRef>::Retain(ItemOf(item));
         CHECK(CFGetRetainCount(kept.Get()) == 2);
         item.Release();
         CHECK(CFGetRetainCount(kept.Get()) == 1);
-    }
+    });
 }
 
 TEST_CASE("Destroying an object whose Tag holds a value gives that value up exactly once") {
-    for (const double version : kVersions) {
+    AtUsualAges([&](double version) {
         for (const bool withItem : {false, true}) {
-            CAPTURE(version);
             CAPTURE(withItem);
             QueryProgram program(version);
             Object item = withItem ? program.NewItem(program.Add("a")) : program.Host().Create("MDItemQTX");
@@ -41,7 +38,7 @@ TEST_CASE("Destroying an object whose Tag holds a value gives that value up exac
             CHECK(date.References() == 1);
             CHECK(program.Host().CallCount("REALUnlockObject") == 1);
         }
-    }
+    });
 }
 
 TEST_CASE("Destroying an object with neither item nor Tag calls nothing of the host") {
@@ -103,8 +100,7 @@ TEST_CASE("On a host that cannot unlock, the item is released and the Tag's valu
 }
 
 TEST_CASE("Items of every origin stay whole after their query has gone") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         program.Add({"a", "b"});
         Object query = program.NewQuery("kMDItemFSName == '*'", {}, {"kMDItemFSName"});
@@ -127,5 +123,5 @@ TEST_CASE("Items of every origin stay whole after their query has gone") {
             CHECK(CFGetRetainCount(ItemOf(item)) == 1);
         }
         CHECK(names == Names{"a", "b", "c"});
-    }
+    });
 }

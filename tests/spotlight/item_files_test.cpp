@@ -64,7 +64,7 @@ struct FilesOfManyKinds {
         }
         REQUIRE(chmod(folder.PathOf("text").c_str(), 0400) == 0);
     }
-    ItemFolder folder;
+    TemporaryFolder folder;
     const Names names = {"text", "picture", "photo", "document", "page", "script", "bytes", "folder", "link"};
 };
 
@@ -196,7 +196,7 @@ TEST_CASE("A folder counts the entries that a listing shows") {
 
 TEST_CASE(
     "What a user wrote down with a file arrives as its text, list, number, date or truth, as getxattr(2) reads it") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt");
     const std::pair<const char *, std::string> kWritten[] = {
         {"user.xdg.comment", "Zo\xC3\xAB's, read twice"},

@@ -1,19 +1,17 @@
 // The four computed properties, and what an object without an item does: it raises, but for three of these.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <unistd.h>
 
 using namespace tests;
 
-namespace faults = sim::macos::faults;
-
 namespace {
 
-constexpr double kVersions[] = {2011.4, 2012.5, 2013.04, 2016.1};
 constexpr const char *kTextProperties[] = {"DisplayName", "FSName", "Path"};
 
 template <class Number> void SetSize(QueryProgram &program, QueryProgram::File file, CFNumberType type, Number size) {
@@ -24,18 +22,17 @@ template <class Number> void SetSize(QueryProgram &program, QueryProgram::File f
 } // namespace
 
 TEST_CASE("The computed properties give the names, the path and the size of the file") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("Zo\xC3\xAB.txt", "twelve bytes");
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         const Object item = ConstructItem(session.Host(), path);
         CHECK(item.Get<std::string>("DisplayName") == "Zo\xC3\xAB.txt");
         CHECK(item.Get<std::string>("FSName") == "Zo\xC3\xAB.txt");
         CHECK(item.Get<std::string>("Path") == path);
         CHECK(item.Get<int64_t>("FSSize") == 12);
         CHECK(session.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("Each computed text property reads the attribute of its own name") {
@@ -55,22 +52,20 @@ TEST_CASE("A computed text property of a file that lacks the attribute is the ni
     const Object item = program.NewItem(program.Add("letter"));
     for (const char *property : kTextProperties) {
         CAPTURE(property);
-        faults::FailCall("MDItemCopyAttribute", 1);
+        const Fault fault("MDItemCopyAttribute", 1);
         CHECK(item.Get(property).IsNil());
-        faults::Reset();
     }
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("FSSize holds sizes beyond 32 bits") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("large", "");
     REQUIRE(truncate64(path.c_str(), 5'000'000'000) == 0);
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         CHECK(ConstructItem(session.Host(), path).Get<int64_t>("FSSize") == 5'000'000'000);
-    }
+    });
 }
 
 TEST_CASE("FSSize is 0 where the size is missing or is no whole number, without an exception") {
@@ -103,9 +98,8 @@ TEST_CASE("The computed properties release what they copied") {
 }
 
 TEST_CASE("Without an item the three text properties are the nil string and silent, while FSSize raises and is 0") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         const Object item = session.Host().Create("MDItemQTX");
         for (const char *property : kTextProperties) {
             CAPTURE(property);
@@ -114,7 +108,7 @@ TEST_CASE("Without an item the three text properties are the nil string and sile
         }
         CHECK(item.Get<int64_t>("FSSize") == 0);
         CHECK(session.TakeException() == kNilItem);
-    }
+    });
 }
 
 TEST_CASE("Without an item every method raises the nil reference and gives the neutral value of its type") {
@@ -123,9 +117,8 @@ TEST_CASE("Without an item every method raises the nil reference and gives the n
         std::vector<Value> arguments;
         Value neutral;
     };
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        QueryProgram program(version);
+    AtEveryAge([&](std::optional<double> version) {
+        QueryProgram program(HostOptions{.version = version});
         const Row rows[] = {
             {"GetAttributes", {program.Strings({"kMDItemFSName"})}, nullptr},
             {"GetAttributes", {nullptr}, nullptr},
@@ -144,7 +137,7 @@ TEST_CASE("Without an item every method raises the nil reference and gives the n
             CHECK(item.CallWith(row.method, row.arguments) == row.neutral);
             CHECK(program.TakeException() == kNilItem);
         }
-    }
+    });
 }
 
 TEST_CASE("AttributeNames and AttributeStringArray make their array before they miss the item, and give it up") {

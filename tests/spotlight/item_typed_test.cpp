@@ -1,18 +1,16 @@
 // The four getters of one type each: what they take, what they refuse, and what they give for nothing.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
 constexpr const char *kWrongType = "RuntimeException: Wrong type used for getting attribute value.";
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 const sim::host::Text kMalformed{"\xC0\xAF", sim::host::kUTF8};
 
 struct Getter {
@@ -63,8 +61,7 @@ struct OneItem : QueryProgram {
 } // namespace
 
 TEST_CASE("AttributeString gives the text of a string") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         const std::string texts[] = {"A letter", "Zo\xC3\xAB \xF0\x9F\x98\x80", std::string(99, 'x'),
                                      std::string(100, 'x')};
@@ -73,7 +70,7 @@ TEST_CASE("AttributeString gives the text of a string") {
             CHECK(program.Read<std::string>("AttributeString") == text);
         }
         CHECK(program.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("AttributeBoolean gives true and false") {
@@ -86,8 +83,7 @@ TEST_CASE("AttributeBoolean gives true and false") {
 }
 
 TEST_CASE("AttributeDouble gives numbers of every kind") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         const auto read = [&](const CFRef<CFTypeRef> &number) {
             program.Set(number);
@@ -99,7 +95,7 @@ TEST_CASE("AttributeDouble gives numbers of every kind") {
         CHECK(read(NumberOf(kCFNumberSInt32Type, SInt32{300})) == 300);
         CHECK(read(NumberOf(kCFNumberSInt64Type, SInt64{3'000'000'000})) == 3e9);
         CHECK(program.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("AttributeDouble of a number that loses digits as a double gives 0.0 without an exception") {
@@ -113,8 +109,7 @@ TEST_CASE("AttributeDouble of a number that loses digits as a double gives 0.0 w
 }
 
 TEST_CASE("AttributeStringArray gives the elements of an array in their order, and an empty one for an empty one") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         for (const Names &texts : {Names{"one", "two", "", "zwei"}, Names{"only"}, Names{}}) {
             program.Set(ArrayOfTexts(texts).Get());
@@ -125,12 +120,11 @@ TEST_CASE("AttributeStringArray gives the elements of an array in their order, a
             CHECK(array.As<std::string>() == texts);
         }
         CHECK(program.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("A value of any other type raises the wrong type, full stop included, and gives the neutral value") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         OneItem program(version);
         CFRef<CFTypeRef> values[] = {
             Owned(MakeString("text").Give()),
@@ -163,7 +157,7 @@ TEST_CASE("A value of any other type raises the wrong type, full stop included, 
             CHECK(refusals >= 3);
             CHECK(CFGetRetainCount(value.Get()) == retained);
         }
-    }
+    });
 }
 
 TEST_CASE("Of an attribute that the item lacks, or that the framework does not give, each getter gives its neutral "
@@ -174,9 +168,8 @@ TEST_CASE("Of an attribute that the item lacks, or that the framework does not g
         CAPTURE(getter.name);
         CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, "missing")));
         CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, "")));
-        faults::FailCall("MDItemCopyAttribute", 1);
+        const Fault fault("MDItemCopyAttribute", 1);
         CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, "attribute")));
-        faults::Reset();
     }
     CHECK(program.item.Call<std::string>("AttributeString", "missing").empty());
     CHECK(program.Host().Raised().empty());
@@ -185,20 +178,20 @@ TEST_CASE("Of an attribute that the item lacks, or that the framework does not g
 TEST_CASE("For a name that does not convert each getter gives its neutral value and asks for no attribute") {
     OneItem program;
     program.Set(MakeString("there").Get());
-    faults::Reset();
-    faults::FailEvery("MDItemCopyAttribute");
-    for (const Getter &getter : kGetters) {
-        CAPTURE(getter.name);
-        CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, nullptr)));
-        CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, kMalformed)));
+    {
+        const Fault fault("MDItemCopyAttribute");
+        for (const Getter &getter : kGetters) {
+            CAPTURE(getter.name);
+            CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, nullptr)));
+            CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, kMalformed)));
+        }
+        CHECK(fault.Failed() == 0);
     }
-    CHECK(faults::Failed() == 0);
-    faults::Reset();
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("AttributeDouble of a file's creation date raises the wrong type, and of its size gives the bytes") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt", "Dear Ann");
     TestSession session;
     Object item = ConstructItem(session.Host(), path);

@@ -1,12 +1,13 @@
 // The 169 attribute keys of the item class: each has the text of the running system's constant, or its own name where
 // that system is older than the constant.
-#include "tests/spotlight/keys_expected.h"
+#include "tests/support/expected_keys.h"
 
 #include <doctest/doctest.h>
 
 #include "simulator/loader/load_error.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 #include <dlfcn.h>
 #include <set>
@@ -20,7 +21,6 @@ using sim::host::Text;
 
 namespace {
 
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 /// The one key that is a literal.
 constexpr const char *kDateAdded = "kMDItemDateAdded";
 constexpr size_t kSchemaMethods = 5;
@@ -78,8 +78,7 @@ TEST_CASE("There are 169 keys, 25 of them younger than 10.6") {
 }
 
 TEST_CASE("The keys are declared behind the five schema methods, in their order, each with a function of its own") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         TestSession session(version);
         const auto &methods = session.Host().Arrived().Class("MDItemQTX").sharedMethods;
         REQUIRE(methods.size() == kSchemaMethods + std::size(kExpectedKeys));
@@ -93,18 +92,17 @@ TEST_CASE("The keys are declared behind the five schema methods, in their order,
         CHECK(functions.count(0) == 0);
         for (size_t i = 0; i < std::size(kExpectedKeys); i++)
             CHECK(methods[kSchemaMethods + i].declaration == kExpectedKeys[i].name + std::string(" as string"));
-    }
+    });
 }
 
 TEST_CASE("Each key has the text of the system's constant, which is the key's name") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         TestSession session(version);
         for (const ExpectedKey &key : kExpectedKeys)
             CHECK(Key(session, key.name) == (IsDateAdded(key) ? OfLiteral(key.name) : OfConstant(key.name)));
         CHECK(session.Host().Raised().empty());
         CHECK(session.Host().Alive("string") == 0);
-    }
+    });
 }
 
 TEST_CASE("A key has whatever text the running system gives its constant, but for the one literal") {
@@ -119,15 +117,14 @@ TEST_CASE("A key has whatever text the running system gives its constant, but fo
 }
 
 TEST_CASE("On the oldest system each key whose constant is missing has its own name as text, and the others theirs") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         HostOptions options;
         options.version = version;
         TestSession session(options, YoungConstants());
         for (const ExpectedKey &key : kExpectedKeys)
             CHECK(Key(session, key.name) == (key.since == Since::k10_7 ? OfLiteral(key.name) : OfConstant(key.name)));
         CHECK(session.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("Each young constant can be missing alone") {
@@ -157,7 +154,7 @@ TEST_CASE("kMDItemDateAdded gives its 16 characters with and without the system'
 }
 
 TEST_CASE("A key names its attribute to an item, also where the system lacks the constant") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt", "Dear Ann");
     TestSession session({}, YoungConstants());
     auto &host = session.Host();

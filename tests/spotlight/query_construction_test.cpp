@@ -1,12 +1,10 @@
 // The six constructors: what reaches the framework, and what leaves an object without a query.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
@@ -178,9 +176,8 @@ TEST_CASE("A framework that makes no query leaves Handle at 0, and arrays and te
         CAPTURE(constructor);
         QueryProgram program;
         Object source = program.NewQuery();
-        faults::FailEvery(constructor < 3 ? "MDQueryCreate" : "MDQueryCreateSubset");
+        const Fault fault(constructor < 3 ? "MDQueryCreate" : "MDQueryCreateSubset", 1);
         Object query = Construct(program, constructor, kText, source);
-        faults::Reset();
         CHECK(query.Get<int32_t>("Handle") == 0);
         CHECK(program.Host().Raised().empty());
     }
@@ -189,9 +186,8 @@ TEST_CASE("A framework that makes no query leaves Handle at 0, and arrays and te
 TEST_CASE("An array for which no memory is left reaches the framework as none at all") {
     QueryProgram program;
     Object query = program.Host().Create("MDQueryQTX");
-    faults::FailCall("CFArrayCreateMutable", 1); // the sorting attributes come first
+    const Fault fault("CFArrayCreateMutable", 1); // the sorting attributes come first
     query.Call<void>("Constructor", kText, program.Strings({"kMDItemKind"}), program.Strings({"kMDItemFSName"}));
-    faults::Reset();
     CHECK(ValueNames(query) == Names{"kMDItemKind"});
     CHECK(SortNames(query) == std::nullopt);
 }

@@ -2,6 +2,7 @@
 #include <doctest/doctest.h>
 
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -54,14 +55,11 @@ template <class Record> Names DeclarationsOf(const std::vector<Record> &records)
     return declarations;
 }
 
-constexpr double kVersions[] = {2011.4, 2012.0, 2013.0, 2013.03, 2013.04, 2016.1};
-
 } // namespace
 
 TEST_CASE("The query class declares its 27 methods in their order, each with the flags 4, on every host") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        QueryProgram program(version);
+    AtEveryAge([&](std::optional<double> version) {
+        QueryProgram program(HostOptions{.version = version});
         const auto &methods = program.Host().Arrived().Class("MDQueryQTX").methods;
         CHECK(DeclarationsOf(methods) == kMethods);
         for (const auto &method : methods) {
@@ -69,15 +67,14 @@ TEST_CASE("The query class declares its 27 methods in their order, each with the
             CHECK(method.function != 0);
             CHECK((method.setterFunction != 0) == method.declaration.starts_with("BatchingParameters"));
         }
-    }
+    });
 }
 
 TEST_CASE("The query class declares Progress, Finish and Update, in this order, on every host") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        QueryProgram program(version);
+    AtEveryAge([&](std::optional<double> version) {
+        QueryProgram program(HostOptions{.version = version});
         CHECK(DeclarationsOf(program.Host().Arrived().Class("MDQueryQTX").events) == kEvents);
-    }
+    });
 }
 
 TEST_CASE("The query class has two stored properties, 16 bytes of data, a destructor and no superclass") {

@@ -3,8 +3,9 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/event_log.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <algorithm>
 #include <set>
@@ -14,8 +15,6 @@ using namespace tests;
 namespace faults = sim::macos::faults;
 
 namespace {
-
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 
 /// Uses every method of the class once, lives through all three events, and drops everything.
 void UseQueries(QueryProgram &program) {
@@ -77,66 +76,61 @@ std::set<std::string> NamesAskedFor(double version) {
 } // namespace
 
 TEST_CASE("A program's use of queries is in balance, with events, on hosts of every age") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         UseQueries(program);
         CHECK(program.TakeException() == kNilQuery);
         CHECK(program.Host().CallCount("GetEventInstance") >= 4);
-    }
+    });
 }
 
 TEST_CASE("Each service of the host may be missing: less happens, nothing crashes, nothing is lost") {
-    for (const double version : kVersions) {
+    AtUsualAges([&](double version) {
         const auto names = NamesAskedFor(version);
         CHECK(names.size() > 15);
         for (const std::string &name : names) {
             if (name == "PluginRegisterClass")
                 continue; // a host without classes has no program that uses them
-            CAPTURE(version);
             CAPTURE(name);
             QueryProgram program(HostOptions{.version = version, .withheld = {name}});
             UseQueries(program);
         }
-    }
+    });
 }
 
 TEST_CASE("Each service of the host may give nothing, once and for ever, and nothing is lost") {
-    for (const double version : kVersions)
+    AtUsualAges([&](double version) {
         for (const std::string &name : NamesAskedFor(version)) {
             const auto services = sim::host::Host::ServiceNames();
             const bool exists = std::find(services.begin(), services.end(), name) != services.end();
             if (!exists || name.starts_with("REALLock")) // a lock that does not lock is not one that is missing
                 continue;
             for (const int32_t last : {1, INT32_MAX}) {
-                CAPTURE(version);
                 CAPTURE(name);
                 QueryProgram program(version);
                 program.Host().ReturnNothing(name, 1, last);
                 UseQueries(program);
             }
         }
+    });
 }
 
 TEST_CASE("Each call of the system that can fail may fail: less happens, nothing crashes, nothing is lost") {
-    for (const double version : kVersions) {
+    AtUsualAges([&](double version) {
         size_t calls = 0;
         {
             QueryProgram program(version);
-            faults::Reset();
+            const Fault none(0);
             UseQueries(program);
-            calls = faults::Count();
+            calls = none.Count();
         }
         CHECK(calls > 15);
         for (size_t call = 1; call <= calls; call++) {
-            CAPTURE(version);
             CAPTURE(call);
             QueryProgram program(version);
-            faults::Reset();
-            faults::FailCall(call);
+            const Fault fault(call);
             UseQueries(program);
-            CHECK(faults::Failed() == 1);
-            faults::Reset();
+            CHECK(fault.Failed() == 1);
         }
-    }
+    });
 }

@@ -2,12 +2,11 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreFoundation/notifications.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
 
 using namespace tests;
 
-namespace faults = sim::macos::faults;
 namespace notifications = sim::macos::notifications;
 
 namespace {
@@ -68,9 +67,10 @@ TEST_CASE("A constructor that obtains no query observes nothing") {
     Object query = program.Host().Create("MDQueryQTX");
     query.Call<void>("Constructor", "malformed ==");
     query.Call<void>("Constructor", nullptr, "a == 1");
-    faults::FailEvery("MDQueryCreate");
-    query.Call<void>("Constructor", "a == 1");
-    faults::Reset();
+    {
+        const Fault fault("MDQueryCreate");
+        query.Call<void>("Constructor", "a == 1");
+    }
     CHECK(notifications::RegistrationCount() == 0);
 }
 

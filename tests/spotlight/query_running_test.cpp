@@ -1,12 +1,11 @@
 // Running a query, and asking what it was made of: each method is one call of the framework.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/event_log.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 TEST_CASE("Execute with updates gives true at once, and the query gathers while the run loop runs") {
     QueryProgram program;
@@ -125,20 +124,20 @@ TEST_CASE("QueryString is the text of the query, whatever characters it has") {
 TEST_CASE("QueryString is nil where the framework gives none") {
     QueryProgram program;
     Object query = program.NewQuery();
-    faults::FailEvery("MDQueryCopyQueryString");
-    CHECK(query.Get("QueryString").IsNil());
-    faults::Reset();
+    {
+        const Fault fault("MDQueryCopyQueryString");
+        CHECK(query.Get("QueryString").IsNil());
+    }
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("ValueListAttributes and SortingAttributes are the lists that the query was made with, in their order") {
-    for (const double version : {2011.4, 2013.04, 2016.1}) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         Object query = program.NewQuery("a == 1", {"kMDItemKind", "kMDItemFSName"}, {"kMDItemFSSize", "é"});
         CHECK(query.Get<Object>("ValueListAttributes").As<std::string>() == Names{"kMDItemKind", "kMDItemFSName"});
         CHECK(query.Get<Object>("SortingAttributes").As<std::string>() == Names{"kMDItemFSSize", "é"});
-    }
+    });
 }
 
 TEST_CASE("ValueListAttributes and SortingAttributes are empty arrays, not nil, for a query without such lists") {

@@ -4,6 +4,7 @@
 #include "simulator/macos/CoreFoundation/notifications.h"
 #include "simulator/macos/control/environment.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -63,11 +64,10 @@ void CheckEachRaises(QueryProgram &program) {
 } // namespace
 
 TEST_CASE("Without a query every method raises the nil reference and gives the neutral value of its type") {
-    for (const double version : {2011.4, 2013.04, 2016.1}) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         QueryProgram program(version);
         CheckEachRaises(program);
-    }
+    });
 }
 
 TEST_CASE("The nil query is found before any sort function is missed") {

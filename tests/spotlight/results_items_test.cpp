@@ -1,12 +1,11 @@
 // Results as item objects: one, some or all of them, and where one stands.
 #include <doctest/doctest.h>
 
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
@@ -20,13 +19,10 @@ struct ThreeResults : QueryProgram {
     Object query;
 };
 
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
-
 } // namespace
 
 TEST_CASE("ResultAtIndex gives an item object that keeps the result by a reference of its own") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         ThreeResults program(version);
         auto item = program.query.Call<Object>("ResultAtIndex", 1);
         REQUIRE(item);
@@ -40,7 +36,7 @@ TEST_CASE("ResultAtIndex gives an item object that keeps the result by a referen
         const auto retained = CFGetRetainCount(result);
         item.Release();
         CHECK(CFGetRetainCount(result) == retained - 1);
-    }
+    });
 }
 
 TEST_CASE("ResultAtIndex makes a new object each time, for the same item") {
@@ -70,15 +66,14 @@ TEST_CASE("Results(limit) gives so many results, and all of them for 0, for less
     const Names all = {"a", "b", "c"};
     const Row rows[] = {{-1, all}, {0, all}, {1, {"a"}}, {2, {"a", "b"}},  {3, all},
                         {4, all},  {5, all}, {-2, all},  {INT32_MIN, all}, {INT32_MAX, all}};
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         ThreeResults program(version);
         for (const Row &row : rows) {
             CAPTURE(row.limit);
             CHECK(program.Results(program.query, row.limit) == row.results);
         }
         CHECK(NamesIn(program.query.Call<Object>("Results")) == all); // the declared default
-    }
+    });
 }
 
 TEST_CASE("Results of a query without results is an empty array, not nil") {
@@ -109,12 +104,12 @@ TEST_CASE("The array that Results gives holds the only reference to each of its 
 
 TEST_CASE("A result for which the framework gives no item keeps its place in Results as nil") {
     ThreeResults program;
-    faults::FailCall("MDQueryGetResultAtIndex", 2);
-    CHECK(program.Results(program.query) == Names{"a", "(nil)", "c"});
-    faults::Reset();
-    faults::FailCall("MDQueryGetResultAtIndex", 1);
+    {
+        const Fault fault("MDQueryGetResultAtIndex", 2);
+        CHECK(program.Results(program.query) == Names{"a", "(nil)", "c"});
+    }
+    const Fault fault("MDQueryGetResultAtIndex", 1);
     CHECK(program.query.Call("ResultAtIndex", 0).IsNil());
-    faults::Reset();
     CHECK(program.Host().Raised().empty());
 }
 

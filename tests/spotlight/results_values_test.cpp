@@ -3,15 +3,14 @@
 
 #include "simulator/macos/CoreServices/metadata/query/asked_values.h"
 #include "simulator/macos/CoreServices/metadata/query/scripted_values.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/simulator/macos/query/support/values.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 #include <algorithm>
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 namespace {
 
@@ -42,13 +41,11 @@ struct Songs : QueryProgram {
 };
 
 const Value kUnreadable = sim::host::Text{"\xff\xfe\xfd", sim::host::kUTF8};
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 
 } // namespace
 
 TEST_CASE("CountOfResultsWithAttributeValue counts by texts and numbers of the value list") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         Songs songs(version);
         CHECK(songs.Count("kMDItemMusicalGenre", "Jazz") == 2);
         CHECK(songs.Count("kMDItemMusicalGenre", "Rock") == 1);
@@ -58,7 +55,7 @@ TEST_CASE("CountOfResultsWithAttributeValue counts by texts and numbers of the v
         CHECK(songs.Count("kMDItemRecordingYear", 1971.0) == 2);
         CHECK(songs.Count("kMDItemFSSize", "Jazz") == 0); // in none of the lists
         CHECK(songs.Host().Raised().empty());
-    }
+    });
 }
 
 TEST_CASE("CountOfResultsWithAttributeValue gives 0 without asking when name or value has no Core Foundation form") {
@@ -87,14 +84,13 @@ TEST_CASE("CountOfResultsWithAttributeValue asks once for a value that has a Cor
 }
 
 TEST_CASE("AttributeValueOfResultAtIndex gives the value as a variant, of value list and sorting attributes") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         Songs songs(version);
         CHECK(songs.ValueAt("kMDItemMusicalGenre", 0) == Value("Jazz"));
         CHECK(songs.ValueAt("kMDItemMusicalGenre", 1) == Value("Rock"));
         CHECK(songs.ValueAt("kMDItemFSName", 2) == Value("c"));
         CHECK(songs.ValueAt("kMDItemRecordingYear", 2).Describe().starts_with("1971"));
-    }
+    });
 }
 
 TEST_CASE("AttributeValueOfResultAtIndex gives nil where the framework has no value, and raises nothing") {
@@ -120,8 +116,7 @@ TEST_CASE("AttributeValueOfResultAtIndex borrows the framework's value") {
 }
 
 TEST_CASE("ValuesOfAttribute gives each distinct value of a value-list attribute once") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         Songs songs(version);
         auto genres = songs.Values("kMDItemMusicalGenre").As<std::string>();
         std::sort(genres.begin(), genres.end());
@@ -130,7 +125,7 @@ TEST_CASE("ValuesOfAttribute gives each distinct value of a value-list attribute
         CHECK(years.ClassName() == "variant()");
         CHECK(years.UpperBound() == 1);
         CHECK(years.References() == 1);
-    }
+    });
 }
 
 TEST_CASE("ValuesOfAttribute gives an empty array, not nil, for what is not in the value list") {
@@ -147,9 +142,8 @@ TEST_CASE("ValuesOfAttribute gives an empty array, not nil, for what is not in t
 
 TEST_CASE("ValuesOfAttribute gives an empty array where the framework gives none") {
     Songs songs;
-    faults::FailEvery("MDQueryCopyValuesOfAttribute");
+    const Fault fault("MDQueryCopyValuesOfAttribute", 1);
     const Object values = songs.Values("kMDItemMusicalGenre");
-    faults::Reset();
     REQUIRE(values);
     CHECK(values.UpperBound() == -1);
 }

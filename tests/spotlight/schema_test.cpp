@@ -2,8 +2,9 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/schema_session.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
 
@@ -13,7 +14,6 @@ using sim::macos::AddedSchemaAttribute;
 
 namespace {
 
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 constexpr const char *kTextMethods[] = {"DisplayNameForAttribute", "DisplayDescriptionForAttribute"};
 
 } // namespace
@@ -26,8 +26,7 @@ TEST_CASE("The five schema methods are declared first, in their order, each with
         "AttributeType(name as string) as string",
         "AttributeMultiValued(name as string) as boolean",
     };
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         TestSession session(version);
         const auto &methods = session.Host().Arrived().Class("MDItemQTX").sharedMethods;
         REQUIRE(methods.size() > expected.size());
@@ -35,12 +34,11 @@ TEST_CASE("The five schema methods are declared first, in their order, each with
             CHECK(methods[i].declaration == expected[i]);
             CHECK(methods[i].flags == 4);
         }
-    }
+    });
 }
 
 TEST_CASE("DisplayNameForAttribute and DisplayDescriptionForAttribute give the schema's words for an attribute") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         SchemaSession session(version);
         const AddedSchemaAttribute added({.name = "com_example_shelf",
                                           .displayName = "\xC3\x89tag\xC3\xA8re",
@@ -50,7 +48,7 @@ TEST_CASE("DisplayNameForAttribute and DisplayDescriptionForAttribute give the s
         CHECK(session.Ask("DisplayNameForAttribute", "com_example_shelf") == Value("\xC3\x89tag\xC3\xA8re"));
         CHECK(session.Ask("DisplayDescriptionForAttribute", "com_example_shelf") == Value("Where it stands"));
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE("An attribute that the schema does not know, or has no words for, has no name and no description") {
@@ -61,17 +59,15 @@ TEST_CASE("An attribute that the schema does not know, or has no words for, has 
                                   Value(kMalformed), Value("com_example_wordless")})
             CHECK(session.Ask(method, name).IsNil());
     for (const std::string method : kTextMethods) {
-        faults::FailCall("MDSchemaCopy" + method, 1);
+        const Fault fault("MDSchemaCopy" + method, 1);
         CHECK(session.Ask(method, "kMDItemFSSize").IsNil());
-        CHECK(faults::Failed() == 1);
-        faults::Reset();
+        CHECK(fault.Failed() == 1);
     }
     CHECK(session.TakeException() == "");
 }
 
 TEST_CASE("AllAttributes gives every attribute of the schema, in its order") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         SchemaSession session(version);
         const AddedSchemaAttribute added({.name = "com_example_shelf"});
         const auto all = session.All();
@@ -84,14 +80,13 @@ TEST_CASE("AllAttributes gives every attribute of the schema, in its order") {
         CHECK(names.front() == "kMDItemAttributeChangeDate");
         CHECK(names.back() == "com_example_shelf");
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE("AllAttributes gives an empty array where the schema gives nothing") {
     SchemaSession session;
-    faults::FailCall("MDSchemaCopyAllAttributes", 1);
+    const Fault fault("MDSchemaCopyAllAttributes", 1);
     const auto all = session.All();
-    faults::Reset();
     REQUIRE(all);
     CHECK(all.UpperBound() == -1);
     CHECK(session.TakeException() == "");
@@ -117,13 +112,11 @@ TEST_CASE("A name that does not convert is not asked for") {
     };
     for (const Row &row : kRows) {
         CAPTURE(row.method);
-        faults::Reset();
-        faults::FailEvery(row.call);
+        const Fault fault(row.call);
         session.Ask(row.method, nullptr);
         session.Ask(row.method, kMalformed);
-        CHECK(faults::Failed() == 0);
+        CHECK(fault.Failed() == 0);
         session.Ask(row.method, "kMDItemFSSize");
-        CHECK(faults::Failed() == 1);
+        CHECK(fault.Failed() == 1);
     }
-    faults::Reset();
 }

@@ -2,21 +2,18 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
-#include "simulator/macos/control/faults.h"
 #include "tests/spotlight/support/item_files.h"
 #include "tests/spotlight/support/schema_session.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 
 using namespace tests;
-
-namespace faults = sim::macos::faults;
 
 using sim::host::Text;
 using sim::macos::AddedSchemaAttribute;
 using sim::macos::ElementType;
 
 namespace {
-
-constexpr double kVersions[] = {2011.4, 2013.04, 2016.1};
 
 CFRef<CFMutableDictionaryRef> EmptyDescription() {
     return CFRef<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(
@@ -55,8 +52,7 @@ TEST_CASE("AttributeType names booleans, numbers, dates, strings, UUIDs and arra
         {"kMDItemLabelIcon", ""}, // data
         {"com_example_settings", ""},
     };
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         SchemaSession session(version);
         const AddedSchemaAttribute settings({.name = "com_example_settings", .type = ElementType::Dictionary});
         for (const Row &row : kRows) {
@@ -68,13 +64,12 @@ TEST_CASE("AttributeType names booleans, numbers, dates, strings, UUIDs and arra
                 CHECK(given.As<Text>().encoding == sim::host::kASCII);
         }
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE(
     "AttributeMultiValued is true for attributes with several values, such as the authors, and false for others") {
-    for (const double version : kVersions) {
-        CAPTURE(version);
+    AtUsualAges([&](double version) {
         SchemaSession session(version);
         const AddedSchemaAttribute numbers(
             {.name = "com_example_numbers", .type = ElementType::Number, .isMultiValued = true});
@@ -84,7 +79,7 @@ TEST_CASE(
             CHECK_FALSE(session.IsMultiValued(name));
         CHECK(session.TypeOf("com_example_numbers") == "Array");
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE("An unknown or unconvertible name has no type and is not multi-valued") {
@@ -95,10 +90,9 @@ TEST_CASE("An unknown or unconvertible name has no type and is not multi-valued"
         CHECK_FALSE(session.IsMultiValued(name));
     }
     for (const char *name : {"kMDItemAuthors", "kMDItemFSSize"}) {
-        faults::FailEvery("MDSchemaCopyMetaAttributesForAttribute");
+        const Fault fault("MDSchemaCopyMetaAttributesForAttribute");
         CHECK(session.Ask("AttributeType", name).IsNil());
         CHECK_FALSE(session.IsMultiValued(name));
-        faults::Reset();
     }
     CHECK(session.TakeException() == "");
 }
@@ -146,7 +140,7 @@ TEST_CASE("The schema's descriptions are released") {
 }
 
 TEST_CASE("Every attribute that a file has is of the type that AttributeType names, alone and in a dictionary") {
-    const ItemFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.File("letter.txt", "Dear Ann");
     REQUIRE(setxattr(path.c_str(), "user.xdg.tags", "Red,Blue", 8, 0) == 0);
     SchemaSession session;

@@ -2,21 +2,23 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/Carbon/search_window.h"
-#include "simulator/macos/control/faults.h"
+#include "tests/support/fault.h"
+#include "tests/support/host_ages.h"
 #include "tests/support/test_session.h"
 
 using sim::host::HostOptions;
 using sim::host::Text;
 using sim::host::Value;
+using tests::AtAges;
+using tests::AtEveryAge;
+using tests::Fault;
 using tests::TestSession;
 
-namespace faults = sim::macos::faults;
 namespace searchwindow = sim::macos::searchwindow;
 
 namespace {
 
 /// The method arrives in a module from 2013.0 to below 3000.0, and directly otherwise.
-constexpr double kVersions[] = {2011.4, 2012.0, 2012.99, 2013.0, 2013.04, 2016.1, 2999.9, 3000.0};
 
 struct Window {
     Window() { searchwindow::Reset(); }
@@ -37,21 +39,19 @@ struct Window {
 
 TEST_CASE("ShotlightQTX opens the search window with the text, without options, on either way of registration") {
     const Window window;
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         CHECK(session.Host().Global<int32_t>("ShotlightQTX", "Zo\xC3\xAB \xF0\x9F\x98\x80") == 0);
         const auto call = window.TakeCall();
         CHECK(call.text == std::u16string(u"Zo\u00EB \U0001F600"));
         CHECK(call.options == 0);
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE("ShotlightQTX gives the system's status unchanged and raises nothing") {
     const Window window;
-    for (const double version : {2012.5, 2013.04}) {
-        CAPTURE(version);
+    AtAges({2012.5, 2013.04}, [&](double version) {
         TestSession session(version);
         for (const OSStatus status : {-50, -108, 1, INT32_MAX, INT32_MIN, 0}) {
             searchwindow::SetStatus(status);
@@ -60,14 +60,13 @@ TEST_CASE("ShotlightQTX gives the system's status unchanged and raises nothing")
         CHECK(searchwindow::Calls().size() == 6);
         CHECK(session.TakeException() == "");
         searchwindow::Reset();
-    }
+    });
 }
 
 TEST_CASE("A nil or malformed search text reaches the system as nil, and the status comes back all the same") {
     const Window window;
-    for (const double version : kVersions) {
-        CAPTURE(version);
-        TestSession session(version);
+    AtEveryAge([&](std::optional<double> version) {
+        TestSession session(HostOptions{.version = version});
         for (const Value &text : {Value(nullptr), Value(Text{"\xC0\xAF", sim::host::kUTF8})}) {
             searchwindow::SetStatus(-50);
             CHECK(session.Host().Global<int32_t>("ShotlightQTX", text) == -50);
@@ -76,15 +75,16 @@ TEST_CASE("A nil or malformed search text reaches the system as nil, and the sta
             CHECK(call.options == 0);
         }
         CHECK(session.TakeException() == "");
-    }
+    });
 }
 
 TEST_CASE("Where no CFString can be made the window is opened with nil") {
     const Window window;
     TestSession session(HostOptions{.offersCFStrings = false});
-    faults::FailEvery("CFStringCreateWithBytes");
-    CHECK(session.Host().Global<int32_t>("ShotlightQTX", "words") == 0);
-    faults::Reset();
+    {
+        const Fault fault("CFStringCreateWithBytes");
+        CHECK(session.Host().Global<int32_t>("ShotlightQTX", "words") == 0);
+    }
     CHECK_FALSE(window.TakeCall().text.has_value());
 }
 

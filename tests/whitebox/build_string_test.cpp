@@ -4,12 +4,14 @@
 
 #include "host/build_string.h"
 #include "host/exceptions.h"
+#include "tests/support/host_ages.h"
 #include "tests/whitebox/small_host.h"
 
 #include <stdexcept>
 #include <typeinfo>
 #include <utility>
 
+using tests::AtAges;
 using whitebox::HostException;
 using whitebox::HostText;
 using whitebox::SmallHost;
@@ -59,7 +61,7 @@ Calls BuildCalls(SmallHost &host) {
 } // namespace
 
 TEST_CASE("No bytes, or a length outside 1 to 0x7FFFFFFF, give no string, and the host is not asked") {
-    for (const double version : kVersions)
+    AtAges(kVersions, [&](double version) {
         for (const CFStringEncoding encoding : {CFStringEncoding{0}, kUTF8, kUTF16, kUTF32}) {
             SmallHost host(version);
             CHECK(REALBuildUnicodeString(nullptr, 3, encoding) == nullptr);
@@ -67,12 +69,12 @@ TEST_CASE("No bytes, or a length outside 1 to 0x7FFFFFFF, give no string, and th
                 CHECK(REALBuildUnicodeString("abc", length, encoding) == nullptr);
             CHECK(host.Calls().empty());
         }
+    });
 }
 
 TEST_CASE("\"abc\" in MacRoman, Windows Latin-1 or an unknown encoding is built as ASCII") {
-    for (const double version : kVersions)
+    AtAges(kVersions, [&](double version) {
         for (const CFStringEncoding encoding : {0x0000U, 0x0500U, 0xFFFFU}) {
-            CAPTURE(version);
             CAPTURE(encoding);
             SmallHost host(version);
             CHECK(Build(host, "abc", encoding) == Text{{"abc", 0x0600}});
@@ -80,19 +82,21 @@ TEST_CASE("\"abc\" in MacRoman, Windows Latin-1 or an unknown encoding is built 
             CHECK(Build(host, std::string(1, '\0'), encoding) == Text{{std::string(1, '\0'), 0x0600}});
             CHECK(Build(host, "\x7F", encoding) == Text{{"\x7F", 0x0600}});
         }
+    });
 }
 
 TEST_CASE("One byte above 0x7F anywhere keeps MacRoman, Windows Latin-1 or the unknown encoding") {
-    for (const double version : kVersions)
+    AtAges(kVersions, [&](double version) {
         for (const CFStringEncoding encoding : {0x0000U, 0x0500U, 0xFFFFU})
             for (const char *text : {"\xE9", "\x80xy", "xy\xFF", "x\x80y"}) {
                 SmallHost host(version);
                 CHECK(Build(host, text, encoding) == Text{{text, encoding}});
             }
+    });
 }
 
 TEST_CASE("Every other one-byte encoding and UTF-8 are built as they are, ASCII or not") {
-    for (const double version : kVersions)
+    AtAges(kVersions, [&](double version) {
         for (const CFStringEncoding encoding : {0x0201U, 0x0600U, 0x08000100U, 0x12345U, 0xFFFFFFFFU})
             for (const char *text : {"abc", "\xC3\xA9", "\xFF"}) {
                 SmallHost host(version);
@@ -100,40 +104,40 @@ TEST_CASE("Every other one-byte encoding and UTF-8 are built as they are, ASCII 
                 CHECK(host.CallCount("REALBuildString") == 1);
                 CHECK(host.CallCount("REALConvertString") == 0);
             }
+    });
 }
 
 TEST_CASE("UTF-16 is built and converted by the host from 2012.0 on") {
-    for (const double version : {2012.0, 2012.5, 2013.0, 2016.0, 3000.0}) {
+    AtAges({2012.0, 2012.5, 2013.0, 2016.0, 3000.0}, [&](double version) {
         SmallHost host(version);
         CHECK(Build(host, BytesOf<char16_t>({u'a', 0x00E9, 0xD83D, 0xDE00}), kUTF16) ==
               Text{{"a\u00E9\U0001F600", kUTF8}});
         CHECK(BuildCalls(host) ==
               Calls{"REALBuildStringWithEncoding(8, 256)", "REALConvertString(134217984)", "REALUnlockString()"});
-    }
+    });
 }
 
 TEST_CASE("UTF-16 is built, tagged and converted on hosts below 2012.0") {
-    for (const double version : {0.0, 2011.4, 2011.99}) {
+    AtAges({0.0, 2011.4, 2011.99}, [&](double version) {
         SmallHost host(version);
         CHECK(Build(host, BytesOf<char16_t>({u'a', 0x00E9, 0xD83D, 0xDE00}), kUTF16) ==
               Text{{"a\u00E9\U0001F600", kUTF8}});
         CHECK(BuildCalls(host) == Calls{"REALBuildString(8)", "REALSetStringEncoding(256)",
                                         "REALConvertString(134217984)", "REALUnlockString()"});
-    }
+    });
 }
 
 TEST_CASE("UTF-32 is built and converted by the host from 2013.0 on") {
-    for (const double version : {2013.0, 2013.04, 2016.0, 3000.0}) {
+    AtAges({2013.0, 2013.04, 2016.0, 3000.0}, [&](double version) {
         SmallHost host(version);
         CHECK(Build(host, Points({U'a', 0x1F600}), kUTF32) == Text{{"a\U0001F600", kUTF8}});
         CHECK(BuildCalls(host) ==
               Calls{"REALBuildStringWithEncoding(8, 201326848)", "REALConvertString(134217984)", "REALUnlockString()"});
-    }
+    });
 }
 
 TEST_CASE("UTF-32 goes through UTF-16 on hosts below 2013.0") {
-    for (const double version : {0.0, 2011.4, 2012.0, 2012.99}) {
-        CAPTURE(version);
+    AtAges({0.0, 2011.4, 2012.0, 2012.99}, [&](double version) {
         SmallHost host(version);
         const auto built = [&](std::initializer_list<char32_t> points) { return Build(host, Points(points), kUTF32); };
         CHECK(built({0x1F600}) == Text{{"\xF0\x9F\x98\x80", kUTF8}});
@@ -142,7 +146,7 @@ TEST_CASE("UTF-32 goes through UTF-16 on hosts below 2013.0") {
         CHECK(built({0x10000}) == Text{{"\U00010000", kUTF8}});
         CHECK(built({0x10FFFF}) == Text{{"\U0010FFFF", kUTF8}});
         CHECK(built({0xD7FF, 0xE000}) == Text{{"\uD7FF\uE000", kUTF8}});
-    }
+    });
 }
 
 TEST_CASE("UTF-32 0x1F600 gives the pair 0xD83D 0xDE00 on hosts below 2013.0") {
@@ -154,22 +158,22 @@ TEST_CASE("UTF-32 0x1F600 gives the pair 0xD83D 0xDE00 on hosts below 2013.0") {
 }
 
 TEST_CASE("UTF-32 surrogates are dropped on hosts below 2013.0") {
-    for (const double version : {0.0, 2012.5}) {
+    AtAges({0.0, 2012.5}, [&](double version) {
         SmallHost host(version);
         for (const char32_t surrogate : {0xD800U, 0xDBFFU, 0xDC00U, 0xDFFFU}) {
             CHECK(Build(host, Points({surrogate}), kUTF32) == Text{{"", kUTF8}});
             CHECK(Build(host, Points({U'a', surrogate, U'b'}), kUTF32) == Text{{"ab", kUTF8}});
         }
         CHECK(Build(host, Points({0xD83D, 0xDE00}), kUTF32) == Text{{"", kUTF8}});
-    }
+    });
 }
 
 TEST_CASE("UTF-32 code points from 0x110000 on give 0xFFFD on hosts below 2013.0") {
-    for (const double version : {0.0, 2012.5}) {
+    AtAges({0.0, 2012.5}, [&](double version) {
         SmallHost host(version);
         for (const char32_t point : {0x110000U, 0x0011D800U, 0x7FFFFFFFU, 0xFFFFFFFFU, 0x8000D800U})
             CHECK(Build(host, Points({point}), kUTF32) == Text{{"\uFFFD", kUTF8}});
-    }
+    });
 }
 
 TEST_CASE("UTF-32 with bytes left over drops them on hosts below 2013.0") {
@@ -180,7 +184,7 @@ TEST_CASE("UTF-32 with bytes left over drops them on hosts below 2013.0") {
 }
 
 TEST_CASE("UTF-32 text on both sides of 800 bytes gives the same on hosts below 2013.0") {
-    for (const double version : {0.0, 2012.5})
+    AtAges({0.0, 2012.5}, [&](double version) {
         for (const size_t count : {1U, 198U, 199U, 200U, 201U, 5000U}) {
             CAPTURE(count);
             SmallHost host(version);
@@ -192,6 +196,7 @@ TEST_CASE("UTF-32 text on both sides of 800 bytes gives the same on hosts below 
                 CHECK(Build(host, Repeated(Points({0x1F600}), count) + rest, kUTF32) ==
                       Text{{Repeated("\U0001F600", count), kUTF8}});
         }
+    });
 }
 
 TEST_CASE("A host without \"REALBuildString\" gets no string") {
@@ -217,17 +222,18 @@ TEST_CASE("A host without \"REALBuildStringWithEncoding\" has nothing to convert
 }
 
 TEST_CASE("A host without \"REALConvertString\" gets no string, and the intermediate one is released") {
-    for (const double version : {2011.4, 2012.5, 2013.04})
+    AtAges({2011.4, 2012.5, 2013.04}, [&](double version) {
         for (const CFStringEncoding encoding : {kUTF16, kUTF32}) {
             SmallHost host(version);
             host.Withhold("REALConvertString");
             CHECK(Build(host, "abcd", encoding) == std::nullopt);
             CHECK(host.Alive() == 0);
         }
+    });
 }
 
 TEST_CASE("UTF-16 of no length at all is still built, and a length that no text has is not") {
-    for (const double version : {2011.4, 2012.5}) {
+    AtAges({2011.4, 2012.5}, [&](double version) {
         SmallHost host(version);
         CHECK(host.Take(REALBuildUnicodeStringUTF16("", 0)) == Text{{"", kUTF8}});
         const size_t calls = host.Calls().size();
@@ -235,7 +241,7 @@ TEST_CASE("UTF-16 of no length at all is still built, and a length that no text 
             CHECK(REALBuildUnicodeStringUTF16("ab", length) == nullptr);
         CHECK(REALBuildUnicodeStringUTF16(nullptr, 2) == nullptr);
         CHECK(host.Calls().size() == calls);
-    }
+    });
 }
 
 namespace {

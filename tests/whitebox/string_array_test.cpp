@@ -3,10 +3,12 @@
 
 #include "convert/string_arrays.h"
 #include "host/arrays.h"
+#include "tests/support/host_ages.h"
 #include "tests/whitebox/small_host.h"
 
 #include <utility>
 
+using tests::AtAges;
 using whitebox::HostException;
 using whitebox::HostText;
 using whitebox::SmallHost;
@@ -37,21 +39,23 @@ TEST_CASE("A null array has no elements, and the host is not asked") {
 }
 
 TEST_CASE("Index -1 on a three-element array raises \"OutOfBoundsException\" and gives null") {
-    for (const double version : kVersions)
+    AtAges(kVersions, [&](double version) {
         for (const bool isDirect : {false, true}) {
             SmallHost host(version);
             CHECK(REALGetArrayString(ThreeStrings(host, isDirect), -1) == nullptr);
             CHECK(MessageOfOne(host) == "Parameter index  is too small. Range is 0 to 2, but value is -1.");
         }
+    });
 }
 
 TEST_CASE("Index 3 on a three-element array raises \"OutOfBoundsException\" and gives null") {
-    for (const double version : kVersions)
+    AtAges(kVersions, [&](double version) {
         for (const bool isDirect : {false, true}) {
             SmallHost host(version);
             CHECK(REALGetArrayString(ThreeStrings(host, isDirect), 3) == nullptr);
             CHECK(MessageOfOne(host) == "Parameter index  is too big. Range is 0 to 2, but value is 3.");
         }
+    });
 }
 
 TEST_CASE("The range of an empty array reads 0 to -1") {
@@ -70,7 +74,7 @@ TEST_CASE("Without \"RuntimeUBound\" every array counts as one of a single eleme
 }
 
 TEST_CASE("Below 2016.0 an element is read from the table without a host call, and locked") {
-    for (const double version : {0.0, 2011.4, 2012.5, 2015.99}) {
+    AtAges({0.0, 2011.4, 2012.5, 2015.99}, [&](double version) {
         SmallHost host(version);
         _REALarrayString *array = ThreeStrings(host, true);
         REALstringStruct *string = REALGetArrayString(array, 2);
@@ -79,7 +83,7 @@ TEST_CASE("Below 2016.0 an element is read from the table without a host call, a
         CHECK(REALGetArrayString(array, 1) == nullptr);
         CHECK(host.CallCount("REALLockString") == 1);
         CHECK(host.CallCount("RuntimeDirectReadStringArray") == 0);
-    }
+    });
 }
 
 TEST_CASE("Below 2016.0 an array without a table is read through the host") {
@@ -91,12 +95,12 @@ TEST_CASE("Below 2016.0 an array without a table is read through the host") {
 }
 
 TEST_CASE("From 2016.0 on the place of the table is not looked at") {
-    for (const double version : {2016.0, 3000.0}) {
+    AtAges({2016.0, 3000.0}, [&](double version) {
         SmallHost host(version);
         _REALarrayString *array = ThreeStrings(host, true); // It points to where nothing may be read.
         CHECK(host.Take(REALGetArrayString(array, 0)) == HostText{"one", 0x0600});
         CHECK(host.CallCount("RuntimeDirectReadStringArray") == 1);
-    }
+    });
 }
 
 TEST_CASE("A host without \"RuntimeDirectReadStringArray\" gives no elements") {
@@ -132,14 +136,14 @@ constexpr CFStringEncoding kUTF8 = kCFStringEncodingUTF8;
 } // namespace
 
 TEST_CASE("Three strings added to a host array that already holds \"x\" give the three strings followed by \"x\"") {
-    for (const double version : kVersions) {
+    AtAges(kVersions, [&](double version) {
         SmallHost host(version);
         _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
         AddStringArray(array, NewCFArray({CFSTR("one"), CFSTR("two"), CFSTR("three")}, &kCFTypeArrayCallBacks).Get());
         CHECK(host.Elements(array) ==
               Texts{HostText{"one", kUTF8}, HostText{"two", kUTF8}, HostText{"three", kUTF8}, HostText{"x", kUTF8}});
         CHECK(host.Alive() == 4);
-    }
+    });
 }
 
 TEST_CASE("Adding an empty CFArray leaves the host array unchanged") {

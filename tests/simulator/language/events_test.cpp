@@ -1,11 +1,8 @@
 // The event loop: queries and timers, and when it ends.
 #include "tests/simulator/language/program_run.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 using namespace tests;
 
@@ -15,22 +12,17 @@ namespace {
 class Folder {
 public:
     Folder() {
-        std::string name = (std::filesystem::temp_directory_path() / "programs.XXXXXX").string();
-        path_ = mkdtemp(name.data());
-        std::ofstream(path_ / "one.txt") << "one";
-        std::ofstream(path_ / "two.txt") << "two!";
+        folder_.File("one.txt", "one");
+        folder_.File("two.txt", "two!");
     }
-    Folder(const Folder &) = delete;
-    Folder &operator=(const Folder &) = delete;
-    ~Folder() { std::filesystem::remove_all(path_); }
 
     std::string Scope() const {
-        return "Dim folders() As FolderItem = Array(New FolderItem(\"" + path_.string() +
+        return "Dim folders() As FolderItem = Array(New FolderItem(\"" + folder_.Path() +
                "\"))\nDim noNames() As String\nquery.SetSearchScope(folders, noNames)\n";
     }
 
 private:
-    std::filesystem::path path_;
+    TemporaryFolder folder_;
 };
 
 TEST_CASE("A class's handlers receive the query's events, and the loop ends when it neither gathers nor is live") {

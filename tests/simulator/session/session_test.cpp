@@ -1,4 +1,5 @@
 #include "simulator/session/session.h"
+#include "tests/support/host_ages.h"
 #include "tests/support/test_session.h"
 
 #include <CoreServices/CoreServices.h>
@@ -9,6 +10,7 @@
 namespace {
 
 using sim::host::Object;
+using tests::AtAges;
 
 sim::SessionOptions Options() {
     sim::SessionOptions options;
@@ -38,12 +40,12 @@ TEST_CASE("A session that is not to start waits until it is told") {
 }
 
 TEST_CASE("One session after the other starts afresh") {
-    for (const double version : {2011.4, 2016.1}) {
+    AtAges({2011.4, 2016.1}, [&](double version) {
         sim::SessionOptions options = Options();
         options.host.version = version;
         const sim::Session session(std::move(options));
         CHECK(session.Balance().empty());
-    }
+    });
 }
 
 TEST_CASE("A query that is leaked shows in the balance, with its observers and where it was made") {

@@ -1,5 +1,6 @@
 #include "simulator/macos/CoreFoundation/ledger.h"
 #include "simulator/session/system_files.h"
+#include "tests/support/temporary_folder.h"
 
 #include <CoreServices/CoreServices.h>
 #include <doctest/doctest.h>
@@ -17,21 +18,14 @@ using sim::host::FileReference;
 // A folder with a file in it, and the proof that looking at them leaves no object behind.
 class Files {
 public:
-    Files() : before_(sim::macos::ledger::Take()) {
-        std::string pattern = (std::filesystem::temp_directory_path() / "files-XXXXXX").string();
-        folder_ = std::filesystem::canonical(mkdtemp(pattern.data())).string();
-        std::ofstream(Path("größe.txt")).flush();
-    }
-    ~Files() {
-        std::filesystem::remove_all(folder_);
-        CHECK(sim::macos::ledger::Since(before_).ToText() == "");
-    }
-    std::string Path(const std::string &name) const { return folder_ + "/" + name; }
-    const std::string &Folder() const { return folder_; }
+    Files() : before_(sim::macos::ledger::Take()) { folder_.File("größe.txt", ""); }
+    ~Files() { CHECK(sim::macos::ledger::Since(before_).ToText() == ""); }
+    std::string Path(const std::string &name) const { return folder_.PathOf(name); }
+    const std::string &Folder() const { return folder_.Path(); }
 
 private:
     sim::macos::ledger::Snapshot before_;
-    std::string folder_;
+    tests::TemporaryFolder folder_;
 };
 
 FSSpec SpecOf(const FileReference &reference) {

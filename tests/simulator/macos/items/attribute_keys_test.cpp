@@ -1,6 +1,6 @@
 // The names of the attributes as a program imports them.
-#include "tests/simulator/macos/items/support/expected_attributes.h"
 #include "tests/simulator/macos/items/support/reading.h"
+#include "tests/support/expected_keys.h"
 
 #include <doctest/doctest.h>
 
@@ -9,8 +9,8 @@
 namespace sim::macos {
 
 TEST_CASE("every attribute name is exported, and its text is the name") {
-    CHECK(std::size(kExpectedAttributes) == 169);
-    for (const ExpectedAttribute &attribute : kExpectedAttributes) {
+    CHECK(std::size(::tests::kExpectedKeys) == 169);
+    for (const ::tests::ExpectedKey &attribute : ::tests::kExpectedKeys) {
         const std::string name(attribute.name);
         CAPTURE(name);
         const auto symbol = static_cast<const CFStringRef *>(dlsym(RTLD_DEFAULT, name.c_str()));

@@ -2,8 +2,8 @@
 #include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/stop.h"
 #include "tests/simulator/macos/items/support/balance.h"
-#include "tests/simulator/macos/items/support/expected_attributes.h"
 #include "tests/simulator/macos/items/support/reading.h"
+#include "tests/support/expected_keys.h"
 
 #include <doctest/doctest.h>
 
@@ -47,7 +47,7 @@ Value DisplayDescription(std::string_view name) {
 
 TEST_CASE("each attribute is described by its name, the type of its values and whether there are several") {
     const EndsBalanced balance;
-    for (const ExpectedAttribute &attribute : kExpectedAttributes) {
+    for (const ::tests::ExpectedKey &attribute : ::tests::kExpectedKeys) {
         const std::string name(attribute.name);
         CAPTURE(name);
         const auto metaAttributes = MetaAttributes(name);
@@ -62,7 +62,7 @@ TEST_CASE("each attribute is described by its name, the type of its values and w
 
 TEST_CASE("each attribute has a name and a description for people, and they are not its key") {
     const EndsBalanced balance;
-    for (const ExpectedAttribute &attribute : kExpectedAttributes) {
+    for (const ::tests::ExpectedKey &attribute : ::tests::kExpectedKeys) {
         const std::string name(attribute.name);
         CAPTURE(name);
         const std::string displayName = Text(DisplayName(name));
@@ -78,9 +78,9 @@ TEST_CASE("each attribute has a name and a description for people, and they are 
 TEST_CASE("the list of attributes holds each of the system's once, in the order of its headers") {
     const EndsBalanced balance;
     const auto names = Texts(Value::Adopt(MDSchemaCopyAllAttributes()));
-    REQUIRE(names.size() == std::size(kExpectedAttributes));
+    REQUIRE(names.size() == std::size(::tests::kExpectedKeys));
     for (std::size_t i = 0; i < names.size(); i++)
-        CHECK(names[i] == kExpectedAttributes[i].name);
+        CHECK(names[i] == ::tests::kExpectedKeys[i].name);
     CHECK(std::set(names.begin(), names.end()).size() == names.size());
 }
 

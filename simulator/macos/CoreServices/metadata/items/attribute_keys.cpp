@@ -2,6 +2,6 @@
 // each is its own name.
 #include <CoreServices/MDItem.h>
 
-#define ATTRIBUTE_KEY(key) const CFStringRef key = CFSTR(#key);
-#define ATTRIBUTE_KEY_10_7(key)
-#include "simulator/macos/CoreServices/metadata/items/attribute_keys.def"
+#define SCHEMA_ATTRIBUTE(key, ...) const CFStringRef key = CFSTR(#key);
+#define SCHEMA_ATTRIBUTE_10_7(key, ...)
+#include "simulator/macos/CoreServices/metadata/schema/attributes.def"

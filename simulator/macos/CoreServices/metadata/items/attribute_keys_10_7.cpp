@@ -2,6 +2,6 @@
 // export them: leaving this file out makes one.
 #include <CoreServices/MDItem.h>
 
-#define ATTRIBUTE_KEY(key)
-#define ATTRIBUTE_KEY_10_7(key) const CFStringRef key = CFSTR(#key);
-#include "simulator/macos/CoreServices/metadata/items/attribute_keys.def"
+#define SCHEMA_ATTRIBUTE(key, ...)
+#define SCHEMA_ATTRIBUTE_10_7(key, ...) const CFStringRef key = CFSTR(#key);
+#include "simulator/macos/CoreServices/metadata/schema/attributes.def"

@@ -1,18 +1,21 @@
-// The system's attributes as its headers give them, kept here a second time so that the simulator's list is held
-// against something. The headers give the four kMDItemLabel... attributes no type; the types here are the simulator's.
+// The attributes as tests expect them, in the order of their declaration: what the system's headers say of each, kept
+// here a second time so that the plugin's list and the simulator's are held against something. The headers give the
+// four kMDItemLabel... attributes no type; the types here are the simulator's.
 #pragma once
 
-#include <string_view>
+namespace tests {
 
-namespace sim::macos {
+enum class Since { k10_6OrBefore, k10_7 };
 
-struct ExpectedAttribute {
-    std::string_view name;
-    std::string_view elementType;
+struct ExpectedKey {
+    const char *name;
+    const char *elementType;
     bool isMultiValued;
+    /// The system in which the constant appeared.
+    Since since = Since::k10_6OrBefore;
 };
 
-inline constexpr ExpectedAttribute kExpectedAttributes[] = {
+inline constexpr ExpectedKey kExpectedKeys[] = {
     {"kMDItemAttributeChangeDate", "Date", false},
     {"kMDItemContentType", "String", false},
     {"kMDItemContentTypeTree", "String", true},
@@ -22,7 +25,7 @@ inline constexpr ExpectedAttribute kExpectedAttributes[] = {
     {"kMDItemEditors", "String", true},
     {"kMDItemParticipants", "String", true},
     {"kMDItemProjects", "String", true},
-    {"kMDItemDownloadedDate", "Date", false},
+    {"kMDItemDownloadedDate", "Date", false, Since::k10_7},
     {"kMDItemWhereFroms", "String", true},
     {"kMDItemComment", "String", false},
     {"kMDItemCopyright", "String", false},
@@ -52,9 +55,9 @@ inline constexpr ExpectedAttribute kExpectedAttributes[] = {
     {"kMDItemExposureMode", "Number", false},
     {"kMDItemExposureTimeSeconds", "Number", false},
     {"kMDItemEXIFVersion", "String", false},
-    {"kMDItemCameraOwner", "String", false},
-    {"kMDItemFocalLength35mm", "Number", false},
-    {"kMDItemLensModel", "String", false},
+    {"kMDItemCameraOwner", "String", false, Since::k10_7},
+    {"kMDItemFocalLength35mm", "Number", false, Since::k10_7},
+    {"kMDItemLensModel", "String", false, Since::k10_7},
     {"kMDItemEXIFGPSVersion", "String", false},
     {"kMDItemAltitude", "Number", false},
     {"kMDItemLatitude", "Number", false},
@@ -64,18 +67,18 @@ inline constexpr ExpectedAttribute kExpectedAttributes[] = {
     {"kMDItemGPSTrack", "Number", false},
     {"kMDItemImageDirection", "Number", false},
     {"kMDItemNamedLocation", "String", false},
-    {"kMDItemGPSStatus", "String", false},
-    {"kMDItemGPSMeasureMode", "String", false},
-    {"kMDItemGPSDOP", "Number", false},
-    {"kMDItemGPSMapDatum", "String", false},
-    {"kMDItemGPSDestLatitude", "Number", false},
-    {"kMDItemGPSDestLongitude", "Number", false},
-    {"kMDItemGPSDestBearing", "Number", false},
-    {"kMDItemGPSDestDistance", "Number", false},
-    {"kMDItemGPSProcessingMethod", "String", false},
-    {"kMDItemGPSAreaInformation", "String", false},
-    {"kMDItemGPSDateStamp", "Date", false},
-    {"kMDItemGPSDifferental", "Number", false},
+    {"kMDItemGPSStatus", "String", false, Since::k10_7},
+    {"kMDItemGPSMeasureMode", "String", false, Since::k10_7},
+    {"kMDItemGPSDOP", "Number", false, Since::k10_7},
+    {"kMDItemGPSMapDatum", "String", false, Since::k10_7},
+    {"kMDItemGPSDestLatitude", "Number", false, Since::k10_7},
+    {"kMDItemGPSDestLongitude", "Number", false, Since::k10_7},
+    {"kMDItemGPSDestBearing", "Number", false, Since::k10_7},
+    {"kMDItemGPSDestDistance", "Number", false, Since::k10_7},
+    {"kMDItemGPSProcessingMethod", "String", false, Since::k10_7},
+    {"kMDItemGPSAreaInformation", "String", false, Since::k10_7},
+    {"kMDItemGPSDateStamp", "Date", false, Since::k10_7},
+    {"kMDItemGPSDifferental", "Number", false, Since::k10_7},
     {"kMDItemCodecs", "String", true},
     {"kMDItemMediaTypes", "String", true},
     {"kMDItemStreamable", "Boolean", false},
@@ -173,15 +176,15 @@ inline constexpr ExpectedAttribute kExpectedAttributes[] = {
     {"kMDItemAuthorAddresses", "String", true},
     {"kMDItemRecipientAddresses", "String", true},
     {"kMDItemURL", "String", false},
-    {"kMDItemLabelIcon", "Data", false},
-    {"kMDItemLabelID", "Number", false},
-    {"kMDItemLabelKind", "String", false},
-    {"kMDItemLabelUUID", "UUID", false},
-    {"kMDItemIsLikelyJunk", "Boolean", false},
-    {"kMDItemExecutableArchitectures", "String", true},
-    {"kMDItemApplicationCategories", "String", true},
-    {"kMDItemIsApplicationManaged", "Boolean", false},
-    {"kMDItemDateAdded", "Date", false},
+    {"kMDItemLabelIcon", "Data", false, Since::k10_7},
+    {"kMDItemLabelID", "Number", false, Since::k10_7},
+    {"kMDItemLabelKind", "String", false, Since::k10_7},
+    {"kMDItemLabelUUID", "UUID", false, Since::k10_7},
+    {"kMDItemIsLikelyJunk", "Boolean", false, Since::k10_7},
+    {"kMDItemExecutableArchitectures", "String", true, Since::k10_7},
+    {"kMDItemApplicationCategories", "String", true, Since::k10_7},
+    {"kMDItemIsApplicationManaged", "Boolean", false, Since::k10_7},
+    {"kMDItemDateAdded", "Date", false, Since::k10_7},
 };
 
-} // namespace sim::macos
+} // namespace tests
