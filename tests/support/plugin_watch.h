@@ -33,6 +33,8 @@ public:
 
     /// How many there were so far.
     int Count() const { return count_; }
+    /// Counts from 0 again.
+    void Forget() { count_ = 0; }
 
 private:
     int count_ = 0;
