@@ -42,14 +42,14 @@ template <class Record> Bytes Command(Record record) {
 }
 
 // One thing wrong with the full image, and what is said of it.
-struct Fault {
+struct BrokenImage {
     const char *what;
     void (*change)(ImageBuilder &builder);
     std::string said;
 };
 
-void CheckFaults(std::span<const Fault> faults) {
-    for (const Fault &fault : faults) {
+void CheckFaults(std::span<const BrokenImage> faults) {
+    for (const BrokenImage &fault : faults) {
         CAPTURE(fault.what);
         ImageBuilder builder = FullImage();
         fault.change(builder);
@@ -84,7 +84,7 @@ TEST_CASE("A library is read into plain data") {
 }
 
 TEST_CASE("A file of another kind is refused for what it is") {
-    static const Fault faults[] = {
+    static const BrokenImage faults[] = {
         {"64 bits", [](auto &image) { image.header.magic = macho::kMagic64; },
          "is a 64-bit Mach-O file; only 32-bit Intel libraries can be loaded"},
         {"several architectures", [](auto &image) { image.header.magic = macho::kMagicFat; },
@@ -100,7 +100,7 @@ TEST_CASE("A file of another kind is refused for what it is") {
 }
 
 TEST_CASE("Load commands that lie about sizes, places or each other are refused") {
-    static const Fault faults[] = {
+    static const BrokenImage faults[] = {
         {"commands past the file", [](auto &image) { image.header.commandBytes = 0x10000; },
          "the load commands end after the file"},
         {"more commands than there are", [](auto &image) { image.header.commandCount = 100; },
@@ -158,7 +158,7 @@ TEST_CASE("Load commands that lie about sizes, places or each other are refused"
 }
 
 TEST_CASE("What is not modelled is refused, not passed over") {
-    static const Fault faults[] = {
+    static const BrokenImage faults[] = {
         {"an unknown command that must be obeyed",
          [](auto &image) {
              image.AddCommand(Command(macho::CommandHeader{0x33 | macho::kCommandRequired, 0}));
