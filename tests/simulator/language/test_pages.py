@@ -68,8 +68,9 @@ def programs_of(page: Path) -> list[Program]:
 
 
 def examples() -> list[Path]:
-    """The programs; a module of the toolkit runs inside those that name it."""
-    return [path for path in texts("*.bas") if path.parent != TREE / "examples/toolkit"]
+    """The programs; a module of the toolkit runs inside those that name it, and what is in bench/ when that measures."""
+    elsewhere = (TREE / "examples/toolkit", TREE / "bench")
+    return [path for path in texts("*.bas") if path.parent not in elsewhere]
 
 
 def example(path: Path) -> Program:
