@@ -12,7 +12,6 @@
 
 using namespace tests;
 
-namespace faults = sim::macos::faults;
 
 namespace {
 

@@ -8,7 +8,6 @@
 
 using namespace tests;
 
-namespace faults = sim::macos::faults;
 
 using sim::macos::AddedSchemaAttribute;
 
