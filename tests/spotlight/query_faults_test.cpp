@@ -12,7 +12,6 @@
 
 using namespace tests;
 
-
 namespace {
 
 /// Uses every method of the class once, lives through all three events, and drops everything.

@@ -8,7 +8,6 @@
 
 using namespace tests;
 
-
 using sim::macos::AddedSchemaAttribute;
 
 namespace {
