@@ -1,10 +1,14 @@
 """The folder that the examples of the pages run in: the files of examples/folder, with the dates and attributes that
-examples/folder.tsv gives them."""
+examples/folder.tsv gives them.
+
+    example_folder.py TREE FOLDER
+"""
 
 from __future__ import annotations
 
 import os
 import shutil
+import sys
 import tempfile
 from dataclasses import dataclass
 from datetime import datetime
@@ -49,3 +53,7 @@ def make(tree: Path, folder: Path) -> None:
     # What is made inside a folder changes its date, so the innermost come first.
     for file in sorted(files(tree), key=lambda file: file.name.count("/"), reverse=True):
         os.utime(folder / file.name, (file.changed.timestamp(),) * 2)
+
+
+if __name__ == "__main__":
+    make(Path(sys.argv[1]), Path(sys.argv[2]))

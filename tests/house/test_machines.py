@@ -16,6 +16,7 @@ import unittest
 from pathlib import Path
 
 import container
+import example_folder
 
 _TREE = Path(os.environ["SOURCE_TREE"])
 _WITHOUT_RIGHTS = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.getuid() == 0 else []
@@ -23,7 +24,7 @@ _WITHOUT_RIGHTS = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.ge
 
 class Machines(unittest.TestCase):
     def setUp(self) -> None:
-        temporary = tempfile.TemporaryDirectory()
+        temporary = tempfile.TemporaryDirectory(dir=example_folder.place())
         self.addCleanup(temporary.cleanup)
         self.tree = Path(temporary.name).resolve() / "tree"
         self.tools = self.tree.parent / "tools"
@@ -214,6 +215,27 @@ class Machines(unittest.TestCase):
                 self.assertEqual(self._dev("run", "--once").stderr, "")
                 source.unlink()
                 shutil.rmtree(self.tree / "build")
+
+    def test_a_program_finds_the_example_folder_where_the_home_has_no_documents(self) -> None:
+        self._is_built()
+        for place in ("examples", "tests/house"):
+            shutil.copytree(_TREE / place, self.tree / place)
+        program = self.tree / "build/release/bin/spotlight-program"
+        program.write_text('#!/bin/bash\necho "$HOME"\n', "utf-8")
+        program.chmod(0o555)
+        own = self.tree.parent / "own"
+        own.mkdir()
+        ran = self._dev("run", "tag-report.bas", environment={"HOME": str(own)})
+        given = self.tree / "build/example-home"
+        self.assertEqual((ran.returncode, ran.stdout), (0, f"{given}\n"))
+        self.assertEqual(
+            ran.stderr,
+            f"dev: there is no folder {own}/Documents, so the program finds the example folder in its place\n",
+        )
+        self.assertEqual(os.getxattr(given / "Documents/holiday.png", "user.kMDItemStarRating"), b"5")
+        (own / "Documents").mkdir()
+        ran = self._dev("run", "tag-report.bas", environment={"HOME": str(own)})
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (0, f"{own}\n", ""))
 
     def test_a_tree_that_is_built_and_cannot_be_written_to_just_runs(self) -> None:
         for mark in self._is_built():
