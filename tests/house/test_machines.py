@@ -220,6 +220,7 @@ class Machines(unittest.TestCase):
         self._is_built()
         for place in ("examples", "tests/house"):
             shutil.copytree(_TREE / place, self.tree / place)
+        (self.tree / "build/release/spotlight-program.built").touch()
         program = self.tree / "build/release/bin/spotlight-program"
         program.write_text('#!/bin/bash\necho "$HOME"\n', "utf-8")
         program.chmod(0o555)
