@@ -13,29 +13,29 @@ namespace {
 // What one element becomes; null leaves it out. One that is gone because the array shrinks meanwhile counts as nil or
 // false.
 
-OwnedCF<CFTypeRef> DateAt(_REALarray *array, int32_t index) {
+OwnedCF<CFTypeRef> CopyDateElement(_REALarray *array, int32_t index) {
     const auto date = ReadArrayObject(array, index);
     return AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(date.Get())));
 }
 
-OwnedCF<CFTypeRef> StringAt(_REALarray *array, int32_t index) {
+OwnedCF<CFTypeRef> CopyStringElement(_REALarray *array, int32_t index) {
     auto string = ReadArrayString(array, index);
     auto text = TextOrEmpty(string.Get());
     Release(string);
     return text;
 }
 
-OwnedCF<CFTypeRef> VariantAt(_REALarray *array, int32_t index) {
+OwnedCF<CFTypeRef> CopyVariantElement(_REALarray *array, int32_t index) {
     const auto variant = ReadArrayObject(array, index);
     return AdoptCF(CopyVariantAsCFType(variant.Get()));
 }
 
-OwnedCF<CFTypeRef> BooleanAt(_REALarray *array, int32_t index) {
+OwnedCF<CFTypeRef> CopyBooleanElement(_REALarray *array, int32_t index) {
     return HoldCF<CFTypeRef>(ReadArrayBoolean(array, index) ? kCFBooleanTrue : kCFBooleanFalse);
 }
 
 /// The list of what `elementAt` gives for each index that the array has at the beginning.
-template <class ElementAt> OwnedCF<CFMutableArrayRef> CopyElements(_REALarray *array, ElementAt elementAt) {
+template <class ElementAt> OwnedCF<CFMutableArrayRef> CopyArrayElements(_REALarray *array, ElementAt elementAt) {
     const int32_t upperBound = UpperBoundOf(array);
     auto list = AdoptCF(CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 1, &kCFTypeArrayCallBacks));
     if (!list)
@@ -46,16 +46,16 @@ template <class ElementAt> OwnedCF<CFMutableArrayRef> CopyElements(_REALarray *a
     return list;
 }
 
-template <auto elementAt> OwnedCF<CFMutableArrayRef> CopyEach(_REALarray *array) {
-    return CopyElements(array, [](_REALarray *elements, int32_t index) { return elementAt(elements, index); });
+template <auto elementAt> OwnedCF<CFMutableArrayRef> CopyEachElement(_REALarray *array) {
+    return CopyArrayElements(array, [](_REALarray *elements, int32_t index) { return elementAt(elements, index); });
 }
 
 // Deliberate: the numbers of the list are not those of the host array. The element getter, where the elements do not
 // lie in a table, is called and its answer dropped; each number is made from a local variable that then takes the new
 // number's reference in its low half. The variable has eight bytes, so that any number type stays inside it.
-template <auto &getElement, CFNumberType type> OwnedCF<CFMutableArrayRef> CopyNumbers(_REALarray *array) {
+template <auto &getElement, CFNumberType type> OwnedCF<CFMutableArrayRef> CopyNumberElements(_REALarray *array) {
     alignas(int64_t) UInt8 local[8] = {};
-    return CopyElements(array, [&local](_REALarray *numbers, int32_t index) {
+    return CopyArrayElements(array, [&local](_REALarray *numbers, int32_t index) {
         if (RequireArrayIndex(numbers, index) && !HasDirectElements(numbers))
             getElement(numbers, index);
         CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, type, local);
@@ -70,14 +70,14 @@ struct ArrayKind {
 };
 
 constexpr ArrayKind kArrayKinds[] = {
-    {kVariantInt32, CopyNumbers<REALGetArrayValueInteger, kCFNumberSInt32Type>},
-    {kVariantInt64, CopyNumbers<REALGetArrayValueInt64, kCFNumberSInt64Type>},
-    {kVariantSingle, CopyNumbers<REALGetArrayValueSingle, kCFNumberFloat32Type>},
-    {kVariantDouble, CopyNumbers<REALGetArrayValueDouble, kCFNumberFloat64Type>},
-    {kVariantDate, CopyEach<DateAt>},
-    {kVariantString, CopyEach<StringAt>},
-    {kVariantObject, CopyEach<VariantAt>},
-    {kVariantBoolean, CopyEach<BooleanAt>},
+    {kVariantInt32, CopyNumberElements<REALGetArrayValueInteger, kCFNumberSInt32Type>},
+    {kVariantInt64, CopyNumberElements<REALGetArrayValueInt64, kCFNumberSInt64Type>},
+    {kVariantSingle, CopyNumberElements<REALGetArrayValueSingle, kCFNumberFloat32Type>},
+    {kVariantDouble, CopyNumberElements<REALGetArrayValueDouble, kCFNumberFloat64Type>},
+    {kVariantDate, CopyEachElement<CopyDateElement>},
+    {kVariantString, CopyEachElement<CopyStringElement>},
+    {kVariantObject, CopyEachElement<CopyVariantElement>},
+    {kVariantBoolean, CopyEachElement<CopyBooleanElement>},
 };
 
 } // namespace

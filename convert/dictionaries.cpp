@@ -23,17 +23,17 @@ void LoadDictionaryMethods(REALobjectStruct *dictionary) {
 
 namespace {
 
-OwnedObject KeyAt(REALobjectStruct *dictionary, int32_t index) {
+OwnedObject DictionaryKeyAt(REALobjectStruct *dictionary, int32_t index) {
     LoadDictionaryMethods(dictionary);
     return AdoptHost(LastDictionaryKeyGetter ? LastDictionaryKeyGetter(dictionary, index) : nullptr);
 }
 
-OwnedObject ValueOf(REALobjectStruct *dictionary, const OwnedObject &key) {
+OwnedObject DictionaryValueOf(REALobjectStruct *dictionary, const OwnedObject &key) {
     LoadDictionaryMethods(dictionary);
     return AdoptHost(LastDictionaryGetter ? LastDictionaryGetter(dictionary, key.Get()) : nullptr);
 }
 
-OwnedCF<CFTypeRef> CopyOrNull(const OwnedObject &value) {
+OwnedCF<CFTypeRef> CopyEntryOrNull(const OwnedObject &value) {
     auto converted = AdoptCF(CopyVariantAsCFType(value.Get()));
     return converted ? std::move(converted) : HoldCF<CFTypeRef>(kCFNull);
 }
@@ -53,11 +53,11 @@ OwnedCF<CFMutableDictionaryRef> CopyDictionary(REALobjectStruct *dictionary) {
     for (int32_t i = 0; i < count; i++) {
         // Both reads look at the cache: it was emptied if the entry before held a dictionary, and by whatever the host
         // ran in between.
-        auto key = KeyAt(dictionary, i);
-        auto value = ValueOf(dictionary, key);
+        auto key = DictionaryKeyAt(dictionary, i);
+        auto value = DictionaryValueOf(dictionary, key);
         if (key) {
-            const auto convertedKey = CopyOrNull(key);
-            const auto convertedValue = CopyOrNull(value);
+            const auto convertedKey = CopyEntryOrNull(key);
+            const auto convertedValue = CopyEntryOrNull(value);
             CFDictionarySetValue(result.Get(), convertedKey.Get(), convertedValue.Get());
         }
         Release(key, value);

@@ -13,7 +13,7 @@ namespace {
 
 /// The name in canonical decomposition (form D), in which HFS volumes store it; the name itself where no copy can be
 /// made.
-OwnedCF<CFStringRef> Decomposed(CFStringRef name) {
+OwnedCF<CFStringRef> DecomposedFileName(CFStringRef name) {
     auto copy = AdoptCF(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, name));
     if (!copy)
         return HoldCF(name);
@@ -23,7 +23,7 @@ OwnedCF<CFStringRef> Decomposed(CFStringRef name) {
 
 /// Whether the record holds no more than it can, and no half of a surrogate pair: a URL cannot be made of one, and the
 /// system crashes on the attempt.
-bool IsWellFormed(const HFSUniStr255 &name) {
+bool IsWellFormedFileName(const HFSUniStr255 &name) {
     constexpr UInt16 kLongestName = 255;
     if (name.length > kLongestName)
         return false;
@@ -38,17 +38,17 @@ bool IsWellFormed(const HFSUniStr255 &name) {
     return !isPairOpen;
 }
 
-OwnedCF<CFURLRef> URLOfExistingItem(REALfolderItemStruct *item) {
+OwnedCF<CFURLRef> URLOfExistingFolderItem(REALfolderItemStruct *item) {
     FSRef ref;
     if (!REALFSRefFromFolderItem(item, &ref, nullptr))
         return {};
     return AdoptCF(CFURLCreateFromFSRef(kCFAllocatorDefault, &ref));
 }
 
-OwnedCF<CFURLRef> URLOfNewItem(REALfolderItemStruct *item) {
+OwnedCF<CFURLRef> URLOfNewFolderItem(REALfolderItemStruct *item) {
     FSRef parent;
     HFSUniStr255 name = {};
-    if (!REALFSRefFromFolderItem(item, &parent, &name) || !IsWellFormed(name))
+    if (!REALFSRefFromFolderItem(item, &parent, &name) || !IsWellFormedFileName(name))
         return {};
     const auto folder = AdoptCF(CFURLCreateFromFSRef(kCFAllocatorDefault, &parent));
     if (!folder || name.length == 0)
@@ -57,18 +57,22 @@ OwnedCF<CFURLRef> URLOfNewItem(REALfolderItemStruct *item) {
     const auto written = AdoptCF(CFStringCreateWithCharacters(kCFAllocatorDefault, name.unicode, length));
     if (!written)
         return {};
-    const auto decomposed = Decomposed(written.Get());
+    const auto decomposed = DecomposedFileName(written.Get());
     return AdoptCF(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, folder.Get(), decomposed.Get(), false));
 }
 
 } // namespace
 
+bool IsFolderItem(REALobjectStruct *object) {
+    return REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem") != nullptr;
+}
+
 CFURLRef CreateCFURLfromFolderItem(REALfolderItemStruct *item) {
     if (!item)
         return nullptr;
-    if (auto url = URLOfExistingItem(item))
+    if (auto url = URLOfExistingFolderItem(item))
         return url.Give();
-    return URLOfNewItem(item).Give();
+    return URLOfNewFolderItem(item).Give();
 }
 
 namespace {
@@ -98,8 +102,8 @@ OwnedHost<REALfolderItemStruct> FolderItemOfExistingFile(const FSRef &item) {
 }
 
 /// Longer names are cut off at what the structure holds.
-HFSUniStr255 StoredName(CFStringRef leaf) {
-    const auto decomposed = Decomposed(leaf);
+HFSUniStr255 StoredFileName(CFStringRef leaf) {
+    const auto decomposed = DecomposedFileName(leaf);
     HFSUniStr255 name = {};
     const CFIndex length = std::clamp<CFIndex>(CFStringGetLength(decomposed.Get()), 0, 255);
     name.length = static_cast<UInt16>(length);
@@ -115,11 +119,11 @@ OwnedHost<REALfolderItemStruct> FolderItemOfNewFile(CFURLRef url) {
     const auto leaf = AdoptCF(CFURLCopyLastPathComponent(url));
     if (!leaf)
         return {};
-    const HFSUniStr255 name = StoredName(leaf.Get());
+    const HFSUniStr255 name = StoredFileName(leaf.Get());
     return AdoptHost(REALFolderItemFromParentFSRef(&parent, &name));
 }
 
-OwnedObject AbsoluteText(CFURLRef url) {
+OwnedObject AbsoluteURLText(CFURLRef url) {
     auto absolute = AdoptCF(CFURLCopyAbsoluteURL(url));
     if (!absolute)
         return {};
@@ -135,5 +139,5 @@ OwnedObject FolderItemOrText(CFURLRef url) {
     auto folderItem = CFURLGetFSRef(url, &item) ? FolderItemOfExistingFile(item) : FolderItemOfNewFile(url);
     if (folderItem)
         return folderItem;
-    return AbsoluteText(url);
+    return AbsoluteURLText(url);
 }

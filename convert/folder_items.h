@@ -5,6 +5,9 @@
 
 #include "host/owned.h"
 
+/// Whether the object is a folder item: known by a method that only these have.
+bool IsFolderItem(REALobjectStruct *object);
+
 /// +1; the URL of an existing item, or of one that does not exist yet in a folder that does. Null for anything else,
 /// and for a new item whose name is not well-formed UTF-16.
 [[nodiscard]] CFURLRef CreateCFURLfromFolderItem(REALfolderItemStruct *item);

@@ -20,10 +20,10 @@ namespace {
 
 OwnedObject NilValue(CFNullRef) { return {}; }
 
-OwnedObject BooleanVariant(CFBooleanRef value) { return AdoptHost(BooleanToVariant(CFBooleanGetValue(value))); }
+OwnedObject BooleanValue(CFBooleanRef value) { return AdoptHost(BooleanToVariant(CFBooleanGetValue(value))); }
 
 /// A 64-bit float, a 32-bit integer or a 64-bit integer, as the number is stored.
-OwnedObject NumberVariant(CFNumberRef number) {
+OwnedObject NumberValue(CFNumberRef number) {
     double real = 0;
     if (CFNumberIsFloatType(number) && CFNumberGetValue(number, kCFNumberDoubleType, &real))
         return AdoptHost(DoubleToVariant(real));
@@ -36,7 +36,7 @@ OwnedObject NumberVariant(CFNumberRef number) {
     return {};
 }
 
-OwnedObject StringVariant(CFStringRef value) {
+OwnedObject StringValue(CFStringRef value) {
     const auto text = AdoptHost(CFString2RBString(value));
     return AdoptHost(text ? StringToVariant(text.Get()) : nullptr);
 }
@@ -55,7 +55,7 @@ template <auto convert> OwnedObject ConvertBy(CFTypeRef value, const char *) {
     return convert(static_cast<decltype(ParameterOf(convert))>(value));
 }
 
-template <auto retain> OwnedObject WrapBy(CFTypeRef value, const char *className) {
+template <auto retain> OwnedObject ConvertByWrapping(CFTypeRef value, const char *className) {
     return NewWrapper(value, className, RetainBy<retain>);
 }
 
@@ -66,7 +66,7 @@ template <CFTypeID (*typeID)(), auto convert> constexpr Conversion Converted() {
 
 /// A wrapper that keeps the reference with the type's own retain function. There is no class to fall back on.
 template <CFTypeID (*typeID)(), auto retain> constexpr Conversion Wrapped(const char *className) {
-    return {IsOfType<typeID>, WrapBy<retain>, className};
+    return {IsOfType<typeID>, ConvertByWrapping<retain>, className};
 }
 
 /// A wrapper of the named class, or else a "CFObjectQTX".
@@ -76,12 +76,12 @@ template <CFTypeID (*typeID)()> constexpr Conversion WrappedOrCFObject(const cha
 
 constexpr Conversion kNaturalValues[] = {
     Converted<CFURLGetTypeID, FolderItemOrText>(),
-    Converted<CFBooleanGetTypeID, BooleanVariant>(),
-    Converted<CFNumberGetTypeID, NumberVariant>(),
+    Converted<CFBooleanGetTypeID, BooleanValue>(),
+    Converted<CFNumberGetTypeID, NumberValue>(),
     Converted<CFArrayGetTypeID, NewHostArray>(),
     Converted<CFNullGetTypeID, NilValue>(),
     Converted<CFDictionaryGetTypeID, NewHostDictionary>(),
-    Converted<CFStringGetTypeID, StringVariant>(),
+    Converted<CFStringGetTypeID, StringValue>(),
     Converted<CFDataGetTypeID, NewMemoryBlock>(),
     Converted<CFDateGetTypeID, NewHostDate>(),
     Wrapped<CGColorSpaceGetTypeID, CGColorSpaceRetain>("CGColorSpaceQTX"),
@@ -129,7 +129,7 @@ constexpr Conversion kWrapperClasses[] = {
     WrappedOrCFObject<CTRunDelegateGetTypeID>("CTRunDelegateQTX"),
 };
 
-template <size_t n> const Conversion *FirstMatch(const Conversion (&rows)[n], CFTypeID type) {
+template <size_t n> const Conversion *FindConversion(const Conversion (&rows)[n], CFTypeID type) {
     for (const Conversion &row : rows)
         if (row.matches(type))
             return &row;
@@ -138,33 +138,29 @@ template <size_t n> const Conversion *FirstMatch(const Conversion (&rows)[n], CF
 
 // From the host.
 
-template <class Value> OwnedCF<CFNumberRef> Number(CFNumberType type, Value value) {
+template <class Value> OwnedCF<CFNumberRef> CopyNumberValue(CFNumberType type, Value value) {
     return AdoptCF(CFNumberCreate(kCFAllocatorDefault, type, &value));
 }
 
-OwnedCF<CFBooleanRef> Boolean8(int32_t value) {
+OwnedCF<CFBooleanRef> CopyBooleanValue(int32_t value) {
     // Deliberate: only the low eight bits count.
     return HoldCF((value & 0xFF) != 0 ? kCFBooleanTrue : kCFBooleanFalse);
 }
 
-OwnedCF<CGColorRef> Color(int32_t packed) {
+OwnedCF<CGColorRef> CopyColorValue(int32_t packed) {
     const auto component = [packed](int shift) {
         return static_cast<CGFloat>(((static_cast<uint32_t>(packed) >> shift) & 0xFF) / 255.0);
     };
     return AdoptCF(CGColorCreateGenericRGB(component(16), component(8), component(0), 1.0F));
 }
 
-OwnedCF<CFStringRef> Text(REALobjectStruct *value) {
+OwnedCF<CFStringRef> CopyTextValue(REALobjectStruct *value) {
     const auto string = AdoptHost(GetVariantString(value));
     return TextOrEmpty(string.Get());
 }
 
-bool IsFolderItem(REALobjectStruct *object) {
-    return REALLoadObjectMethod(object, "TrueItem(Index as integer) as Folderitem") != nullptr;
-}
-
 /// Memory blocks, folder items, dictionaries and the objects of companion plugins, tested in a fixed order.
-OwnedCF<CFTypeRef> ConvertObject(REALobjectStruct *object) {
+OwnedCF<CFTypeRef> CopyObjectValue(REALobjectStruct *object) {
     if (IsA(object, "MemoryBlock"))
         return CopyMemoryBlock(object);
     if (IsFolderItem(object))
@@ -174,33 +170,33 @@ OwnedCF<CFTypeRef> ConvertObject(REALobjectStruct *object) {
     return CopyCompanion(object);
 }
 
-OwnedCF<CFTypeRef> Convert(REALobjectStruct *value) {
+OwnedCF<CFTypeRef> CopyValue(REALobjectStruct *value) {
     const int32_t type = GetVariantType(value);
     switch (type) {
     case kVariantNil:
         return {};
     case kVariantInt32:
-        return Number(kCFNumberSInt32Type, GetVariantInt32(value));
+        return CopyNumberValue(kCFNumberSInt32Type, GetVariantInt32(value));
     case kVariantInt64:
-        return Number(kCFNumberSInt64Type, GetVariantInt64(value));
+        return CopyNumberValue(kCFNumberSInt64Type, GetVariantInt64(value));
     case kVariantSingle:
-        return Number(kCFNumberFloat32Type, GetVariantSingle(value));
+        return CopyNumberValue(kCFNumberFloat32Type, GetVariantSingle(value));
     case kVariantDouble:
     case kVariantOtherDouble:
-        return Number(kCFNumberFloat64Type, GetVariantDouble(value));
+        return CopyNumberValue(kCFNumberFloat64Type, GetVariantDouble(value));
     case kVariantDate:
         return AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(value)));
     case kVariantObject:
-        return ConvertObject(value);
+        return CopyObjectValue(value);
     case kVariantBoolean:
-        return Boolean8(GetVariantInt32(value));
+        return CopyBooleanValue(GetVariantInt32(value));
     case kVariantColor:
-        return Color(GetVariantInt32(value));
+        return CopyColorValue(GetVariantInt32(value));
     default:
         if (const ArrayConversion convert = ConversionOfArray(type))
             return convert(static_cast<_REALarray *>(value));
         // Every code without a branch of its own goes through the host's own conversion to text.
-        return Text(value);
+        return CopyTextValue(value);
     }
 }
 
@@ -209,11 +205,11 @@ OwnedCF<CFTypeRef> Convert(REALobjectStruct *value) {
 REALobjectStruct *GetCFTypeAsVariant(CFTypeRef value) {
     if (!value || value == kCFNull)
         return nullptr;
-    if (const Conversion *row = FirstMatch(kNaturalValues, CFGetTypeID(value)))
+    if (const Conversion *row = FindConversion(kNaturalValues, CFGetTypeID(value)))
         return row->convert(value, row->className).Give();
-    if (const Conversion *row = FirstMatch(kWrapperClasses, CFGetTypeID(value)))
+    if (const Conversion *row = FindConversion(kWrapperClasses, CFGetTypeID(value)))
         return row->convert(value, row->className).Give();
     return NewWrapperOrCFObject(value, "CFObjectQTX").Give();
 }
 
-CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) { return value ? Convert(value).Give() : nullptr; }
+CFTypeRef CopyVariantAsCFType(REALobjectStruct *value) { return value ? CopyValue(value).Give() : nullptr; }

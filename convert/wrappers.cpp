@@ -39,7 +39,7 @@ OwnedObject NewWrapperOrCFObject(CFTypeRef value, const char *className) {
 namespace {
 
 /// The doubles at the start of a geometry object's data, narrowed to the platform's 32-bit coordinates.
-template <size_t n> OwnedCF<CFTypeRef> CopyGeometry(REALobjectStruct *object) {
+template <size_t n> OwnedCF<CFTypeRef> CopyCompanionGeometry(REALobjectStruct *object) {
     const auto &fields = CompanionData<std::array<double, n>>(object);
     std::array<CGFloat, n> coordinates;
     std::transform(fields.begin(), fields.end(), coordinates.begin(),
@@ -48,7 +48,7 @@ template <size_t n> OwnedCF<CFTypeRef> CopyGeometry(REALobjectStruct *object) {
         CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(coordinates.data()), sizeof coordinates));
 }
 
-template <auto retain> OwnedCF<CFTypeRef> CopyHeld(REALobjectStruct *object) {
+template <auto retain> OwnedCF<CFTypeRef> CopyCompanionReference(REALobjectStruct *object) {
     const CFTypeRef held = CompanionData<WrapperData>(object).Ref;
     return AdoptCF(held ? RetainBy<retain>(held) : nullptr);
 }
@@ -60,31 +60,31 @@ struct ObjectConversion {
 
 /// The companions' classes, in the order in which they are tested.
 constexpr ObjectConversion kCompanionClasses[] = {
-    {"CGRectQTX", CopyGeometry<4>},
-    {"CGSizeQTX", CopyGeometry<2>},
-    {"CGPointQTX", CopyGeometry<2>},
-    {"CGImageQTX", CopyHeld<CGImageRetain>},
-    {"CGColorSpaceQTX", CopyHeld<CGColorSpaceRetain>},
-    {"CGColorQTX", CopyHeld<CGColorRetain>},
-    {"CGDataProviderQTX", CopyHeld<CGDataProviderRetain>},
-    {"CGDataConsumerQTX", CopyHeld<CGDataConsumerRetain>},
-    {"CGFontQTX", CopyHeld<CFRetain>},
-    {"CGContextQTX", CopyHeld<CFRetain>},
-    {"CGEventQTX", CopyHeld<CFRetain>},
-    {"CGEventSourceQTX", CopyHeld<CFRetain>},
-    {"CGLayerQTX", CopyHeld<CFRetain>},
-    {"CGPathQTX", CopyHeld<CFRetain>},
-    {"CGPSConverterQTX", CopyHeld<CFRetain>},
-    {"KeychainQTX", CopyHeld<CFRetain>},
-    {"KeychainItemQTX", CopyHeld<CFRetain>},
-    {"CFObjectQTX", CopyHeld<CFRetain>},
-    {"NSAttributedStringQTX", CopyHeld<CFRetain>},
-    {"NSTimerQTX", CopyHeld<CFRetain>},
-    {"NSCalendarQTX", CopyHeld<CFRetain>},
-    {"NSCharacterSetQTX", CopyHeld<CFRetain>},
-    {"NSErrorQTX", CopyHeld<CFRetain>},
-    {"NSLocaleQTX", CopyHeld<CFRetain>},
-    {"NSTimeZoneQTX", CopyHeld<CFRetain>},
+    {"CGRectQTX", CopyCompanionGeometry<4>},
+    {"CGSizeQTX", CopyCompanionGeometry<2>},
+    {"CGPointQTX", CopyCompanionGeometry<2>},
+    {"CGImageQTX", CopyCompanionReference<CGImageRetain>},
+    {"CGColorSpaceQTX", CopyCompanionReference<CGColorSpaceRetain>},
+    {"CGColorQTX", CopyCompanionReference<CGColorRetain>},
+    {"CGDataProviderQTX", CopyCompanionReference<CGDataProviderRetain>},
+    {"CGDataConsumerQTX", CopyCompanionReference<CGDataConsumerRetain>},
+    {"CGFontQTX", CopyCompanionReference<CFRetain>},
+    {"CGContextQTX", CopyCompanionReference<CFRetain>},
+    {"CGEventQTX", CopyCompanionReference<CFRetain>},
+    {"CGEventSourceQTX", CopyCompanionReference<CFRetain>},
+    {"CGLayerQTX", CopyCompanionReference<CFRetain>},
+    {"CGPathQTX", CopyCompanionReference<CFRetain>},
+    {"CGPSConverterQTX", CopyCompanionReference<CFRetain>},
+    {"KeychainQTX", CopyCompanionReference<CFRetain>},
+    {"KeychainItemQTX", CopyCompanionReference<CFRetain>},
+    {"CFObjectQTX", CopyCompanionReference<CFRetain>},
+    {"NSAttributedStringQTX", CopyCompanionReference<CFRetain>},
+    {"NSTimerQTX", CopyCompanionReference<CFRetain>},
+    {"NSCalendarQTX", CopyCompanionReference<CFRetain>},
+    {"NSCharacterSetQTX", CopyCompanionReference<CFRetain>},
+    {"NSErrorQTX", CopyCompanionReference<CFRetain>},
+    {"NSLocaleQTX", CopyCompanionReference<CFRetain>},
+    {"NSTimeZoneQTX", CopyCompanionReference<CFRetain>},
 };
 
 } // namespace

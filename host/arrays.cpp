@@ -19,19 +19,19 @@ struct OldArray {
 };
 
 /// The elements of an array whose memory may be used directly; null where the host must be asked.
-template <class Element> Element *DirectElements(_REALarray *array) {
+template <class Element> Element *DirectArrayElements(_REALarray *array) {
     if (HostHidesLayouts())
         return nullptr;
     return static_cast<Element *>(reinterpret_cast<const OldArray *>(array)->elements);
 }
 
 // Handles are used in place only on a host that adds references: what was taken without one must never be given up.
-REALobjectStruct **DirectObjects(_REALarray *array) {
-    auto *elements = DirectElements<REALobjectStruct *>(array);
+REALobjectStruct **DirectObjectElements(_REALarray *array) {
+    auto *elements = DirectArrayElements<REALobjectStruct *>(array);
     return elements && REALLockObject ? elements : nullptr;
 }
-REALstringStruct **DirectStrings(_REALarray *array) {
-    auto *elements = DirectElements<REALstringStruct *>(array);
+REALstringStruct **DirectStringElements(_REALarray *array) {
+    auto *elements = DirectArrayElements<REALstringStruct *>(array);
     return elements && REALLockString ? elements : nullptr;
 }
 
@@ -50,7 +50,7 @@ int32_t UpperBoundOf(_REALarray *array) {
     return std::clamp(REALGetArrayUBound(array), kEmpty, kHighest);
 }
 
-bool HasDirectElements(_REALarray *array) { return DirectElements<void>(array) != nullptr; }
+bool HasDirectElements(_REALarray *array) { return DirectArrayElements<void>(array) != nullptr; }
 
 bool RequireArrayIndex(_REALarray *array, int32_t index) {
     const int32_t upperBound = REALGetArrayUBound(array);
@@ -63,7 +63,7 @@ bool RequireArrayIndex(_REALarray *array, int32_t index) {
 REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index) {
     if (!array || !RequireArrayIndex(array, index))
         return nullptr;
-    if (auto *elements = DirectStrings(array))
+    if (auto *elements = DirectStringElements(array))
         return Hold(elements[index]).Give();
     return REALReadStringArray(array, index);
 }
@@ -71,7 +71,7 @@ REALstringStruct *REALGetArrayString(_REALarrayString *array, int32_t index) {
 OwnedObject ReadArrayObject(_REALarray *array, int32_t index) {
     if (!RequireArrayIndex(array, index))
         return {};
-    if (auto *elements = DirectObjects(array))
+    if (auto *elements = DirectObjectElements(array))
         return Hold(elements[index]);
     return AdoptHost(REALGetArrayValueObject(array, index));
 }
@@ -79,7 +79,7 @@ OwnedObject ReadArrayObject(_REALarray *array, int32_t index) {
 OwnedString ReadArrayString(_REALarray *array, int32_t index) {
     if (!RequireArrayIndex(array, index))
         return {};
-    if (auto *elements = DirectStrings(array))
+    if (auto *elements = DirectStringElements(array))
         return Hold(elements[index]);
     return AdoptHost(REALGetArrayValueString(array, index));
 }
@@ -87,7 +87,7 @@ OwnedString ReadArrayString(_REALarray *array, int32_t index) {
 bool ReadArrayBoolean(_REALarray *array, int32_t index) {
     if (!RequireArrayIndex(array, index))
         return false;
-    if (auto *elements = DirectElements<HostBoolean>(array))
+    if (auto *elements = DirectArrayElements<HostBoolean>(array))
         return elements[index] != 0;
     return REALGetArrayValueBoolean(array, index) != 0;
 }
@@ -95,7 +95,7 @@ bool ReadArrayBoolean(_REALarray *array, int32_t index) {
 void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object) {
     if (!RequireArrayIndex(array, index))
         return;
-    auto *elements = DirectObjects(array);
+    auto *elements = DirectObjectElements(array);
     if (!elements) {
         REALSetArrayValueObject(array, object, index);
         return;

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "host/runtime.h"
+#include "host/capabilities.h"
 
 /// One word that holds a function of any shape, null, or a number in place of a function.
 union CodeWord {

@@ -3,7 +3,7 @@
 // of its result; it is asked for again the next time.
 #pragma once
 
-#include "host/runtime.h"
+#include "host/capabilities.h"
 
 /// Where a host service is, whatever its shape: looked for by name, then by its older name, until it is found.
 class ServiceCell {

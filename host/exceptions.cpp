@@ -14,13 +14,13 @@ namespace {
 constexpr size_t kRangeMessageSize = 205;
 
 // What the host throws while a property is set is dropped: the raise goes on without it.
-void SetMessage(REALobjectStruct *exception, REALstringStruct *message) {
+void SetExceptionMessage(REALobjectStruct *exception, REALstringStruct *message) {
     try {
         REALSetPropValueString(exception, "Message", message);
     } catch (...) {
     }
 }
-void SetErrorNumber(REALobjectStruct *exception) {
+void SetExceptionNumber(REALobjectStruct *exception) {
     try {
         // Deliberate: the number is 0 whatever the caller passed.
         REALSetPropValueInteger(exception, "ErrorNumber", 0);
@@ -52,8 +52,8 @@ void RaiseException(const char *name, const char *message, uint32_t, int32_t) {
     if (!exception)
         return;
     if (text)
-        SetMessage(exception.Get(), text.Get());
-    SetErrorNumber(exception.Get());
+        SetExceptionMessage(exception.Get(), text.Get());
+    SetExceptionNumber(exception.Get());
     REALRaiseException(exception.Get());
 }
 

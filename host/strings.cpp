@@ -32,7 +32,7 @@ struct HostText {
     bool IsReadable() const { return length == 0 || (length > 0 && bytes); }
 };
 
-HostText ReadInPlace(REALstringStruct *string) {
+HostText ReadStringInPlace(REALstringStruct *string) {
     if (HostHidesLayouts()) {
         const CFIndex length = LenB(string);
         const UInt8 *bytes = REALGetStringContents(string);
@@ -43,8 +43,8 @@ HostText ReadInPlace(REALstringStruct *string) {
     return {old->storage ? old->storage + 1 : nullptr, old->length, std::move(hold)};
 }
 
-CFStringRef StringFromBytes(REALstringStruct *string, CFStringEncoding encoding) {
-    const HostText text = ReadInPlace(string);
+CFStringRef CFStringFromBytes(REALstringStruct *string, CFStringEncoding encoding) {
+    const HostText text = ReadStringInPlace(string);
     if (!text.IsReadable())
         return nullptr;
     if (encoding == kCFStringEncodingUnicode)
@@ -53,7 +53,7 @@ CFStringRef StringFromBytes(REALstringStruct *string, CFStringEncoding encoding)
     return CFStringCreateWithBytes(kCFAllocatorDefault, text.bytes, text.length, encoding, true);
 }
 
-REALstringStruct *BuildFromUTF8(CFStringRef string, char *buffer, CFIndex size) {
+REALstringStruct *CFString2RBStringByWayOf(CFStringRef string, char *buffer, CFIndex size) {
     if (!CFStringGetCString(string, buffer, size, kCFStringEncodingUTF8))
         return nullptr;
     return REALBuildUnicodeString(buffer, static_cast<int64_t>(std::strlen(buffer)), kCFStringEncodingUTF8);
@@ -67,7 +67,7 @@ CFStringRef RBString2CFString(REALstringStruct *string) {
 
     const CFStringEncoding encoding = REALGetStringEncoding(string);
     if (encoding == kHostUnknownEncoding)
-        return StringFromBytes(string, kCFStringEncodingMacRoman);
+        return CFStringFromBytes(string, kCFStringEncodingMacRoman);
 
     if (HostGivesCFStrings())
         if (CFStringRef converted = REALGetStringCFString(string, 0))
@@ -78,7 +78,7 @@ CFStringRef RBString2CFString(REALstringStruct *string) {
     if (CFStringRef converted = askOnAnyHost(string, 0))
         return converted;
 
-    return StringFromBytes(string, encoding);
+    return CFStringFromBytes(string, encoding);
 }
 
 REALstringStruct *CFString2RBString(CFStringRef string) {
@@ -93,11 +93,11 @@ REALstringStruct *CFString2RBString(CFStringRef string) {
         // One byte more than the framework is told of, so that a zero always ends the text.
         constexpr CFIndex kSize = 600;
         char buffer[kSize + 1] = {};
-        return BuildFromUTF8(string, buffer, kSize);
+        return CFString2RBStringByWayOf(string, buffer, kSize);
     }
     if (length > INT32_MAX / kBytesPerUnit)
         return nullptr;
     const CFIndex size = length * kBytesPerUnit;
     const auto buffer = NewZeroedBuffer<char>(static_cast<size_t>(size));
-    return buffer ? BuildFromUTF8(string, buffer.get(), size) : nullptr;
+    return buffer ? CFString2RBStringByWayOf(string, buffer.get(), size) : nullptr;
 }

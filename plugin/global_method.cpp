@@ -19,7 +19,7 @@ REALmethodDefinition SpotlightSharedMethods[] = {
 template <class Record> Record *NewZeroed() { return static_cast<Record *>(std::calloc(1, sizeof(Record))); }
 
 /// A module for good: the host keeps the record, its name and its methods. Null when there is no memory.
-REALmoduleDefinition *NewModule() {
+REALmoduleDefinition *NewModuleOfGlobalMethod() {
     char name[100] = {};
     std::snprintf(name, sizeof name, "%s%s", gpartname, "GlobalsQTX");
     auto *module = NewZeroed<REALmoduleDefinition>();
@@ -46,7 +46,7 @@ void RegisterGlobalMethod() {
         REALRegisterMethod(SpotlightSharedMethods);
         return;
     }
-    REALmoduleDefinition *module = REALRegisterModule ? NewModule() : nullptr;
+    REALmoduleDefinition *module = REALRegisterModule ? NewModuleOfGlobalMethod() : nullptr;
     if (module)
         REALRegisterModule(module);
 }

@@ -8,23 +8,6 @@
 #include "spotlight/classes.h"
 #include "spotlight/sort_functions.h"
 
-namespace {
-
-void ReadHostVersion() {
-    const auto getVersion = reinterpret_cast<double (*)()>(gResolver("REALGetRBVersion"));
-    if (getVersion)
-        rbversion = getVersion();
-    CurrentREALControlVersion = DeclarationLayoutOf(rbversion);
-}
-
-void TellDeclarationLayout() {
-    // Deliberate: every host has this one, so it is called without a test.
-    const auto registerVersion = reinterpret_cast<void (*)(int32_t)>(gResolver("RegisterPluginVersion"));
-    registerVersion(CurrentREALControlVersion);
-}
-
-} // namespace
-
 /// Starts the plugin: learns about the host, and registers the classes and the global method. Once in a process's life;
 /// further calls do nothing.
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(HostResolver resolver);

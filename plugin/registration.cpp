@@ -20,7 +20,7 @@ constexpr uint32_t kOldClassWords = 25;
 
 /// A new array of old records. It is never freed: the host keeps its address. Null for no rows, or when there is no
 /// memory.
-uint32_t *CopyPrefixes(const void *rows, uint32_t count, Prefix prefix) {
+uint32_t *CopyOldRecords(const void *rows, uint32_t count, Prefix prefix) {
     const uint64_t size = uint64_t{count} * prefix.oldWords * kWord;
     if (!rows || size < 1 || size > INT32_MAX)
         return nullptr;
@@ -34,15 +34,15 @@ uint32_t *CopyPrefixes(const void *rows, uint32_t count, Prefix prefix) {
 }
 
 /// Points a table at the old form of its rows. The count stays.
-template <class Row> void ConvertTable(Table<Row> &table, Prefix prefix) {
-    table.rows = reinterpret_cast<Row *>(CopyPrefixes(table.rows, table.count, prefix));
+template <class Row> void ConvertRecordTable(Table<Row> &table, Prefix prefix) {
+    table.rows = reinterpret_cast<Row *>(CopyOldRecords(table.rows, table.count, prefix));
 }
 
 /// Deliberate: each event of the plugin's own table is left pointing at the copy that the host gets, because the host
 /// writes what it knows the event by into that copy.
-void ConvertEvents(Table<REALevent> &events) {
+void ConvertEventRecords(Table<REALevent> &events) {
     REALevent *rows = events.rows;
-    uint32_t *copy = CopyPrefixes(rows, events.count, kEvent);
+    uint32_t *copy = CopyOldRecords(rows, events.count, kEvent);
     for (uint32_t i = 0; copy && i < events.count; i++)
         rows[i].forSystemUse = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(copy + i * kEvent.oldWords));
     events.rows = reinterpret_cast<REALevent *>(copy);
@@ -52,12 +52,12 @@ void ConvertToOldLayout(REALclassDefinition &record) {
     REALclassDefinition old = record;
     old.version = CurrentREALControlVersion;
     old.properties.rows = FixProperties(record.properties.rows, record.properties.count);
-    ConvertTable(old.methods, kMethod);
-    ConvertEvents(old.events);
+    ConvertRecordTable(old.methods, kMethod);
+    ConvertEventRecords(old.events);
     old.bindDescriptions = nullptr;
     old.bindDescriptionCount = 0;
-    ConvertTable(old.constants, kConstant);
-    ConvertTable(old.sharedMethods, kMethod);
+    ConvertRecordTable(old.constants, kConstant);
+    ConvertRecordTable(old.sharedMethods, kMethod);
     old.sharedProperties.rows = FixProperties(record.sharedProperties.rows, record.sharedProperties.count);
     std::memcpy(&record, &old, kOldClassWords * kWord);
 }
@@ -65,7 +65,7 @@ void ConvertToOldLayout(REALclassDefinition &record) {
 } // namespace
 
 REALproperty *FixProperties(const REALproperty *properties, uint32_t count) {
-    return reinterpret_cast<REALproperty *>(CopyPrefixes(properties, count, kProperty));
+    return reinterpret_cast<REALproperty *>(CopyOldRecords(properties, count, kProperty));
 }
 
 void MyREALRegisterClass(REALclassDefinition &record) {

@@ -8,14 +8,14 @@
 namespace {
 
 /// The address of a constant that the running system lacks is null.
-REALstringStruct *KeyText(const CFStringRef *constant, const char *name) {
+REALstringStruct *AttributeKeyText(const CFStringRef *constant, const char *name) {
     return constant ? CFString2RBString(*constant) : ASCIIText(name).Give();
 }
 
 } // namespace
 
 #define ATTRIBUTE_KEY(key)                                                                                             \
-    REALstringStruct *get##key() { return KeyText(&key, #key); }
+    REALstringStruct *get##key() { return AttributeKeyText(&key, #key); }
 #include "spotlight/attribute_keys.def"
 #undef ATTRIBUTE_KEY
 

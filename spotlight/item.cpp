@@ -107,7 +107,7 @@ template <> CFTypeID TypeIDOf<CFNumberRef>() { return CFNumberGetTypeID(); }
 template <> CFTypeID TypeIDOf<CFArrayRef>() { return CFArrayGetTypeID(); }
 
 /// The named attribute, if the item has it; of another type it raises "RuntimeException" and counts as absent.
-template <class Reference> OwnedCF<Reference> CopyTyped(MDItemRef item, REALstringStruct *name) {
+template <class Reference> OwnedCF<Reference> CopyTypedAttribute(MDItemRef item, REALstringStruct *name) {
     const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return {};
@@ -122,7 +122,7 @@ template <class Reference> OwnedCF<Reference> CopyTyped(MDItemRef item, REALstri
 }
 
 /// The named string, untested for its type: these attributes are strings on every system.
-REALstringStruct *CopyStringProperty(REALobjectStruct *self, CFStringRef key) {
+REALstringStruct *CopyStringAttribute(REALobjectStruct *self, CFStringRef key) {
     // Deliberate: no exception without an item.
     const MDItemRef item = ItemData(self).Handle;
     if (!item)
@@ -134,14 +134,14 @@ REALstringStruct *CopyStringProperty(REALobjectStruct *self, CFStringRef key) {
 // These raise "RuntimeException" for an attribute of another type.
 REALstringStruct *rbMDItemCopyAttributeString(REALobjectStruct *self, REALstringStruct *name) {
     const MDItemRef item = RequireItem(self);
-    return item ? CFString2RBString(CopyTyped<CFStringRef>(item, name).Get()) : nullptr;
+    return item ? CFString2RBString(CopyTypedAttribute<CFStringRef>(item, name).Get()) : nullptr;
 }
 
 bool rbMDItemCopyAttributeBoolean(REALobjectStruct *self, REALstringStruct *name) {
     const MDItemRef item = RequireItem(self);
     if (!item)
         return false;
-    const auto value = CopyTyped<CFBooleanRef>(item, name);
+    const auto value = CopyTypedAttribute<CFBooleanRef>(item, name);
     return value && CFBooleanGetValue(value.Get());
 }
 
@@ -149,7 +149,7 @@ double rbMDItemCopyAttributeDouble(REALobjectStruct *self, REALstringStruct *nam
     const MDItemRef item = RequireItem(self);
     if (!item)
         return 0;
-    const auto value = CopyTyped<CFNumberRef>(item, name);
+    const auto value = CopyTypedAttribute<CFNumberRef>(item, name);
     double number = 0;
     return value && CFNumberGetValue(value.Get(), kCFNumberDoubleType, &number) ? number : 0;
 }
@@ -157,19 +157,19 @@ double rbMDItemCopyAttributeDouble(REALobjectStruct *self, REALstringStruct *nam
 _REALarrayString *rbMDItemCopyAttributeStringArray(REALobjectStruct *self, REALstringStruct *name) {
     auto array = NewStringArray();
     const MDItemRef item = RequireItem(self);
-    return item ? WithStrings(std::move(array), CopyTyped<CFArrayRef>(item, name)) : nullptr;
+    return item ? WithStrings(std::move(array), CopyTypedAttribute<CFArrayRef>(item, name)) : nullptr;
 }
 
 // Computed properties. Without an item the three strings are silently empty; only the size raises.
 REALstringStruct *querykMDItemDisplayName(REALobjectStruct *self, int32_t) {
-    return CopyStringProperty(self, kMDItemDisplayName);
+    return CopyStringAttribute(self, kMDItemDisplayName);
 }
 
 REALstringStruct *querykMDItemFSName(REALobjectStruct *self, int32_t) {
-    return CopyStringProperty(self, kMDItemFSName);
+    return CopyStringAttribute(self, kMDItemFSName);
 }
 
-REALstringStruct *querykMDItemPath(REALobjectStruct *self, int32_t) { return CopyStringProperty(self, kMDItemPath); }
+REALstringStruct *querykMDItemPath(REALobjectStruct *self, int32_t) { return CopyStringAttribute(self, kMDItemPath); }
 
 /// Bytes.
 int64_t querykMDItemFSSize(REALobjectStruct *self, int32_t) {

@@ -70,28 +70,28 @@ REALstringStruct *rbMDQueryCopyQueryString(REALobjectStruct *self) {
     return CFString2RBString(text.Get());
 }
 
-template <CFArrayRef (*copyNames)(MDQueryRef)> _REALarrayString *CopyAttributeNames(REALobjectStruct *self) {
+template <CFArrayRef (*copyNames)(MDQueryRef)> _REALarrayString *CopyQueryAttributeNames(REALobjectStruct *self) {
     auto array = NewStringArray();
     const MDQueryRef query = RequireQuery(self);
     return query ? WithStrings(std::move(array), AdoptCF(copyNames(query))) : nullptr;
 }
 
 _REALarrayString *rbMDQueryCopyValueListAttributes(REALobjectStruct *self) {
-    return CopyAttributeNames<MDQueryCopyValueListAttributes>(self);
+    return CopyQueryAttributeNames<MDQueryCopyValueListAttributes>(self);
 }
 
 _REALarrayString *rbMDQueryCopySortingAttributes(REALobjectStruct *self) {
-    return CopyAttributeNames<MDQueryCopySortingAttributes>(self);
+    return CopyQueryAttributeNames<MDQueryCopySortingAttributes>(self);
 }
 
 // Results.
-MDItemRef ResultAt(MDQueryRef query, CFIndex index) {
+MDItemRef QueryResultAt(MDQueryRef query, CFIndex index) {
     return static_cast<MDItemRef>(const_cast<void *>(MDQueryGetResultAtIndex(query, index)));
 }
 
 REALobjectStruct *rbMDQueryGetResultAtIndex(REALobjectStruct *self, int32_t index) {
     const MDQueryRef query = RequireQuery(self);
-    return query ? NewItemObject(ResultAt(query, index)).Give() : nullptr;
+    return query ? NewItemObject(QueryResultAt(query, index)).Give() : nullptr;
 }
 
 _REALarrayObject *rbMDQueryGetResultArray(REALobjectStruct *self, int32_t limit) {
@@ -103,7 +103,7 @@ _REALarrayObject *rbMDQueryGetResultArray(REALobjectStruct *self, int32_t limit)
     const int32_t count = limit >= 1 && resultCount > limit ? limit : resultCount;
     for (int32_t i = 0; i < count; i++) {
         // Unlike in event arrays, a result without an object keeps its place, so that positions are result indices.
-        const auto object = NewItemObject(ResultAt(query, i));
+        const auto object = NewItemObject(QueryResultAt(query, i));
         REALInsertArrayValueObject(array.Get(), i, object.Get());
     }
     return array.Give();

@@ -32,17 +32,17 @@ HostCode HandlerOf(REALobjectStruct *self, const REALevent &event) {
     return copy ? REALGetEventInstance(self, copy->forSystemUse) : nullptr;
 }
 
-OwnedCF<CFArrayRef> HoldItems(CFDictionaryRef userInfo, CFStringRef key) {
+OwnedCF<CFArrayRef> HoldUpdatedItems(CFDictionaryRef userInfo, CFStringRef key) {
     const auto items = static_cast<CFArrayRef>(userInfo ? CFDictionaryGetValue(userInfo, key) : nullptr);
     return items ? HoldCF(items) : OwnedCF<CFArrayRef>();
 }
 
-void CallWithItems(REALobjectStruct *self, HostCode handler, CFDictionaryRef userInfo) {
+void CallHandlerWithItems(REALobjectStruct *self, HostCode handler, CFDictionaryRef userInfo) {
     using Handler = void (*)(REALobjectStruct *, _REALarray * added, _REALarray * changed, _REALarray * removed);
 
-    auto added = HoldItems(userInfo, kMDQueryUpdateAddedItems);
-    auto changed = HoldItems(userInfo, kMDQueryUpdateChangedItems);
-    auto removed = HoldItems(userInfo, kMDQueryUpdateRemovedItems);
+    auto added = HoldUpdatedItems(userInfo, kMDQueryUpdateAddedItems);
+    auto changed = HoldUpdatedItems(userInfo, kMDQueryUpdateChangedItems);
+    auto removed = HoldUpdatedItems(userInfo, kMDQueryUpdateRemovedItems);
     auto hostAdded = ConvertArray(added.Get());
     auto hostChanged = ConvertArray(changed.Get());
     auto hostRemoved = ConvertArray(removed.Get());
@@ -65,5 +65,13 @@ void MyCallBack(CFNotificationCenterRef, void *observer, CFStringRef name, const
     if (event == &MDQueryEvents[kFinish])
         reinterpret_cast<void (*)(REALobjectStruct *)>(handler)(self);
     else
-        CallWithItems(self, handler, userInfo);
+        CallHandlerWithItems(self, handler, userInfo);
+}
+
+void ObserveQuery(REALobjectStruct *self, MDQueryRef query) {
+    CFNotificationCenterRef center = CFNotificationCenterGetLocalCenter();
+    for (CFStringRef name :
+         {kMDQueryProgressNotification, kMDQueryDidUpdateNotification, kMDQueryDidFinishNotification})
+        CFNotificationCenterAddObserver(center, self, MyCallBack, name, query,
+                                        CFNotificationSuspensionBehaviorDeliverImmediately);
 }

@@ -8,16 +8,6 @@
 
 namespace {
 
-/// The framework's local centre calls back with the host object itself; the destructor takes it off before the query
-/// goes.
-void ObserveQuery(REALobjectStruct *self, MDQueryRef query) {
-    CFNotificationCenterRef center = CFNotificationCenterGetLocalCenter();
-    for (CFStringRef name :
-         {kMDQueryProgressNotification, kMDQueryDidUpdateNotification, kMDQueryDidFinishNotification})
-        CFNotificationCenterAddObserver(center, self, MyCallBack, name, query,
-                                        CFNotificationSuspensionBehaviorDeliverImmediately);
-}
-
 /// Converts the constructor's arguments, lets `create` make a query of them, and keeps what it makes, null included.
 template <class Create>
 void ConstructQuery(REALobjectStruct *self, REALstringStruct *queryString, _REALarrayString *valueListAttributes,

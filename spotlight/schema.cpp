@@ -9,7 +9,7 @@
 
 namespace {
 
-template <CFStringRef (*copyText)(CFStringRef attribute)> REALstringStruct *CopyText(REALstringStruct *name) {
+template <CFStringRef (*copyText)(CFStringRef attribute)> REALstringStruct *CopySchemaText(REALstringStruct *name) {
     const auto attribute = AdoptCF(RBString2CFString(name));
     if (!attribute)
         return nullptr;
@@ -25,7 +25,7 @@ OwnedCF<CFDictionaryRef> CopyMetaAttributes(REALstringStruct *name) {
 }
 
 /// The types that have a name for host programs, in the order in which they are tried.
-const char *NameOfType(CFTypeID type) {
+const char *NameOfSchemaType(CFTypeID type) {
     const struct {
         CFTypeID type;
         const char *name;
@@ -42,11 +42,11 @@ const char *NameOfType(CFTypeID type) {
 } // namespace
 
 REALstringStruct *rbMDSchemaCopyDisplayNameForAttribute(REALstringStruct *name) {
-    return CopyText<MDSchemaCopyDisplayNameForAttribute>(name);
+    return CopySchemaText<MDSchemaCopyDisplayNameForAttribute>(name);
 }
 
 REALstringStruct *rbMDSchemaCopyDisplayDescriptionForAttribute(REALstringStruct *name) {
-    return CopyText<MDSchemaCopyDisplayDescriptionForAttribute>(name);
+    return CopySchemaText<MDSchemaCopyDisplayDescriptionForAttribute>(name);
 }
 
 _REALarrayString *rbMDSchemaCopyAllAttributes() {
@@ -60,7 +60,7 @@ REALstringStruct *GetAttributeType(REALstringStruct *name) {
     int32_t type = 0;
     if (!value || !CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberIntType, &type))
         return nullptr;
-    const char *typeName = NameOfType(static_cast<CFTypeID>(type));
+    const char *typeName = NameOfSchemaType(static_cast<CFTypeID>(type));
     return typeName ? ASCIIText(typeName).Give() : nullptr;
 }
 

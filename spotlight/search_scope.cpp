@@ -32,7 +32,7 @@ private:
     CFIndex count_ = 0;
 };
 
-void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
+void AppendScopeFolders(Scope &scope, _REALarrayFolderitem *paths) {
     const int32_t upperBound = paths ? UpperBoundOf(paths) : -1;
     for (int32_t i = 0; i <= upperBound; i++) {
         const auto folder = ReadArrayObject(paths, i);
@@ -42,7 +42,7 @@ void AppendFolders(Scope &scope, _REALarrayFolderitem *paths) {
     }
 }
 
-void AppendNames(Scope &scope, _REALarrayString *options) {
+void AppendScopeNames(Scope &scope, _REALarrayString *options) {
     const int32_t upperBound = options ? UpperBoundOf(options) : -1;
     for (int32_t i = 0; i <= upperBound; i++) {
         const auto option = AdoptHost(REALGetArrayString(options, i));
@@ -61,7 +61,7 @@ void rbMDQuerySetSearchScope(REALobjectStruct *self, _REALarrayFolderitem *paths
     Scope scope;
     if (!scope.Entries())
         return;
-    AppendFolders(scope, paths);
-    AppendNames(scope, options);
+    AppendScopeFolders(scope, paths);
+    AppendScopeNames(scope, options);
     MDQuerySetSearchScope(query, scope.Entries(), 0);
 }

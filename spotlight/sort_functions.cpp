@@ -33,7 +33,7 @@ CFBundleRef LoadCoreServices() {
     return bundle && CFBundleLoadExecutable(bundle.Get()) ? bundle.Give() : nullptr;
 }
 
-template <class Function> void LookUp(Function &function, CFStringRef name) {
+template <class Function> void LookUpSortFunction(Function &function, CFStringRef name) {
     function = reinterpret_cast<Function>(CFBundleGetFunctionPointerForName(CoreServicesFramework, name));
 }
 
@@ -45,9 +45,9 @@ void LoadSortFunctions() {
     CoreServicesFramework = LoadCoreServices();
     if (!CoreServicesFramework)
         return;
-    LookUp(myMDQueryGetSortOptionFlagsForAttribute, CFSTR("MDQueryGetSortOptionFlagsForAttribute"));
-    LookUp(myMDQuerySetSortOptionFlagsForAttribute, CFSTR("MDQuerySetSortOptionFlagsForAttribute"));
-    LookUp(myMDQuerySetSortOrder, CFSTR("MDQuerySetSortOrder"));
+    LookUpSortFunction(myMDQueryGetSortOptionFlagsForAttribute, CFSTR("MDQueryGetSortOptionFlagsForAttribute"));
+    LookUpSortFunction(myMDQuerySetSortOptionFlagsForAttribute, CFSTR("MDQuerySetSortOptionFlagsForAttribute"));
+    LookUpSortFunction(myMDQuerySetSortOrder, CFSTR("MDQuerySetSortOrder"));
 }
 
 int32_t rbMDQueryGetSortOptionFlagsForAttribute(REALobjectStruct *self, REALstringStruct *fieldName) {

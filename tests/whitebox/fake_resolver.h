@@ -1,7 +1,7 @@
 // A resolver that offers what a test tells it to and counts every question.
 #pragma once
 
-#include "host/runtime.h"
+#include "host/capabilities.h"
 
 #include <map>
 #include <string>

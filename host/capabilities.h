@@ -29,6 +29,11 @@ constexpr int32_t DeclarationLayoutOf(double version) {
     return kOldDeclarationLayout;
 }
 
+/// Asks the host for its version, and works out the layout from it.
+void ReadHostVersion();
+/// Tells the host in which layout the records come.
+void TellDeclarationLayout();
+
 /// Such a host gets records that registration has shortened, and knows events by their shortened records.
 inline bool HostReadsOldRecords() { return CurrentREALControlVersion == kOldDeclarationLayout; }
 /// From 2012 on the host builds a string in the encoding that it is told.
