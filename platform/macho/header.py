@@ -13,8 +13,10 @@ _NO_REEXPORTED_DYLIBS = 0x00100000
 _LC_UUID = 0x1B
 _UUID_COMMAND_SIZE = 24
 
-# Where the header counts its load commands and has its flags.
-_COMMAND_COUNT_AT = 16
+# The linker leaves as much room behind the load commands as happens to be there. So it is given a run path, which a
+# library that loads none by it has no use for, and whose command is as long as that of a UUID.
+PLACEHOLDER = "a-UUID-here"
+
 _FLAGS_AT = 24
 
 
@@ -23,18 +25,18 @@ def header_faults(image: Image) -> list[str]:
     found = [f"{library} is handed on" for library in image.reexported]
     if image.has_uuid:
         found.append("there is a UUID already")
-    if image.commands_end + _UUID_COMMAND_SIZE > image.contents_start:
-        found.append("there is no room for one more load command")
+    if [path for _, path in image.run_paths] != [PLACEHOLDER]:
+        found.append("there is no place for a UUID, or another run path")
     return found
 
 
 def complete_header(image: Image, data: bytearray) -> None:
-    """Sets the flag and appends the UUID in `data`, the bytes of `image` with everything else as it ships: the UUID is
-    made from them, so that the same contents have the same one and other contents another."""
-    count, size, flags = struct.unpack_from("<3I", data, _COMMAND_COUNT_AT)
-    struct.pack_into("<2I", data, _COMMAND_COUNT_AT, count + 1, size + _UUID_COMMAND_SIZE)
+    """Sets the flag and puts the UUID into its place in `data`, the bytes of `image` with everything else as it ships: the
+    UUID is made from them, so that the same contents have the same one and other contents another."""
+    ((uuid_at, _),) = image.run_paths
+    (flags,) = struct.unpack_from("<I", data, _FLAGS_AT)
     struct.pack_into("<I", data, _FLAGS_AT, flags | _NO_REEXPORTED_DYLIBS)
-    struct.pack_into("<2I16x", data, image.commands_end, _LC_UUID, _UUID_COMMAND_SIZE)
+    struct.pack_into("<2I16x", data, uuid_at, _LC_UUID, _UUID_COMMAND_SIZE)
     # Version 5 is the one whose bits come from this digest.
     made = uuid.UUID(bytes=hashlib.sha1(data).digest()[:16], version=5)
-    struct.pack_into("<16s", data, image.commands_end + 8, made.bytes)
+    struct.pack_into("<16s", data, uuid_at + 8, made.bytes)

@@ -15,6 +15,7 @@ _LC_SEGMENT = 0x1
 _LC_SYMTAB = 0x2
 _LC_LOAD_DYLIB = 0xC
 _LC_UUID = 0x1B
+_LC_RPATH = 0x8000001C
 _LC_REEXPORT_DYLIB = 0x8000001F
 _LC_DYLD_INFO_ONLY = 0x80000022
 
@@ -51,12 +52,11 @@ class UndefinedSymbol:
 
 @dataclass
 class Image:
-    """What one library says of itself. Library ordinals count from 1. From `commands_end` to `contents_start`, both file
-    offsets, there is room for more load commands."""
+    """What one library says of itself. Library ordinals count from 1. A run path is a file offset, that of its load
+    command, and its text."""
 
     data: bytes
-    commands_end: int = 0
-    contents_start: int = 0
+    run_paths: list[tuple[int, str]] = field(default_factory=list)
     has_uuid: bool = False
     segments: list[str] = field(default_factory=list)
     sections: list[str] = field(default_factory=list)
@@ -72,10 +72,10 @@ class Image:
 
 def read_image(data: bytes) -> Image:
     """Reads a library from its bytes. Raises ImageError when they are not one."""
-    magic, cpu, _, kind, count, commands_size, _ = struct.unpack_from("<7I", data)
+    magic, cpu, _, kind, count, _, _ = struct.unpack_from("<7I", data)
     if (magic, cpu, kind) != (_MAGIC, _I386, _DYLIB):
         raise ImageError("this is no i386 Mach-O library")
-    image = Image(data, commands_end=_HEADER_SIZE + commands_size, contents_start=len(data))
+    image = Image(data)
     offset = _HEADER_SIZE
     for _ in range(count):
         command, size = struct.unpack_from("<2I", data, offset)
@@ -86,6 +86,9 @@ def read_image(data: bytes) -> Image:
             image.libraries.append(_text(data, offset + name_at))
             if command == _LC_REEXPORT_DYLIB:
                 image.reexported.append(image.libraries[-1])
+        elif command == _LC_RPATH:
+            (text_at,) = struct.unpack_from("<I", data, offset + 8)
+            image.run_paths.append((offset, _text(data, offset + text_at)))
         elif command == _LC_UUID:
             image.has_uuid = True
         elif command == _LC_SYMTAB:
@@ -111,11 +114,9 @@ def _read_segment(image: Image, offset: int) -> None:
         start = offset + 56 + 68 * number
         section, segment = image.data[start : start + 16], image.data[start + 16 : start + 32]
         image.sections.append(f"{_fixed_text(segment)},{_fixed_text(section)}")
-        size, contents_at, _, _, _, flags = struct.unpack_from("<6I", image.data, start + 36)
+        (flags,) = struct.unpack_from("<I", image.data, start + 56)
         if flags & 0xFF in _ZERO_FILL_KINDS:
             image.zero_filled.append(image.sections[-1])
-        elif size:
-            image.contents_start = min(image.contents_start, contents_at)
 
 
 def _read_symbols(image: Image, offset: int) -> None:

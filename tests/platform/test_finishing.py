@@ -7,7 +7,7 @@ import unittest
 from dataclasses import replace
 
 from finish import faults, finished, mark_weak_imports
-from header import complete_header
+from header import PLACEHOLDER, complete_header
 from image import Bind, Image, ImageError, UndefinedSymbol, read_image
 from imports import Import, Library
 
@@ -17,8 +17,7 @@ _LIBRARIES = [_OLD, _YOUNG]
 
 _GOOD = Image(
     data=bytes(8),
-    commands_end=72,
-    contents_start=96,
+    run_paths=[(28, PLACEHOLDER)],
     segments=["__TEXT", "__DATA"],
     sections=["__TEXT,__text", "__DATA,__data"],
     libraries=["/usr/lib/libOld.dylib", "/usr/lib/libYoung.dylib"],
@@ -71,8 +70,9 @@ class Finishing(unittest.TestCase):
     def test_a_library_that_hands_others_on_is_refused(self) -> None:
         self.assertEqual(self.found(reexported=["/usr/lib/libOld.dylib"]), ["/usr/lib/libOld.dylib is handed on"])
 
-    def test_a_header_without_room_for_a_uuid_or_with_one_is_refused(self) -> None:
-        self.assertEqual(self.found(contents_start=95), ["there is no room for one more load command"])
+    def test_a_header_without_a_place_for_a_uuid_or_with_one_is_refused(self) -> None:
+        for run_paths in ([], [(28, "@loader_path")], [(28, PLACEHOLDER), (52, "/usr/lib")]):
+            self.assertEqual(self.found(run_paths=run_paths), ["there is no place for a UUID, or another run path"])
         self.assertEqual(self.found(has_uuid=True), ["there is a UUID already"])
 
     def test_only_the_flags_of_weak_symbols_change(self) -> None:
@@ -85,9 +85,9 @@ class Finishing(unittest.TestCase):
             read_image(b"\x7fELF" + bytes(60))
 
 
-# A header of one load command that says nothing, room for another, and contents.
-_COMMAND = struct.pack("<2I36x", 0, 44)
-_FILE = struct.pack("<7I", 0xFEEDFACE, 7, 3, 6, 1, len(_COMMAND), 0x85) + _COMMAND + bytes(24) + b"contents"
+# A header of one load command that says nothing, the place for a UUID, and contents.
+_COMMANDS = struct.pack("<2I36x", 0, 44) + struct.pack("<3I12s", 0x8000001C, 24, 12, PLACEHOLDER.encode())
+_FILE = struct.pack("<7I", 0xFEEDFACE, 7, 3, 6, 2, len(_COMMANDS), 0x85) + _COMMANDS + b"contents"
 
 
 class Header(unittest.TestCase):
@@ -97,11 +97,11 @@ class Header(unittest.TestCase):
         complete_header(image, data)
         return bytes(data)
 
-    def test_a_load_command_is_added_and_a_flag_set_and_nothing_else_changes(self) -> None:
+    def test_the_uuid_takes_its_place_and_a_flag_is_set_and_nothing_else_changes(self) -> None:
         data = self.completed(_FILE)
-        self.assertEqual(struct.unpack_from("<3I", data, 16), (2, len(_COMMAND) + 24, 0x100085))
+        self.assertEqual(struct.unpack_from("<I", data, 24), (0x100085,))
         self.assertEqual(struct.unpack_from("<2I", data, 72), (0x1B, 24))
-        self.assertEqual(data[:16] + _FILE[16:28] + data[28:72] + bytes(24) + data[96:], _FILE)
+        self.assertEqual(data[:24] + _FILE[24:28] + data[28:72] + _FILE[72:96] + data[96:], _FILE)
         self.assertTrue(read_image(data).has_uuid)
 
     def test_the_same_contents_have_the_same_uuid_and_any_other_contents_another(self) -> None:
