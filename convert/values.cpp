@@ -9,7 +9,7 @@
 #include "convert/dictionaries.h"
 #include "convert/folder_items.h"
 #include "convert/memory_blocks.h"
-#include "convert/variant_scalars.h"
+#include "convert/variants.h"
 #include "convert/wrappers.h"
 #include "host/objects.h"
 #include "host/strings.h"
@@ -56,7 +56,7 @@ template <auto convert> OwnedObject ConvertBy(CFTypeRef value, const char *) {
 }
 
 template <auto retain> OwnedObject ConvertByWrapping(CFTypeRef value, const char *className) {
-    return NewWrapper(value, className, RetainBy<retain>);
+    return NewWrapper(value, className, RetainForWrapper<retain>);
 }
 
 /// A natural host value, made by a function.

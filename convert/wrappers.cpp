@@ -50,7 +50,7 @@ template <size_t n> OwnedCF<CFTypeRef> CopyCompanionGeometry(REALobjectStruct *o
 
 template <auto retain> OwnedCF<CFTypeRef> CopyCompanionReference(REALobjectStruct *object) {
     const CFTypeRef held = CompanionData<WrapperData>(object).Ref;
-    return AdoptCF(held ? RetainBy<retain>(held) : nullptr);
+    return AdoptCF(held ? RetainForWrapper<retain>(held) : nullptr);
 }
 
 struct ObjectConversion {

@@ -31,7 +31,7 @@ template <class Data> Data &CompanionData(REALobjectStruct *instance) {
 // The platform's retain functions come in as template arguments, so that a table holds a function of ours and the
 // import is bound when it is first called.
 template <class Result, class Parameter> Parameter ParameterOf(Result (*)(Parameter));
-template <auto retain> CFTypeRef RetainBy(CFTypeRef value) {
+template <auto retain> CFTypeRef RetainForWrapper(CFTypeRef value) {
     return retain(static_cast<decltype(ParameterOf(retain))>(const_cast<void *>(value)));
 }
 

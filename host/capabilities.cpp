@@ -8,11 +8,5 @@ void ReadHostVersion() {
     const auto getVersion = reinterpret_cast<double (*)()>(gResolver("REALGetRBVersion"));
     if (getVersion)
         rbversion = getVersion();
-    CurrentREALControlVersion = DeclarationLayoutOf(rbversion);
-}
-
-void TellDeclarationLayout() {
-    // Deliberate: every host has this one, so it is called without a test.
-    const auto registerVersion = reinterpret_cast<void (*)(int32_t)>(gResolver("RegisterPluginVersion"));
-    registerVersion(CurrentREALControlVersion);
+    CurrentREALControlVersion = LayoutReadByHost(rbversion);
 }

@@ -18,7 +18,7 @@ constexpr int32_t kOldDeclarationLayout = 9;
 constexpr int32_t kNewestDeclarationLayout = 13;
 
 /// The newest layout that a host of this version understands.
-constexpr int32_t DeclarationLayoutOf(double version) {
+constexpr int32_t LayoutReadByHost(double version) {
     constexpr struct {
         double since;
         int32_t layout;
@@ -31,8 +31,6 @@ constexpr int32_t DeclarationLayoutOf(double version) {
 
 /// Asks the host for its version, and works out the layout from it.
 void ReadHostVersion();
-/// Tells the host in which layout the records come.
-void TellDeclarationLayout();
 
 /// Such a host gets records that registration has shortened, and knows events by their shortened records.
 inline bool HostReadsOldRecords() { return CurrentREALControlVersion == kOldDeclarationLayout; }

@@ -48,15 +48,15 @@ private:
     ServiceCell cell_;
 };
 
-template <class Signature> class ArrayEntryPoint;
+template <class Signature> class ElementEntryPoint;
 
 /// A service in two levels: the entry point gives the function that serves this array's element type, which is then
 /// called with the array. The element function belongs to the array and is fetched for each element.
-template <class Result, class... Arguments> class ArrayEntryPoint<Result(_REALarray *, Arguments...)> {
+template <class Result, class... Arguments> class ElementEntryPoint<Result(_REALarray *, Arguments...)> {
 public:
     using ElementFunction = Result (*)(_REALarray *, Arguments...);
 
-    constexpr explicit ArrayEntryPoint(const char *name, const char *olderName) : factory_(name, olderName) {}
+    constexpr explicit ElementEntryPoint(const char *name, const char *olderName) : factory_(name, olderName) {}
 
     /// The element function of an array, or null. A host that cannot make arrays gives null ones, which it must not be
     /// asked about.

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <typeinfo>
 
-#include "host/build_string.h"
 #include "host/objects.h"
+#include "host/strings.h"
 #include "host/zeroed_buffer.h"
 
 namespace {

@@ -85,7 +85,7 @@ inline constexpr const char *kGetterOfAnyArray = "RuntimeArrayDirectGetGetProc";
 inline constexpr const char *kInserterOfAnyArray = "RuntimeArrayDirectGetInsertProc";
 inline constexpr const char *kSetterOfAnyArray = "RuntimeArrayDirectGetSetProc";
 
-template <class Value> using ArrayGetter = ArrayEntryPoint<Value(_REALarray *, int32_t index)>;
+template <class Value> using ArrayGetter = ElementEntryPoint<Value(_REALarray *, int32_t index)>;
 inline constinit ArrayGetter<int32_t> REALGetArrayValueInteger{"PluginIntegerArrayGetProc", kGetterOfAnyArray};
 inline constinit ArrayGetter<HostBoolean> REALGetArrayValueBoolean{"PluginBooleanArrayGetProc", kGetterOfAnyArray};
 inline constinit ArrayGetter<int64_t> REALGetArrayValueInt64{"PluginInt64ArrayGetProc", kGetterOfAnyArray};
@@ -94,13 +94,13 @@ inline constinit ArrayGetter<double> REALGetArrayValueDouble{"PluginDoubleArrayG
 inline constinit ArrayGetter<REALstringStruct *> REALGetArrayValueString{"PluginStringArrayGetProc", kGetterOfAnyArray};
 inline constinit ArrayGetter<REALobjectStruct *> REALGetArrayValueObject{"PluginObjectArrayGetProc", kGetterOfAnyArray};
 
-template <class Value> using ArrayInserter = ArrayEntryPoint<void(_REALarray *, int32_t index, Value)>;
+template <class Value> using ArrayInserter = ElementEntryPoint<void(_REALarray *, int32_t index, Value)>;
 inline constinit ArrayInserter<REALstringStruct *> REALInsertArrayValueString{"PluginStringArrayInsertProc",
                                                                               kInserterOfAnyArray};
 inline constinit ArrayInserter<REALobjectStruct *> REALInsertArrayValueObject{"PluginObjectArrayInsertProc",
                                                                               kInserterOfAnyArray};
 /// Unlike insert and get, set takes the index last.
-template <class Value> using ArraySetter = ArrayEntryPoint<void(_REALarray *, Value, int32_t index)>;
+template <class Value> using ArraySetter = ElementEntryPoint<void(_REALarray *, Value, int32_t index)>;
 inline constinit ArraySetter<REALobjectStruct *> REALSetArrayValueObject{"PluginObjectArraySetProc", kSetterOfAnyArray};
 
 // Variants. Making one gives +1.

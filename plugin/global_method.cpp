@@ -16,16 +16,18 @@ REALmethodDefinition SpotlightSharedMethods[] = {
     SharedMethod("ShotlightQTX(searchString as string) as integer", rbHISearchWindowShow),
 };
 
-template <class Record> Record *NewZeroed() { return static_cast<Record *>(std::calloc(1, sizeof(Record))); }
+template <class Record> Record *NewRecordForGlobalMethod() {
+    return static_cast<Record *>(std::calloc(1, sizeof(Record)));
+}
 
 /// A module for good: the host keeps the record, its name and its methods. Null when there is no memory.
 REALmoduleDefinition *NewModuleOfGlobalMethod() {
     char name[100] = {};
     std::snprintf(name, sizeof name, "%s%s", gpartname, "GlobalsQTX");
-    auto *module = NewZeroed<REALmoduleDefinition>();
+    auto *module = NewRecordForGlobalMethod<REALmoduleDefinition>();
     if (!module)
         return nullptr;
-    auto *method = NewZeroed<REALmethodDefinition>();
+    auto *method = NewRecordForGlobalMethod<REALmethodDefinition>();
     if (!method) {
         std::free(module);
         return nullptr;

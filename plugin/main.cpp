@@ -17,7 +17,8 @@ void REALPluginMain(HostResolver resolver) {
         return;
     gResolver = resolver;
     ReadHostVersion();
-    TellDeclarationLayout();
+    // Deliberate: every host has this one, so it is called without a test.
+    reinterpret_cast<void (*)(int32_t)>(gResolver("RegisterPluginVersion"))(CurrentREALControlVersion);
 
     gpartname = "Spotlight";
     gplugin = 1;

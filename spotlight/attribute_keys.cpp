@@ -2,7 +2,6 @@
 
 #include <CoreServices/CoreServices.h>
 
-#include "host/build_string.h"
 #include "host/strings.h"
 
 namespace {

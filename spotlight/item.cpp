@@ -5,9 +5,9 @@
 
 #include <iterator>
 
+#include "convert/arrays.h"
 #include "convert/dictionaries.h"
 #include "convert/folder_items.h"
-#include "convert/string_arrays.h"
 #include "convert/values.h"
 #include "convert/wrappers.h"
 #include "host/arrays.h"
@@ -100,11 +100,11 @@ _REALarrayString *rbMDItemCopyAttributeNames(REALobjectStruct *self) {
 }
 
 // What the typed getters accept, and the type's identifier.
-template <class Reference> CFTypeID TypeIDOf();
-template <> CFTypeID TypeIDOf<CFStringRef>() { return CFStringGetTypeID(); }
-template <> CFTypeID TypeIDOf<CFBooleanRef>() { return CFBooleanGetTypeID(); }
-template <> CFTypeID TypeIDOf<CFNumberRef>() { return CFNumberGetTypeID(); }
-template <> CFTypeID TypeIDOf<CFArrayRef>() { return CFArrayGetTypeID(); }
+template <class Reference> CFTypeID TypeIDOfAttribute();
+template <> CFTypeID TypeIDOfAttribute<CFStringRef>() { return CFStringGetTypeID(); }
+template <> CFTypeID TypeIDOfAttribute<CFBooleanRef>() { return CFBooleanGetTypeID(); }
+template <> CFTypeID TypeIDOfAttribute<CFNumberRef>() { return CFNumberGetTypeID(); }
+template <> CFTypeID TypeIDOfAttribute<CFArrayRef>() { return CFArrayGetTypeID(); }
 
 /// The named attribute, if the item has it; of another type it raises "RuntimeException" and counts as absent.
 template <class Reference> OwnedCF<Reference> CopyTypedAttribute(MDItemRef item, REALstringStruct *name) {
@@ -114,7 +114,7 @@ template <class Reference> OwnedCF<Reference> CopyTypedAttribute(MDItemRef item,
     auto value = AdoptCF(MDItemCopyAttribute(item, attribute.Get()));
     if (!value)
         return {};
-    if (CFGetTypeID(value.Get()) != TypeIDOf<Reference>()) {
+    if (CFGetTypeID(value.Get()) != TypeIDOfAttribute<Reference>()) {
         RaiseException("RuntimeException", "Wrong type used for getting attribute value.");
         return {};
     }

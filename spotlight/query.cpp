@@ -6,7 +6,7 @@
 
 #include <iterator>
 
-#include "convert/string_arrays.h"
+#include "convert/arrays.h"
 #include "convert/values.h"
 #include "host/arrays.h"
 #include "host/exceptions.h"

@@ -1,6 +1,6 @@
 #include "spotlight/query_lifecycle.h"
 
-#include "convert/string_arrays.h"
+#include "convert/arrays.h"
 #include "host/owned.h"
 #include "host/strings.h"
 #include "spotlight/query.h"

@@ -2,9 +2,8 @@
 
 #include <CoreServices/CoreServices.h>
 
-#include "convert/string_arrays.h"
+#include "convert/arrays.h"
 #include "host/arrays.h"
-#include "host/build_string.h"
 #include "host/strings.h"
 
 namespace {

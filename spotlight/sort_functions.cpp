@@ -1,6 +1,6 @@
 #include "spotlight/sort_functions.h"
 
-#include "convert/string_arrays.h"
+#include "convert/arrays.h"
 #include "host/owned.h"
 #include "host/services.h"
 #include "host/strings.h"

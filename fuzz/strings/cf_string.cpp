@@ -4,7 +4,6 @@
 // Input: the host's age, what to do, then the bytes; for bytes their encoding and the length that is claimed.
 #include "fuzz/input.h"
 #include "fuzz/strings/expected_text.h"
-#include "host/build_string.h"
 #include "host/owned.h"
 #include "host/strings.h"
 #include "simulator/macos/CoreFoundation/ledger.h"

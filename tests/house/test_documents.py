@@ -79,7 +79,8 @@ class HostInterface(unittest.TestCase):
         for name, text in re.findall(r'constexpr const char \*(\w+) = ("\w+");', services):
             services = re.sub(rf"\b{name}\}}", text + "}", services)
         asked = {tuple(re.findall(r'"(\w+)"', names)) for names in re.findall(r"\{(\s*\"[^}]*)\}", services)}
-        asked |= {(name,) for name in re.findall(r'gResolver\("(\w+)"\)', read("host/capabilities.cpp"))}
+        start_up = read("host/capabilities.cpp") + read("plugin/main.cpp")
+        asked |= {(name,) for name in re.findall(r'gResolver\("(\w+)"\)', start_up)}
         listed = {tuple(re.findall(r"`(\w+)`", row[0])) for row in table_rows(section(self.page, "Services"))}
         self.assertEqual(listed, asked)
 

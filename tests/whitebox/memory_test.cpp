@@ -1,7 +1,7 @@
 // Texts for which there is no memory, where no host can bring that about.
 #include <doctest/doctest.h>
 
-#include "host/build_string.h"
+#include "host/strings.h"
 #include "tests/whitebox/failing_memory.h"
 #include "tests/whitebox/small_host.h"
 

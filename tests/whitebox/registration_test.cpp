@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "host/services.h"
+#include "plugin/old_records.h"
 #include "plugin/registration.h"
 #include "tests/whitebox/fake_resolver.h"
 

@@ -51,7 +51,7 @@ int factoryCalls = 0;
 bool hasElementFunction = true;
 
 template <class Result, class... Arguments>
-struct Shape<ArrayEntryPoint<Result(_REALarray *, Arguments...)>>
+struct Shape<ElementEntryPoint<Result(_REALarray *, Arguments...)>>
     : Shape<EntryPoint<Result(_REALarray *, Arguments...)>> {
     using ElementFunction = Result (*)(_REALarray *, Arguments...);
 

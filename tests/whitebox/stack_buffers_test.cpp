@@ -5,7 +5,6 @@
 
 #include <doctest/doctest.h>
 
-#include "host/build_string.h"
 #include "host/owned.h"
 #include "host/strings.h"
 #include "tests/whitebox/small_host.h"

@@ -1,7 +1,7 @@
 // Elements of host string arrays: the checks of the index, and the two ways in which hosts give an element.
 #include <doctest/doctest.h>
 
-#include "convert/string_arrays.h"
+#include "convert/arrays.h"
 #include "host/arrays.h"
 #include "tests/support/host_ages.h"
 #include "tests/whitebox/small_host.h"

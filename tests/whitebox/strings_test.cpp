@@ -2,8 +2,8 @@
 // missing, and C++ exceptions of the host.
 #include <doctest/doctest.h>
 
-#include "host/build_string.h"
 #include "host/exceptions.h"
+#include "host/strings.h"
 #include "tests/support/host_ages.h"
 #include "tests/whitebox/small_host.h"
 

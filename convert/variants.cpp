@@ -1,4 +1,4 @@
-#include "convert/variant_scalars.h"
+#include "convert/variants.h"
 
 #include "host/host_function.h"
 
