@@ -4,7 +4,6 @@
 
 #include "convert/dates.h"
 #include "convert/values.h"
-#include "convert/variants.h"
 #include "host/arrays.h"
 #include "host/strings.h"
 

@@ -9,8 +9,8 @@
 #include "convert/dictionaries.h"
 #include "convert/folder_items.h"
 #include "convert/memory_blocks.h"
-#include "convert/variants.h"
 #include "convert/wrappers.h"
+#include "host/host_function.h"
 #include "host/objects.h"
 #include "host/strings.h"
 
@@ -136,7 +136,48 @@ template <size_t n> const Conversion *FindConversion(const Conversion (&rows)[n]
     return nullptr;
 }
 
-// From the host.
+// From the host. What a variant holds is read through the host's conversion services, or through the variant's
+// properties where the host lacks them; numbers are 0, and the string is null, where it has neither.
+
+/// The conversion service's answer, or the named property's, or 0.
+template <class Value>
+Value ReadScalar(REALobjectStruct *variant, EntryPoint<Value(REALobjectStruct *)> &convert,
+                 PropertyGetter<Value> &getProperty, const char *property) {
+    if (convert)
+        return convert(variant);
+    Value value{};
+    getProperty(variant, property, &value);
+    return value;
+}
+
+/// kVariantNil when the host has no means to tell.
+int32_t GetVariantType(REALobjectStruct *variant) {
+    static constinit HostFunction<int32_t(REALobjectStruct *)> p{"VarType(value As Variant) As Int32"};
+    if (p)
+        return p(variant);
+    int32_t type = kVariantNil;
+    return REALGetPropValueInteger(variant, "Type", &type) ? type : int32_t{kVariantNil};
+}
+
+OwnedString GetVariantString(REALobjectStruct *variant) {
+    return AdoptHost(ReadScalar(variant, VariantToString, REALGetPropValueString, "StringValue"));
+}
+
+int32_t GetVariantInt32(REALobjectStruct *variant) {
+    return ReadScalar(variant, VariantToInt32, REALGetPropValueInt32, "Int32Value");
+}
+
+int64_t GetVariantInt64(REALobjectStruct *variant) {
+    return ReadScalar(variant, VariantToInt64, REALGetPropValueInt64, "LongValue");
+}
+
+float GetVariantSingle(REALobjectStruct *variant) {
+    return ReadScalar(variant, VariantToSingle, REALGetPropValueSingle, "SingleValue");
+}
+
+double GetVariantDouble(REALobjectStruct *variant) {
+    return ReadScalar(variant, VariantToDouble, REALGetPropValueDouble, "DoubleValue");
+}
 
 template <class Value> OwnedCF<CFNumberRef> CopyNumberValue(CFNumberType type, Value value) {
     return AdoptCF(CFNumberCreate(kCFAllocatorDefault, type, &value));
@@ -155,7 +196,7 @@ OwnedCF<CGColorRef> CopyColorValue(int32_t packed) {
 }
 
 OwnedCF<CFStringRef> CopyTextValue(REALobjectStruct *value) {
-    const auto string = AdoptHost(GetVariantString(value));
+    const auto string = GetVariantString(value);
     return TextOrEmpty(string.Get());
 }
 

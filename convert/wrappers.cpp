@@ -39,7 +39,7 @@ OwnedObject NewWrapperOrCFObject(CFTypeRef value, const char *className) {
 namespace {
 
 /// The doubles at the start of a geometry object's data, narrowed to the platform's 32-bit coordinates.
-template <size_t n> OwnedCF<CFTypeRef> CopyCompanionGeometry(REALobjectStruct *object) {
+template <size_t n> OwnedCF<CFTypeRef> CopyWrapperGeometry(REALobjectStruct *object) {
     const auto &fields = CompanionData<std::array<double, n>>(object);
     std::array<CGFloat, n> coordinates;
     std::transform(fields.begin(), fields.end(), coordinates.begin(),
@@ -48,7 +48,7 @@ template <size_t n> OwnedCF<CFTypeRef> CopyCompanionGeometry(REALobjectStruct *o
         CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(coordinates.data()), sizeof coordinates));
 }
 
-template <auto retain> OwnedCF<CFTypeRef> CopyCompanionReference(REALobjectStruct *object) {
+template <auto retain> OwnedCF<CFTypeRef> CopyWrapperReference(REALobjectStruct *object) {
     const CFTypeRef held = CompanionData<WrapperData>(object).Ref;
     return AdoptCF(held ? RetainForWrapper<retain>(held) : nullptr);
 }
@@ -60,31 +60,31 @@ struct ObjectConversion {
 
 /// The companions' classes, in the order in which they are tested.
 constexpr ObjectConversion kCompanionClasses[] = {
-    {"CGRectQTX", CopyCompanionGeometry<4>},
-    {"CGSizeQTX", CopyCompanionGeometry<2>},
-    {"CGPointQTX", CopyCompanionGeometry<2>},
-    {"CGImageQTX", CopyCompanionReference<CGImageRetain>},
-    {"CGColorSpaceQTX", CopyCompanionReference<CGColorSpaceRetain>},
-    {"CGColorQTX", CopyCompanionReference<CGColorRetain>},
-    {"CGDataProviderQTX", CopyCompanionReference<CGDataProviderRetain>},
-    {"CGDataConsumerQTX", CopyCompanionReference<CGDataConsumerRetain>},
-    {"CGFontQTX", CopyCompanionReference<CFRetain>},
-    {"CGContextQTX", CopyCompanionReference<CFRetain>},
-    {"CGEventQTX", CopyCompanionReference<CFRetain>},
-    {"CGEventSourceQTX", CopyCompanionReference<CFRetain>},
-    {"CGLayerQTX", CopyCompanionReference<CFRetain>},
-    {"CGPathQTX", CopyCompanionReference<CFRetain>},
-    {"CGPSConverterQTX", CopyCompanionReference<CFRetain>},
-    {"KeychainQTX", CopyCompanionReference<CFRetain>},
-    {"KeychainItemQTX", CopyCompanionReference<CFRetain>},
-    {"CFObjectQTX", CopyCompanionReference<CFRetain>},
-    {"NSAttributedStringQTX", CopyCompanionReference<CFRetain>},
-    {"NSTimerQTX", CopyCompanionReference<CFRetain>},
-    {"NSCalendarQTX", CopyCompanionReference<CFRetain>},
-    {"NSCharacterSetQTX", CopyCompanionReference<CFRetain>},
-    {"NSErrorQTX", CopyCompanionReference<CFRetain>},
-    {"NSLocaleQTX", CopyCompanionReference<CFRetain>},
-    {"NSTimeZoneQTX", CopyCompanionReference<CFRetain>},
+    {"CGRectQTX", CopyWrapperGeometry<4>},
+    {"CGSizeQTX", CopyWrapperGeometry<2>},
+    {"CGPointQTX", CopyWrapperGeometry<2>},
+    {"CGImageQTX", CopyWrapperReference<CGImageRetain>},
+    {"CGColorSpaceQTX", CopyWrapperReference<CGColorSpaceRetain>},
+    {"CGColorQTX", CopyWrapperReference<CGColorRetain>},
+    {"CGDataProviderQTX", CopyWrapperReference<CGDataProviderRetain>},
+    {"CGDataConsumerQTX", CopyWrapperReference<CGDataConsumerRetain>},
+    {"CGFontQTX", CopyWrapperReference<CFRetain>},
+    {"CGContextQTX", CopyWrapperReference<CFRetain>},
+    {"CGEventQTX", CopyWrapperReference<CFRetain>},
+    {"CGEventSourceQTX", CopyWrapperReference<CFRetain>},
+    {"CGLayerQTX", CopyWrapperReference<CFRetain>},
+    {"CGPathQTX", CopyWrapperReference<CFRetain>},
+    {"CGPSConverterQTX", CopyWrapperReference<CFRetain>},
+    {"KeychainQTX", CopyWrapperReference<CFRetain>},
+    {"KeychainItemQTX", CopyWrapperReference<CFRetain>},
+    {"CFObjectQTX", CopyWrapperReference<CFRetain>},
+    {"NSAttributedStringQTX", CopyWrapperReference<CFRetain>},
+    {"NSTimerQTX", CopyWrapperReference<CFRetain>},
+    {"NSCalendarQTX", CopyWrapperReference<CFRetain>},
+    {"NSCharacterSetQTX", CopyWrapperReference<CFRetain>},
+    {"NSErrorQTX", CopyWrapperReference<CFRetain>},
+    {"NSLocaleQTX", CopyWrapperReference<CFRetain>},
+    {"NSTimeZoneQTX", CopyWrapperReference<CFRetain>},
 };
 
 } // namespace

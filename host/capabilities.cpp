@@ -8,5 +8,5 @@ void ReadHostVersion() {
     const auto getVersion = reinterpret_cast<double (*)()>(gResolver("REALGetRBVersion"));
     if (getVersion)
         rbversion = getVersion();
-    CurrentREALControlVersion = LayoutReadByHost(rbversion);
+    CurrentREALControlVersion = HostLayoutOf(rbversion);
 }

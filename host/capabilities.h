@@ -18,7 +18,7 @@ constexpr int32_t kOldDeclarationLayout = 9;
 constexpr int32_t kNewestDeclarationLayout = 13;
 
 /// The newest layout that a host of this version understands.
-constexpr int32_t LayoutReadByHost(double version) {
+constexpr int32_t HostLayoutOf(double version) {
     constexpr struct {
         double since;
         int32_t layout;
