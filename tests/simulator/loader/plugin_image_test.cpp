@@ -1,12 +1,12 @@
 #include "simulator/loader/plugin_image.h"
 #include "tests/simulator/loader/image_builder.h"
 #include "tests/simulator/loader/library.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <typeinfo>
@@ -69,17 +69,14 @@ template <class Work> void OnBoth(Work work) {
     }
 }
 
-class TemporaryFile {
+class LibraryFile {
 public:
-    explicit TemporaryFile(const Bytes &bytes) {
-        path_ = (std::filesystem::temp_directory_path() / ("loader-test-" + std::to_string(getpid()))).string();
-        std::ofstream(path_, std::ios::binary)
-            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-    ~TemporaryFile() { std::filesystem::remove(path_); }
+    explicit LibraryFile(const Bytes &bytes)
+        : path_(folder_.File("library", {reinterpret_cast<const char *>(bytes.data()), bytes.size()})) {}
     const std::string &Path() const { return path_; }
 
 private:
+    ::tests::TemporaryFolder folder_;
     std::string path_;
 };
 
@@ -159,7 +156,7 @@ TEST_CASE("Whoever calls into a copy that was given back is stopped") {
 }
 
 TEST_CASE("A file that was written anew is loaded anew, also where a copy of the old one was given back") {
-    const TemporaryFile file(ImageBuilder().Build());
+    const LibraryFile file(ImageBuilder().Build());
     CHECK(PluginImage::Borrow(file.Path()).Find("REALPluginMain") == nullptr);
     std::filesystem::remove(file.Path());
     std::filesystem::copy_file(MACHO_LIBRARY, file.Path());
@@ -315,7 +312,7 @@ TEST_CASE("A path that leads to no library is refused with its name") {
 }
 
 TEST_CASE("A library without the entry point loads, but has none") {
-    const TemporaryFile file(ImageBuilder().Build());
+    const LibraryFile file(ImageBuilder().Build());
     const PluginImage image = PluginImage::Load(file.Path());
     CHECK_THROWS_WITH_AS(image.EntryPoint(), (file.Path() + ": does not export REALPluginMain").c_str(), LoadError);
 }
@@ -341,7 +338,7 @@ TEST_CASE("Initialisers run at load and terminators when the copy is given up") 
     class Notes : public Library {
         void *Find(const std::string &) const override { return reinterpret_cast<void *>(NoteInitialised); }
     };
-    const TemporaryFile file(builder.Build());
+    const LibraryFile file(builder.Build());
     initialised = 0;
     {
         const PluginImage image = PluginImage::Load(

@@ -2,7 +2,7 @@
 #include "tests/simulator/macos/corefoundation/support.h"
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 
@@ -49,14 +49,14 @@ TEST_CASE_FIXTURE(Balanced, "A framework that cannot be loaded has no functions"
 }
 
 TEST_CASE_FIXTURE(Balanced, "A bundle is made of a folder that exists and of nothing else") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const auto create = [](const std::string &path) {
         const auto url = CFRef<CFURLRef>::Adopt(CFURLCreateWithFileSystemPath(
             nullptr, MakeString(std::string_view(path)).Get(), kCFURLPOSIXPathStyle, false));
         return CFRef<CFBundleRef>::Adopt(CFBundleCreate(nullptr, url.Get()));
     };
     CHECK_FALSE(create(folder.File("file")));
-    CHECK_FALSE(create(folder.Path("absent")));
+    CHECK_FALSE(create(folder.PathOf("absent")));
     CHECK_FALSE(CFRef<CFBundleRef>::Adopt(CFBundleCreate(nullptr, UrlFrom("http://example.org/").Get())));
     const auto plain = create(folder.Path());
     REQUIRE(plain);

@@ -6,7 +6,7 @@
 #include <limits>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 

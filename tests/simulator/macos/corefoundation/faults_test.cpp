@@ -7,7 +7,7 @@
 #include <map>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 

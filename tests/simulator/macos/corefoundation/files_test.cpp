@@ -6,7 +6,7 @@
 #include <filesystem>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 
@@ -49,7 +49,7 @@ std::string PascalText(const UInt8 *name) { return {reinterpret_cast<const char 
 } // namespace
 
 TEST_CASE_FIXTURE(Balanced, "Every output of the catalogue call is given together or left out") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const FSRef reference = ReferenceOf(folder.File("plain.txt"));
     FSCatalogInfo info{};
     HFSUniStr255 name{};
@@ -83,8 +83,8 @@ TEST_CASE_FIXTURE(Balanced, "The root of a volume is node 2, and what it is in i
 }
 
 TEST_CASE_FIXTURE(Balanced, "A folder can be declared the root of a volume of its own") {
-    const Folder folder;
-    folder.Subfolder("inside");
+    const TemporaryFolder folder;
+    folder.Folder("inside");
     environment::AddVolume(folder.Path(), u"Disk \u00E9");
     const FSRef root = ReferenceOf(folder.Path());
     CHECK_EQ(NodeOf(root), 2);
@@ -93,7 +93,7 @@ TEST_CASE_FIXTURE(Balanced, "A folder can be declared the root of a volume of it
     CHECK_EQ(FSGetCatalogInfo(&root, kFSCatInfoNone, nullptr, nullptr, &spec, nullptr), noErr);
     CHECK_EQ(spec.vRefNum, -101);
     CHECK_EQ(PascalText(spec.name), "Disk \x8E");
-    const FSRef inside = ReferenceOf(folder.Path("inside"));
+    const FSRef inside = ReferenceOf(folder.PathOf("inside"));
     CHECK_EQ(FSGetCatalogInfo(&inside, kFSCatInfoNone, nullptr, nullptr, &spec, nullptr), noErr);
     CHECK_EQ(spec.vRefNum, -101);
     CHECK_EQ(+spec.parID, 2);
@@ -103,14 +103,14 @@ TEST_CASE_FIXTURE(Balanced, "A folder can be declared the root of a volume of it
 }
 
 TEST_CASE_FIXTURE(Balanced, "Names are decomposed and have a slash where the path has a colon") {
-    const Folder folder;
+    const TemporaryFolder folder;
     CHECK(NameOf(ReferenceOf(folder.File("n\u00E9w"))) == u"ne\u0301w");
     CHECK(NameOf(ReferenceOf(folder.File("10:30"))) == u"10/30");
     CHECK(NameOf(ReferenceOf(folder.File("\U0001F600"))) == u"\U0001F600");
 }
 
 TEST_CASE_FIXTURE(Balanced, "A name that grows past 255 units when it is decomposed is cut there") {
-    const Folder folder;
+    const TemporaryFolder folder;
     std::string name;
     for (int count = 0; count < 85; ++count)
         name += "\u1F82"; // three bytes, four units
@@ -120,7 +120,7 @@ TEST_CASE_FIXTURE(Balanced, "A name that grows past 255 units when it is decompo
 }
 
 TEST_CASE_FIXTURE(Balanced, "The name of old is MacRoman of at most 31 bytes") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const auto oldName = [&](const std::string &name) {
         const FSRef reference = ReferenceOf(folder.File(name));
         FSSpec spec{};
@@ -137,29 +137,29 @@ TEST_CASE_FIXTURE(Balanced, "The name of old is MacRoman of at most 31 bytes") {
 }
 
 TEST_CASE_FIXTURE(Balanced, "A file is found under the decomposed form of its name, and the composed") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const std::string composed = folder.File("n\u00E9w");
-    CHECK_EQ(PathOf(ReferenceOf(folder.Path("ne\u0301w"))), composed);
-    const std::string decomposed = folder.Subfolder("e\u0301");
-    CHECK_EQ(PathOf(ReferenceOf(folder.Path("\u00E9"))), decomposed);
-    CHECK_EQ(ExistingPath(folder.Path("\u00E9/../\u00E9/.")), decomposed);
+    CHECK_EQ(PathOf(ReferenceOf(folder.PathOf("ne\u0301w"))), composed);
+    const std::string decomposed = folder.Folder("e\u0301");
+    CHECK_EQ(PathOf(ReferenceOf(folder.PathOf("\u00E9"))), decomposed);
+    CHECK_EQ(ExistingPath(folder.PathOf("\u00E9/../\u00E9/.")), decomposed);
     FSRef reference;
-    CHECK_FALSE(CFURLGetFSRef(FromPath(folder.Path("N\u00E9w")).Get(), &reference));
+    CHECK_FALSE(CFURLGetFSRef(FromPath(folder.PathOf("N\u00E9w")).Get(), &reference));
 }
 
 TEST_CASE_FIXTURE(Balanced, "A link is an item of its own in the last place and a way on anywhere else") {
-    const Folder folder;
-    folder.Subfolder("real");
+    const TemporaryFolder folder;
+    folder.Folder("real");
     folder.File("real/file");
-    std::filesystem::create_symlink("real", folder.Path("link"));
-    CHECK_EQ(PathOf(ReferenceOf(folder.Path("link"))), folder.Path("link"));
-    CHECK_EQ(PathOf(ReferenceOf(folder.Path("link/file"))), folder.Path("real/file"));
-    std::filesystem::create_symlink("absent", folder.Path("broken"));
-    CHECK_EQ(PathOf(ReferenceOf(folder.Path("broken"))), folder.Path("broken"));
+    std::filesystem::create_symlink("real", folder.PathOf("link"));
+    CHECK_EQ(PathOf(ReferenceOf(folder.PathOf("link"))), folder.PathOf("link"));
+    CHECK_EQ(PathOf(ReferenceOf(folder.PathOf("link/file"))), folder.PathOf("real/file"));
+    std::filesystem::create_symlink("absent", folder.PathOf("broken"));
+    CHECK_EQ(PathOf(ReferenceOf(folder.PathOf("broken"))), folder.PathOf("broken"));
 }
 
 TEST_CASE_FIXTURE(Balanced, "One item has one node number, and different items have different ones") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const std::string one = folder.File("one");
     const std::string other = folder.File("other");
     CHECK_EQ(NodeOf(ReferenceOf(one)), NodeOf(ReferenceOf(one)));
@@ -171,19 +171,19 @@ TEST_CASE_FIXTURE(Balanced, "One item has one node number, and different items h
 
 TEST_CASE_FIXTURE(Balanced,
                   "A reference follows its item when it gets another name, even when another takes the old one") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const FSRef reference = ReferenceOf(folder.File("before"));
-    std::filesystem::rename(folder.Path("before"), folder.Path("after"));
-    CHECK_EQ(PathOf(reference), folder.Path("after"));
+    std::filesystem::rename(folder.PathOf("before"), folder.PathOf("after"));
+    CHECK_EQ(PathOf(reference), folder.PathOf("after"));
     folder.File("before");
-    CHECK_EQ(PathOf(reference), folder.Path("after"));
+    CHECK_EQ(PathOf(reference), folder.PathOf("after"));
     CHECK(NameOf(reference) == u"after");
 }
 
 TEST_CASE_FIXTURE(Balanced, "Each kind of bad reference has its own error") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const FSRef reference = ReferenceOf(folder.File("file"));
-    std::filesystem::remove(folder.Path("file"));
+    std::filesystem::remove(folder.PathOf("file"));
     CHECK_EQ(Check(reference), fnfErr);
     CHECK_EQ(PathOf(reference), "null");
     CHECK_EQ(Check(FSRef{}), nsvErr);

@@ -6,7 +6,7 @@
 #include <vector>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 TEST_CASE_FIXTURE(Balanced, "The types named after C types are the fixed ones of a 32-bit program") {
     CHECK_EQ(StoredForm(kCFNumberCharType), kCFNumberSInt8Type);

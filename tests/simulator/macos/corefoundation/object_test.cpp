@@ -10,7 +10,7 @@
 #include <vector>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 

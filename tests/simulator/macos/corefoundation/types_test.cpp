@@ -7,7 +7,7 @@
 #include <set>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 

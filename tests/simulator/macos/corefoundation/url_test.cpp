@@ -9,7 +9,7 @@
 #include <vector>
 
 using namespace sim::macos;
-using namespace sim::macos::tests;
+using namespace tests;
 
 namespace {
 
@@ -141,7 +141,7 @@ TEST_CASE_FIXTURE(Balanced, "A relative path is relative to the current folder")
 }
 
 TEST_CASE_FIXTURE(Balanced, "Only a file URL of an item that exists has a reference, and the reference leads back") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const std::string file = folder.File("some file.txt");
     FSRef reference;
     REQUIRE(CFURLGetFSRef(FromPath(file).Get(), &reference));
@@ -152,7 +152,7 @@ TEST_CASE_FIXTURE(Balanced, "Only a file URL of an item that exists has a refere
     CHECK_EQ(tests::TextOf(backToFolder.Get()), "file://" + EscapedPath(folder.Path()) + "/");
     CHECK(CFURLGetFSRef(FromPath(folder.Path(), true).Get(), &reference));
     CHECK(CFURLGetFSRef(UrlFrom("FILE://localhost" + EscapedPath(file) + "?query#fragment").Get(), &reference));
-    CHECK_FALSE(CFURLGetFSRef(FromPath(folder.Path("absent")).Get(), &reference));
+    CHECK_FALSE(CFURLGetFSRef(FromPath(folder.PathOf("absent")).Get(), &reference));
     CHECK_FALSE(CFURLGetFSRef(UrlFrom("http://localhost" + EscapedPath(file)).Get(), &reference));
     CHECK_FALSE(CFURLGetFSRef(UrlFrom("relative/leaf").Get(), &reference));
     CHECK_FALSE(CFURLGetFSRef(UrlFrom("file:///tmp%00/x").Get(), &reference));
@@ -160,7 +160,7 @@ TEST_CASE_FIXTURE(Balanced, "Only a file URL of an item that exists has a refere
 }
 
 TEST_CASE_FIXTURE(Balanced, "A relative file URL finds its item through its base") {
-    const Folder folder;
+    const TemporaryFolder folder;
     folder.File("leaf");
     const auto base = FromPath(folder.Path(), true);
     const auto url = CFRef<CFURLRef>::Adopt(CFURLCreateWithString(nullptr, CFSTR("leaf"), base.Get()));
@@ -169,7 +169,7 @@ TEST_CASE_FIXTURE(Balanced, "A relative file URL finds its item through its base
 }
 
 TEST_CASE_FIXTURE(Balanced, "A name that is not UTF-8 survives the way through a URL, byte by byte") {
-    const Folder folder;
+    const TemporaryFolder folder;
     const std::string file = folder.Path() + "/\xFF.txt";
     close(open(file.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
     const auto url = UrlFrom("file://" + EscapedPath(file));

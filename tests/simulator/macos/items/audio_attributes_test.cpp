@@ -1,7 +1,7 @@
 // What a program reads of files of sound.
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -55,9 +55,9 @@ std::string Layer3(const std::string &title) {
 } // namespace
 
 TEST_CASE("a file of sound tells how long it plays, what it is called and who made it") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto flac = folder.Write(
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto flac = folder.File(
         "a.flac", Flac({"TITLE=Ein Stück", "ARTIST=The Band", "ALBUM=Songs", "GENRE=Waltz", "TRACKNUMBER=7"}));
     CHECK(Fraction(Attribute(flac, "kMDItemDurationSeconds")) == 2.0);
     CHECK(Text(Attribute(flac, "kMDItemTitle")) == "Ein Stück");
@@ -70,34 +70,34 @@ TEST_CASE("a file of sound tells how long it plays, what it is called and who ma
 }
 
 TEST_CASE("sound is read in the formats that are about") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto wave = folder.Write("a.wav", Wave("Silence"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto wave = folder.File("a.wav", Wave("Silence"));
     CHECK(Fraction(Attribute(wave, "kMDItemDurationSeconds")) == 1.5);
     CHECK(Text(Attribute(wave, "kMDItemTitle")) == "Silence");
     CHECK(Whole(Attribute(wave, "kMDItemAudioBitRate")) == 64000);
-    const auto layer3 = folder.Write("a.mp3", Layer3("Noise"));
+    const auto layer3 = folder.File("a.mp3", Layer3("Noise"));
     CHECK(Fraction(Attribute(layer3, "kMDItemDurationSeconds")) == doctest::Approx(4170 * 8 / 128000.0).epsilon(0.01));
     CHECK(Text(Attribute(layer3, "kMDItemTitle")) == "Noise");
     CHECK(Whole(Attribute(layer3, "kMDItemAudioBitRate")) == 128000);
 }
 
 TEST_CASE("what a file of sound does not say is no attribute, and what is none has none") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto silent = folder.Write("a.wav", Wave(""));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto silent = folder.File("a.wav", Wave(""));
     for (const char *key : {"kMDItemTitle", "kMDItemAuthors", "kMDItemAlbum", "kMDItemAudioTrackNumber"})
         CHECK_FALSE(Attribute(silent, key));
     for (const char *name : {"words.mp3", "words.flac", "words.txt"})
-        CHECK_FALSE(Attribute(folder.Write(name, "These are words.\n"), "kMDItemDurationSeconds"));
-    CHECK_FALSE(Attribute(folder.Write("cut.flac", Flac({}).substr(0, 20)), "kMDItemDurationSeconds"));
+        CHECK_FALSE(Attribute(folder.File(name, "These are words.\n"), "kMDItemDurationSeconds"));
+    CHECK_FALSE(Attribute(folder.File("cut.flac", Flac({}).substr(0, 20)), "kMDItemDurationSeconds"));
 }
 
 TEST_CASE("a title that somebody wrote down with the file goes before its own, and is listed once") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto path = folder.Write("a.wav", Wave("Silence"));
-    SetExtendedAttribute(path, "user.dublincore.title", "Quiet");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto path = folder.File("a.wav", Wave("Silence"));
+    tests::SetExtendedAttribute(path, "user.dublincore.title", "Quiet");
     CHECK(Text(Attribute(path, "kMDItemTitle")) == "Quiet");
     const auto names = Texts(Value::Adopt(MDItemCopyAttributeNames(ItemAt(path).Get())));
     CHECK(std::ranges::count(names, "kMDItemTitle") == 1);

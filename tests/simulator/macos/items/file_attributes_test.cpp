@@ -1,7 +1,7 @@
 // What a program reads of any file, against what stat(2) and stat(1) say.
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -33,9 +33,9 @@ double TimeByStat(const std::string &path, const char *format) {
 } // namespace
 
 TEST_CASE("an item tells the names and the path of its file") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("Letter to Zo\xC3\xAB.txt", "Dear Zoe"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("Letter to Zo\xC3\xAB.txt", "Dear Zoe"));
     CHECK(Text(Attribute(item, "kMDItemFSName")) == "Letter to Zo\xC3\xAB.txt");
     CHECK(Text(Attribute(item, "kMDItemDisplayName")) == "Letter to Zo\xC3\xAB.txt");
     CHECK(Text(Attribute(item, "kMDItemPath")) == folder.PathOf("Letter to Zo\xC3\xAB.txt"));
@@ -44,18 +44,18 @@ TEST_CASE("an item tells the names and the path of its file") {
 }
 
 TEST_CASE("a name keeps its characters as the file system has them, decomposed or not") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    CHECK(Text(Attribute(folder.Write("e\xCC\x81", ""), "kMDItemFSName")) == "e\xCC\x81");
-    CHECK(Text(Attribute(folder.Write("\xC3\xA9", ""), "kMDItemFSName")) == "\xC3\xA9");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    CHECK(Text(Attribute(folder.File("e\xCC\x81", ""), "kMDItemFSName")) == "e\xCC\x81");
+    CHECK(Text(Attribute(folder.File("\xC3\xA9", ""), "kMDItemFSName")) == "\xC3\xA9");
 }
 
 TEST_CASE("the size is that of the file, whatever its magnitude, and folders have none") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    CHECK(Whole(Attribute(folder.Write("empty", ""), "kMDItemFSSize")) == 0);
-    CHECK(Whole(Attribute(folder.Write("small", std::string(1234, 'x')), "kMDItemFSSize")) == 1234);
-    const std::string large = folder.Write("large", "");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    CHECK(Whole(Attribute(folder.File("empty", ""), "kMDItemFSSize")) == 0);
+    CHECK(Whole(Attribute(folder.File("small", std::string(1234, 'x')), "kMDItemFSSize")) == 1234);
+    const std::string large = folder.File("large", "");
     REQUIRE(truncate64(large.c_str(), 5'000'000'000) == 0);
     CHECK(Whole(Attribute(large, "kMDItemFSSize")) == 5'000'000'000);
     CHECK(Whole(Attribute(large, "kMDItemFSSize")) == StatusOf(large).st_size);
@@ -63,20 +63,20 @@ TEST_CASE("the size is that of the file, whatever its magnitude, and folders hav
 }
 
 TEST_CASE("a folder tells how many entries it has, hidden ones among them, and a file does not") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     CHECK(Whole(Attribute(folder.Path(), "kMDItemFSNodeCount")) == 0);
-    folder.Write("a", "");
-    folder.Write(".b", "");
-    folder.MakeFolder("c");
+    folder.File("a", "");
+    folder.File(".b", "");
+    folder.Folder("c");
     CHECK(Whole(Attribute(folder.Path(), "kMDItemFSNodeCount")) == 3);
     CHECK_FALSE(Attribute(folder.PathOf("a"), "kMDItemFSNodeCount"));
 }
 
 TEST_CASE("owner and group are those of the file") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("mine", "");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("mine", "");
     if (geteuid() == 0)
         REQUIRE(chown(path.c_str(), 12345, 4'000'000'000) == 0);
     const auto item = ItemAt(path);
@@ -85,9 +85,9 @@ TEST_CASE("owner and group are those of the file") {
 }
 
 TEST_CASE("the dates are the times of the file, to the fraction of a second") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("dated", "words");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("dated", "words");
     const timespec kTimes[] = {{.tv_sec = 1'404'171'059, .tv_nsec = 900'000'000}, // opened 2014-06-30T23:30:59.9Z
                                {.tv_sec = 915'148'800, .tv_nsec = 250'000'000}};  // changed 1999-01-01T00:00:00.25Z
     REQUIRE(utimensat(AT_FDCWD, path.c_str(), kTimes, 0) == 0);
@@ -100,9 +100,9 @@ TEST_CASE("the dates are the times of the file, to the fraction of a second") {
 }
 
 TEST_CASE("dates are read on the platform's scale, whose zero is the beginning of 2001") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("dated", "");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("dated", "");
     const timespec kEpoch = {.tv_sec = 978'307'200, .tv_nsec = 0};
     const timespec kTimes[] = {kEpoch, kEpoch};
     REQUIRE(utimensat(AT_FDCWD, path.c_str(), kTimes, 0) == 0);
@@ -112,9 +112,9 @@ TEST_CASE("dates are read on the platform's scale, whose zero is the beginning o
 }
 
 TEST_CASE("the date of creation is the time of birth where the file system keeps it") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("new", "words");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("new", "words");
     const timespec kTimes[] = {{.tv_sec = 1, .tv_nsec = 0}, {.tv_sec = 2, .tv_nsec = 0}};
     REQUIRE(utimensat(AT_FDCWD, path.c_str(), kTimes, 0) == 0);
     const double birth = TimeByStat(path, "%.9W"); // 0 where it is not kept; then the oldest time counts
@@ -127,9 +127,9 @@ TEST_CASE("the date of creation is the time of birth where the file system keeps
 }
 
 TEST_CASE("reading a file's attributes leaves the time of its last access alone") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("quiet", "words without an extension");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("quiet", "words without an extension");
     const timespec kTimes[] = {{.tv_sec = 1000, .tv_nsec = 0}, {.tv_sec = 2000, .tv_nsec = 0}};
     REQUIRE(utimensat(AT_FDCWD, path.c_str(), kTimes, 0) == 0);
     CHECK(Text(Attribute(path, "kMDItemContentType")) == "public.plain-text");
@@ -137,9 +137,9 @@ TEST_CASE("reading a file's attributes leaves the time of its last access alone"
 }
 
 TEST_CASE("a file exists and may be read and written as access(2) says") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("guarded", "");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("guarded", "");
     REQUIRE(chmod(path.c_str(), 0400) == 0);
     const auto item = ItemAt(path);
     CHECK(Truth(Attribute(item, "kMDItemFSExists")));
@@ -149,16 +149,16 @@ TEST_CASE("a file exists and may be read and written as access(2) says") {
 }
 
 TEST_CASE("a dot makes a file invisible") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    CHECK(Truth(Attribute(folder.Write(".profile", ""), "kMDItemFSInvisible")));
-    CHECK_FALSE(Truth(Attribute(folder.Write("profile", ""), "kMDItemFSInvisible")));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    CHECK(Truth(Attribute(folder.File(".profile", ""), "kMDItemFSInvisible")));
+    CHECK_FALSE(Truth(Attribute(folder.File("profile", ""), "kMDItemFSInvisible")));
 }
 
 TEST_CASE("a file without Finder information has no flags and no label") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("plain.txt", ""));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("plain.txt", ""));
     for (const char *key :
          {"kMDItemFSInvisible", "kMDItemFSHasCustomIcon", "kMDItemFSIsStationery", "kMDItemFSIsExtensionHidden"}) {
         CAPTURE(key);
@@ -168,8 +168,8 @@ TEST_CASE("a file without Finder information has no flags and no label") {
 }
 
 TEST_CASE("Finder information gives a file its flags and its label, each by its own bits") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const struct {
         unsigned char high, low;
         bool invisible, customIcon, stationery, extensionHidden;
@@ -180,12 +180,12 @@ TEST_CASE("Finder information gives a file its flags and its label, each by its 
         {0x00, 0x0C, false, false, false, false, 6}, {0xFF, 0xFF, true, true, true, true, 7},
         {0xB3, 0xE1, false, false, false, false, 0},
     };
-    const std::string path = folder.Write("flagged.txt", "");
+    const std::string path = folder.File("flagged.txt", "");
     for (const auto &flags : kCases) {
         std::string information(32, '\0');
         information[8] = static_cast<char>(flags.high);
         information[9] = static_cast<char>(flags.low);
-        SetExtendedAttribute(path, "user.com.apple.FinderInfo", information);
+        tests::SetExtendedAttribute(path, "user.com.apple.FinderInfo", information);
         const auto item = ItemAt(path);
         CAPTURE(flags.high);
         CAPTURE(flags.low);
@@ -197,14 +197,15 @@ TEST_CASE("Finder information gives a file its flags and its label, each by its 
         CHECK(Text(Attribute(item, "kMDItemDisplayName")) == (flags.extensionHidden ? "flagged" : "flagged.txt"));
         CHECK(Text(Attribute(item, "kMDItemFSName")) == "flagged.txt");
     }
-    SetExtendedAttribute(path, "user.com.apple.FinderInfo", std::string(9, '\xFF')); // too short to hold the flags
+    tests::SetExtendedAttribute(path, "user.com.apple.FinderInfo",
+                                std::string(9, '\xFF')); // too short to hold the flags
     CHECK_FALSE(Truth(Attribute(path, "kMDItemFSInvisible")));
 }
 
 TEST_CASE("a symbolic link tells of itself, not of what it leads to") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    folder.Write("target.txt", "words");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    folder.File("target.txt", "words");
     REQUIRE(symlink("target.txt", folder.PathOf("link.txt").c_str()) == 0);
     const auto item = ItemAt(folder.PathOf("link.txt"));
     CHECK(Whole(Attribute(item, "kMDItemFSSize")) == 10);

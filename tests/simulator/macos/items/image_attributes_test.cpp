@@ -1,8 +1,8 @@
 // What a program reads of pictures.
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
 #include "tests/simulator/macos/items/support/sample_images.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -53,8 +53,8 @@ std::string Gif(bool hasTransparentColor) {
 } // namespace
 
 TEST_CASE("a picture tells its size, colour space, depth, transparency and orientation") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const std::string gif = Gif(true), opaqueGif = Gif(false);
     const Expected kPictures[] = {
         {gif, "a.gif", 300, 5, 8, "RGB", true, 0},
@@ -69,7 +69,7 @@ TEST_CASE("a picture tells its size, colour space, depth, transparency and orien
     };
     for (const Expected &picture : kPictures) {
         CAPTURE(picture.name);
-        const auto item = ItemAt(folder.Write(picture.name, picture.bytes));
+        const auto item = ItemAt(folder.File(picture.name, picture.bytes));
         CHECK(Whole(Attribute(item, "kMDItemPixelWidth")) == picture.width);
         CHECK(Whole(Attribute(item, "kMDItemPixelHeight")) == picture.height);
         CHECK(Whole(Attribute(item, "kMDItemPixelCount")) == picture.width * picture.height);
@@ -81,8 +81,8 @@ TEST_CASE("a picture tells its size, colour space, depth, transparency and orien
 }
 
 TEST_CASE("the pixel sizes are those that file(1) reads") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const struct {
         const std::string &bytes;
         const char *separator;
@@ -90,7 +90,7 @@ TEST_CASE("the pixel sizes are those that file(1) reads") {
         {kRGBAPicture, " x "}, {kGrayPicture, " x "}, {kColorPhoto, "x"}, {kGrayPhoto, "x"}, {kProgressivePhoto, "x"},
     };
     for (const auto &picture : kPictures) {
-        const std::string path = folder.Write("picture", picture.bytes);
+        const std::string path = folder.File("picture", picture.bytes);
         const std::string size = std::to_string(Whole(Attribute(path, "kMDItemPixelWidth"))) + picture.separator +
                                  std::to_string(Whole(Attribute(path, "kMDItemPixelHeight"))) + ",";
         const std::string others = OutputOf("file --brief " + path) + ",";
@@ -100,10 +100,10 @@ TEST_CASE("the pixel sizes are those that file(1) reads") {
 }
 
 TEST_CASE("a resolution is told in dots per inch, and only where the file gives it a unit") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto resolution = [&](const std::string &bytes, const char *key) {
-        return Fraction(Attribute(folder.Write("picture", bytes), key));
+        return Fraction(Attribute(folder.File("picture", bytes), key));
     };
     CHECK(resolution(kRGBAPicture, "kMDItemResolutionWidthDPI") == doctest::Approx(5669 * 0.0254));
     CHECK(resolution(kRGBAPicture, "kMDItemResolutionHeightDPI") == doctest::Approx(11338 * 0.0254));
@@ -111,66 +111,66 @@ TEST_CASE("a resolution is told in dots per inch, and only where the file gives 
     CHECK(resolution(kColorPhoto, "kMDItemResolutionHeightDPI") == 150);
     CHECK(resolution(kGrayPhoto, "kMDItemResolutionHeightDPI") == doctest::Approx(254));
     for (const std::string &bytes : {kGrayPicture, kPrintPhoto, kProgressivePhoto}) {
-        const std::string path = folder.Write("picture", bytes);
+        const std::string path = folder.File("picture", bytes);
         CHECK_FALSE(Attribute(path, "kMDItemResolutionWidthDPI"));
         CHECK_FALSE(Attribute(path, "kMDItemResolutionHeightDPI"));
     }
 }
 
 TEST_CASE("a picture in the standard colour space names its profile") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    CHECK(Text(Attribute(folder.Write("a.png", kRGBAPicture), "kMDItemProfileName")) == "sRGB IEC61966-2.1");
-    CHECK_FALSE(Attribute(folder.Write("b.png", kGrayPicture), "kMDItemProfileName"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    CHECK(Text(Attribute(folder.File("a.png", kRGBAPicture), "kMDItemProfileName")) == "sRGB IEC61966-2.1");
+    CHECK_FALSE(Attribute(folder.File("b.png", kGrayPicture), "kMDItemProfileName"));
     const std::string profile = "\0\0\0\x0C"s + "iCCP" + "Own colours\0"s + "crc."; // of the profile only its name
     const std::string withProfile =
         kGrayPicture.substr(0, kPNGHeaderEnd) + profile + kGrayPicture.substr(kPNGHeaderEnd);
-    CHECK(Text(Attribute(folder.Write("c.png", withProfile), "kMDItemProfileName")) == "Own colours");
+    CHECK(Text(Attribute(folder.File("c.png", withProfile), "kMDItemProfileName")) == "Own colours");
 }
 
 TEST_CASE("EXIF data tells the camera, the resolution and that a photo is shown on its side") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto upright = ItemAt(folder.Write("upright.jpg", WithExif(kColorPhoto, 1)));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto upright = ItemAt(folder.File("upright.jpg", WithExif(kColorPhoto, 1)));
     CHECK(Text(Attribute(upright, "kMDItemAcquisitionMake")) == "Abc");
     CHECK(Text(Attribute(upright, "kMDItemAcquisitionModel")) == "Mod-1");
     CHECK(Whole(Attribute(upright, "kMDItemOrientation")) == 0);
     CHECK(Whole(Attribute(upright, "kMDItemPixelWidth")) == 16);
-    const auto turned = ItemAt(folder.Write("turned.jpg", WithExif(kColorPhoto, 6)));
+    const auto turned = ItemAt(folder.File("turned.jpg", WithExif(kColorPhoto, 6)));
     CHECK(Whole(Attribute(turned, "kMDItemOrientation")) == 1);
     CHECK(Whole(Attribute(turned, "kMDItemPixelWidth")) == 16);
-    const auto inches = ItemAt(folder.Write("print.jpg", WithExif(kPrintPhoto, 1)));
+    const auto inches = ItemAt(folder.File("print.jpg", WithExif(kPrintPhoto, 1)));
     CHECK(Fraction(Attribute(inches, "kMDItemResolutionWidthDPI")) == doctest::Approx(400.0 / 3));
     CHECK_FALSE(Attribute(inches, "kMDItemResolutionHeightDPI"));
-    const auto metric = ItemAt(folder.Write("metric.jpg", WithExif(kPrintPhoto, 1, 3)));
+    const auto metric = ItemAt(folder.File("metric.jpg", WithExif(kPrintPhoto, 1, 3)));
     CHECK(Fraction(Attribute(metric, "kMDItemResolutionWidthDPI")) == doctest::Approx(400.0 / 3 * 2.54));
 }
 
 TEST_CASE("a picture cut off anywhere before the end of its header has no picture attributes") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto headerEnds = [](const std::string &bytes, const std::string &mark) { return bytes.find(mark); };
     for (std::size_t length = 0; length < 8 + 8 + 13; length++) {
         CAPTURE(length);
-        CHECK_FALSE(Attribute(folder.Write("cut.png", kRGBAPicture.substr(0, length)), "kMDItemPixelWidth"));
+        CHECK_FALSE(Attribute(folder.File("cut.png", kRGBAPicture.substr(0, length)), "kMDItemPixelWidth"));
     }
     const std::size_t frame = headerEnds(kColorPhoto, "\xFF\xC0");
     REQUIRE(frame != std::string::npos);
     for (std::size_t length = 0; length < frame + 10; length++) {
         CAPTURE(length);
-        CHECK_FALSE(Attribute(folder.Write("cut.jpg", kColorPhoto.substr(0, length)), "kMDItemPixelWidth"));
+        CHECK_FALSE(Attribute(folder.File("cut.jpg", kColorPhoto.substr(0, length)), "kMDItemPixelWidth"));
     }
     for (std::size_t length = 0; length < 110; length++) { // must not read beyond the data, whatever it finds
         const std::string exif = WithExif(kColorPhoto, 6);
-        CHECK(Attribute(folder.Write("cut-exif.jpg", exif.substr(0, length)), "kMDItemFSSize"));
+        CHECK(Attribute(folder.File("cut-exif.jpg", exif.substr(0, length)), "kMDItemFSSize"));
         CHECK_FALSE(Attribute(folder.PathOf("cut-exif.jpg"), "kMDItemPixelWidth"));
     }
 }
 
 TEST_CASE("what is no picture has no picture attributes, also under a picture's name") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("words.png", "These are words.\n"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("words.png", "These are words.\n"));
     CHECK(Text(Attribute(item, "kMDItemContentType")) == "public.png");
     for (const char *key : {"kMDItemPixelWidth", "kMDItemPixelCount", "kMDItemColorSpace", "kMDItemHasAlphaChannel",
                             "kMDItemOrientation", "kMDItemAcquisitionMake"}) {
@@ -180,20 +180,20 @@ TEST_CASE("what is no picture has no picture attributes, also under a picture's 
 }
 
 TEST_CASE("a damaged picture is given up after a thousand pieces that say nothing") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto paddedPNG = [&](std::size_t chunks) { // chunks of no bytes and no name between header and resolution
         return kRGBAPicture.substr(0, kPNGHeaderEnd) + std::string(chunks * 12, '\0') +
                kRGBAPicture.substr(kPNGHeaderEnd);
     };
-    CHECK(Attribute(folder.Write("a.png", paddedPNG(990)), "kMDItemResolutionWidthDPI"));
-    CHECK_FALSE(Attribute(folder.Write("b.png", paddedPNG(1000)), "kMDItemResolutionWidthDPI"));
+    CHECK(Attribute(folder.File("a.png", paddedPNG(990)), "kMDItemResolutionWidthDPI"));
+    CHECK_FALSE(Attribute(folder.File("b.png", paddedPNG(1000)), "kMDItemResolutionWidthDPI"));
     CHECK(Attribute(folder.PathOf("b.png"), "kMDItemPixelWidth"));
     const auto paddedJPEG = [](std::size_t fill) {
         return kColorPhoto.substr(0, 2) + std::string(fill, '\xFF') + kColorPhoto.substr(2);
     };
-    CHECK(Attribute(folder.Write("a.jpg", paddedJPEG(900)), "kMDItemPixelWidth"));
-    CHECK_FALSE(Attribute(folder.Write("b.jpg", paddedJPEG(1000)), "kMDItemPixelWidth"));
+    CHECK(Attribute(folder.File("a.jpg", paddedJPEG(900)), "kMDItemPixelWidth"));
+    CHECK_FALSE(Attribute(folder.File("b.jpg", paddedJPEG(1000)), "kMDItemPixelWidth"));
     const auto paddedGIF = [](std::size_t pieces) { // extensions of no bytes between the palette and the others
         const std::string gif = Gif(true);
         std::string padding;
@@ -201,9 +201,9 @@ TEST_CASE("a damaged picture is given up after a thousand pieces that say nothin
             padding += "\x21\xFE\0"s;
         return gif.substr(0, 19) + padding + gif.substr(19);
     };
-    CHECK(Truth(Attribute(folder.Write("a.gif", paddedGIF(900)), "kMDItemHasAlphaChannel")));
-    CHECK_FALSE(Truth(Attribute(folder.Write("b.gif", paddedGIF(1000)), "kMDItemHasAlphaChannel")));
-    CHECK_FALSE(Attribute(folder.Write("cut.gif", Gif(true).substr(0, 12)), "kMDItemPixelWidth"));
+    CHECK(Truth(Attribute(folder.File("a.gif", paddedGIF(900)), "kMDItemHasAlphaChannel")));
+    CHECK_FALSE(Truth(Attribute(folder.File("b.gif", paddedGIF(1000)), "kMDItemHasAlphaChannel")));
+    CHECK_FALSE(Attribute(folder.File("cut.gif", Gif(true).substr(0, 12)), "kMDItemPixelWidth"));
 }
 
 } // namespace sim::macos

@@ -2,10 +2,10 @@
 #include "simulator/macos/CoreServices/metadata/items/file_source.h"
 #include "simulator/macos/CoreServices/metadata/items/item.h"
 #include "simulator/macos/control/stop.h"
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
 #include "tests/simulator/macos/items/support/sample_images.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -58,8 +58,8 @@ CFRef<MDItemRef> ItemAtURL(const char *url) {
 } // namespace
 
 TEST_CASE("an item has the type of items") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto item = ItemAt(folder.Path());
     REQUIRE(item);
     CHECK(CFGetTypeID(item.Get()) == MDItemGetTypeID());
@@ -67,8 +67,8 @@ TEST_CASE("an item has the type of items") {
 }
 
 TEST_CASE("there is no item of a file that does not exist, nor of a URL that names no file") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     CHECK_FALSE(ItemAt(folder.PathOf("missing")));
     CHECK_FALSE(ItemAt(folder.PathOf("missing/below")));
     CHECK_FALSE(ItemAtURL("http://example.org/tmp"));
@@ -77,28 +77,28 @@ TEST_CASE("there is no item of a file that does not exist, nor of a URL that nam
 }
 
 TEST_CASE("a dangling link is a file that exists") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     REQUIRE(symlink("nowhere", folder.PathOf("link").c_str()) == 0);
     CHECK(ItemAt(folder.PathOf("link")));
 }
 
 TEST_CASE("a folder's URL may end with a slash, a file's path hold blanks and dots") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    folder.Write("a b", "words");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    folder.File("a b", "words");
     CHECK(Text(Attribute(folder.Path() + "/", "kMDItemPath")) == folder.Path());
     CHECK(Text(Attribute(folder.Path() + "/./x/../a b", "kMDItemPath")) == folder.PathOf("a b"));
     CHECK(Text(Attribute(ItemAtURL(("file://" + folder.Path() + "/a%20b").c_str()), "kMDItemFSName")) == "a b");
 }
 
 TEST_CASE("two items of one file are equal and hash alike, whichever path they were made from") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto first = ItemAt(folder.Write("first", ""));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto first = ItemAt(folder.File("first", ""));
     REQUIRE(link(folder.PathOf("first").c_str(), folder.PathOf("second").c_str()) == 0);
     const auto second = ItemAt(folder.PathOf("second"));
-    const auto other = ItemAt(folder.Write("other", ""));
+    const auto other = ItemAt(folder.File("other", ""));
     CHECK(first.Get() != second.Get());
     CHECK(CFEqual(first.Get(), second.Get()));
     CHECK(CFHash(first.Get()) == CFHash(second.Get()));
@@ -106,9 +106,9 @@ TEST_CASE("two items of one file are equal and hash alike, whichever path they w
 }
 
 TEST_CASE("a file's identity is its device, its number and its birth as stat(1) reads them") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("known", "");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("known", "");
     const FileIdentity identity = FileSource::At(path)->Identity();
     CHECK(std::to_string(identity.volume) == OutputOf("stat --format=%d " + path));
     CHECK(std::to_string(identity.file) == OutputOf("stat --format=%i " + path));
@@ -117,7 +117,7 @@ TEST_CASE("a file's identity is its device, its number and its birth as stat(1) 
 }
 
 TEST_CASE("items of scripted files go by their identity and answer from their source") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     const auto file = std::make_shared<ScriptedFile>(1);
     const auto item = ItemOf(file);
     CHECK(file->Asked() == 0);
@@ -129,19 +129,19 @@ TEST_CASE("items of scripted files go by their identity and answer from their so
 }
 
 TEST_CASE("an item tells the state of the moment it is asked") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("growing.txt", "one"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("growing.txt", "one"));
     CHECK(Whole(Attribute(item, "kMDItemFSSize")) == 3);
     std::ofstream(folder.PathOf("growing.txt"), std::ios::app) << "two";
     CHECK(Whole(Attribute(item, "kMDItemFSSize")) == 6);
 }
 
 TEST_CASE("an item whose file has gone tells which one it was and nothing else") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("gone.png", kRGBAPicture);
-    SetExtendedAttribute(path, "user.xdg.comment", "soon gone");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("gone.png", kRGBAPicture);
+    tests::SetExtendedAttribute(path, "user.xdg.comment", "soon gone");
     const auto item = ItemAt(path);
     REQUIRE(std::filesystem::remove(path));
     CHECK(Text(Attribute(item, "kMDItemFSName")) == "gone.png");
@@ -152,23 +152,23 @@ TEST_CASE("an item whose file has gone tells which one it was and nothing else")
 }
 
 TEST_CASE("an item follows its file to a new name and refuses to become another's") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("old", ""));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("old", ""));
     const CFHashCode hash = CFHash(item.Get());
     std::filesystem::rename(folder.PathOf("old"), folder.PathOf("new"));
     Item::From(item.Get())->SetSource(FileSource::At(folder.PathOf("new")));
     CHECK(Text(Attribute(item, "kMDItemFSName")) == "new");
     CHECK(CFHash(item.Get()) == hash);
-    folder.Write("other", "");
+    folder.File("other", "");
     const StopsThrow stops;
     CHECK_THROWS_AS(Item::From(item.Get())->SetSource(FileSource::At(folder.PathOf("other"))), Stopped);
 }
 
 TEST_CASE("several attributes come as a dictionary that lacks those the file lacks") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("a.txt", "words"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("a.txt", "words"));
     const auto names = Array({"kMDItemFSName", "kMDItemAlbum", "kMDItemFSSize", "no such", "kMDItemFSName"});
     const auto attributes = CFRef<CFDictionaryRef>::Adopt(MDItemCopyAttributes(item.Get(), names.Get()));
     CHECK(CFDictionaryGetCount(attributes.Get()) == 2);
@@ -179,9 +179,9 @@ TEST_CASE("several attributes come as a dictionary that lacks those the file lac
 }
 
 TEST_CASE("the names of an item's attributes are those it has values for, each once") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemAt(folder.Write("a.png", kRGBAPicture));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemAt(folder.File("a.png", kRGBAPicture));
     const auto names = Texts(Value::Adopt(MDItemCopyAttributeNames(item.Get())));
     const std::set<std::string> set(names.begin(), names.end());
     CHECK(set.size() == names.size());
@@ -197,13 +197,13 @@ TEST_CASE("the names of an item's attributes are those it has values for, each o
 }
 
 TEST_CASE("every name that an item offers is known to the schema, with the type that the value has") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("a.png", kRGBAPicture);
-    SetExtendedAttribute(path, "user.xdg.comment", "words");
-    SetExtendedAttribute(path, "user.xdg.tags", "Red");
-    SetExtendedAttribute(path, "user.xdg.origin.url", "https://example.org/");
-    SetExtendedAttribute(path, "user.baloo.rating", "7");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("a.png", kRGBAPicture);
+    tests::SetExtendedAttribute(path, "user.xdg.comment", "words");
+    tests::SetExtendedAttribute(path, "user.xdg.tags", "Red");
+    tests::SetExtendedAttribute(path, "user.xdg.origin.url", "https://example.org/");
+    tests::SetExtendedAttribute(path, "user.baloo.rating", "7");
     for (const auto &item : {ItemAt(path).Give(), ItemAt(folder.Path()).Give()}) {
         const auto owned = CFRef<MDItemRef>::Adopt(item);
         for (const std::string &name : Texts(Value::Adopt(MDItemCopyAttributeNames(item)))) {
@@ -218,16 +218,16 @@ TEST_CASE("every name that an item offers is known to the schema, with the type 
 }
 
 TEST_CASE("a name that is not UTF-8 shows its odd bytes in hexadecimal") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto item = ItemOf(FileSource::At(folder.Write("Gr\xFC\xC3\xBC\xE2\x82.txt", "words")));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto item = ItemOf(FileSource::At(folder.File("Gr\xFC\xC3\xBC\xE2\x82.txt", "words")));
     CHECK(Text(Attribute(item, "kMDItemFSName")) == "Gr%FC\xC3\xBC%E2%82.txt");
     CHECK(Whole(Attribute(item, "kMDItemFSSize")) == 5);
 }
 
 TEST_CASE("each call of an item fails on demand and recovers") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     faults::FailCall("MDItemCreateWithURL", 1);
     CHECK_FALSE(ItemAt(folder.Path()));
     const auto item = ItemAt(folder.Path());
@@ -243,8 +243,8 @@ TEST_CASE("each call of an item fails on demand and recovers") {
 }
 
 TEST_CASE("one call of an item counts once, whatever it does inside") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto item = ItemAt(folder.Path());
     faults::Reset();
     CHECK(Value::Adopt(MDItemCopyAttributeNames(item.Get())));
@@ -252,7 +252,7 @@ TEST_CASE("one call of an item counts once, whatever it does inside") {
 }
 
 TEST_CASE("a hundred thousand items cost no look at their files") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     std::vector<CFRef<MDItemRef>> items;
     items.reserve(100'000);
     const auto missing = std::make_shared<const FileSource>("/nowhere/to/be/found", FileIdentity{1, 2, 3});
@@ -263,8 +263,8 @@ TEST_CASE("a hundred thousand items cost no look at their files") {
 }
 
 TEST_CASE("calling an item's functions with something else is refused") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto item = ItemAt(folder.Path());
     const StopsThrow stops;
     const auto notAnItem = reinterpret_cast<MDItemRef>(const_cast<void *>(static_cast<const void *>(kMDItemFSName)));

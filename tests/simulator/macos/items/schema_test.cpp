@@ -1,8 +1,8 @@
 // The schema through its C interface.
 #include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
 #include "simulator/macos/control/stop.h"
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
+#include "tests/simulator/macos/support/balance.h"
 #include "tests/support/expected_keys.h"
 
 #include <doctest/doctest.h>
@@ -46,7 +46,7 @@ Value DisplayDescription(std::string_view name) {
 } // namespace
 
 TEST_CASE("each attribute is described by its name, the type of its values and whether there are several") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     for (const ::tests::ExpectedKey &attribute : ::tests::kExpectedKeys) {
         const std::string name(attribute.name);
         CAPTURE(name);
@@ -61,7 +61,7 @@ TEST_CASE("each attribute is described by its name, the type of its values and w
 }
 
 TEST_CASE("each attribute has a name and a description for people, and they are not its key") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     for (const ::tests::ExpectedKey &attribute : ::tests::kExpectedKeys) {
         const std::string name(attribute.name);
         CAPTURE(name);
@@ -76,7 +76,7 @@ TEST_CASE("each attribute has a name and a description for people, and they are 
 }
 
 TEST_CASE("the list of attributes holds each of the system's once, in the order of its headers") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     const auto names = Texts(Value::Adopt(MDSchemaCopyAllAttributes()));
     REQUIRE(names.size() == std::size(::tests::kExpectedKeys));
     for (std::size_t i = 0; i < names.size(); i++)
@@ -85,7 +85,7 @@ TEST_CASE("the list of attributes holds each of the system's once, in the order 
 }
 
 TEST_CASE("an unknown attribute has no description, no name and no words") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     for (const char *name : {"", "kMDItemFSsize", "FSSize", "com_example_color"}) {
         CAPTURE(name);
         CHECK_FALSE(MetaAttributes(name));
@@ -95,7 +95,7 @@ TEST_CASE("an unknown attribute has no description, no name and no words") {
 }
 
 TEST_CASE("an added attribute of any type is known until its end") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     {
         const AddedSchemaAttribute data({.name = "com_example_thumbnail", .type = ElementType::Data});
         const AddedSchemaAttribute dictionary({.name = "com_example_settings", .type = ElementType::Dictionary});
@@ -119,7 +119,7 @@ TEST_CASE("an added attribute of any type is known until its end") {
 }
 
 TEST_CASE("an attribute can be described by any dictionary, also by one that says nothing") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     const auto nothing = CFRef<CFDictionaryRef>::Adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     const AddedSchemaAttribute odd("com_example_odd", nothing.Get());
@@ -127,13 +127,13 @@ TEST_CASE("an attribute can be described by any dictionary, also by one that say
 }
 
 TEST_CASE("adding an attribute that is known already is refused") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     const StopsThrow stops;
     CHECK_THROWS_AS(AddedSchemaAttribute({.name = "kMDItemFSSize"}), Stopped);
 }
 
 TEST_CASE("each call of the schema fails on demand and recovers") {
-    const EndsBalanced balance;
+    const tests::Balanced balance;
     faults::FailCall("MDSchemaCopyMetaAttributesForAttribute", 1);
     CHECK_FALSE(MetaAttributes("kMDItemFSSize"));
     CHECK(MetaAttributes("kMDItemFSSize"));

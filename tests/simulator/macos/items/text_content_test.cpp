@@ -1,9 +1,9 @@
 // The text of a file, which queries search and programs cannot read back.
 #include "simulator/macos/CoreServices/metadata/items/file_source.h"
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
 #include "tests/simulator/macos/items/support/sample_images.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -25,31 +25,31 @@ Value TextOf(const std::string &path) {
 } // namespace
 
 TEST_CASE("the text of a file can be searched and not be read back") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("letter.txt", "Dear Zo\xC3\xAB,\n");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("letter.txt", "Dear Zo\xC3\xAB,\n");
     CHECK(Text(TextOf(path)) == "Dear Zo\xC3\xAB,\n");
     CHECK_FALSE(Attribute(path, "kMDItemTextContent"));
 }
 
 TEST_CASE("text is decoded as UTF-16 with a mark, as UTF-8, and else as Latin-1") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    CHECK(Text(TextOf(folder.Write("a.txt", "\xFF\xFEz\0\xEB\0"s))) == "z\xC3\xAB");
-    CHECK(Text(TextOf(folder.Write("b.txt", "\xFE\xFF\0z\0\xEB"s))) == "z\xC3\xAB");
-    CHECK(Text(TextOf(folder.Write("c.txt", "\xFE\xFF\0z\0\xEB\0"s))) == "z\xC3\xAB");
-    CHECK(Text(TextOf(folder.Write("d.txt", "\xEF\xBB\xBFz\xC3\xAB"))) == "z\xC3\xAB");
-    CHECK(Text(TextOf(folder.Write("e.txt", "z\xEB"))) == "z\xC3\xAB");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    CHECK(Text(TextOf(folder.File("a.txt", "\xFF\xFEz\0\xEB\0"s))) == "z\xC3\xAB");
+    CHECK(Text(TextOf(folder.File("b.txt", "\xFE\xFF\0z\0\xEB"s))) == "z\xC3\xAB");
+    CHECK(Text(TextOf(folder.File("c.txt", "\xFE\xFF\0z\0\xEB\0"s))) == "z\xC3\xAB");
+    CHECK(Text(TextOf(folder.File("d.txt", "\xEF\xBB\xBFz\xC3\xAB"))) == "z\xC3\xAB");
+    CHECK(Text(TextOf(folder.File("e.txt", "z\xEB"))) == "z\xC3\xAB");
 }
 
 TEST_CASE("source code is text; pictures, markup, folders, links and pipes have none to search") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    CHECK(Text(TextOf(folder.Write("tool.py", "print()\n"))) == "print()\n");
-    CHECK_FALSE(TextOf(folder.Write("a.png", kRGBAPicture)));
-    CHECK_FALSE(TextOf(folder.Write("a.html", "<p>words</p>")));
-    CHECK_FALSE(TextOf(folder.Write("empty.txt", "")));
-    CHECK_FALSE(TextOf(folder.MakeFolder("folder.txt")));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    CHECK(Text(TextOf(folder.File("tool.py", "print()\n"))) == "print()\n");
+    CHECK_FALSE(TextOf(folder.File("a.png", kRGBAPicture)));
+    CHECK_FALSE(TextOf(folder.File("a.html", "<p>words</p>")));
+    CHECK_FALSE(TextOf(folder.File("empty.txt", "")));
+    CHECK_FALSE(TextOf(folder.Folder("folder.txt")));
     REQUIRE(symlink("tool.py", folder.PathOf("link.py").c_str()) == 0);
     CHECK_FALSE(TextOf(folder.PathOf("link.py")));
     REQUIRE(mkfifo(folder.PathOf("pipe.txt").c_str(), 0600) == 0);
@@ -57,20 +57,20 @@ TEST_CASE("source code is text; pictures, markup, folders, links and pipes have 
 }
 
 TEST_CASE("a long text is cut at ten million bytes, between two characters") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     std::string most;
     most.resize(9'999'999, 'x');
-    const auto whole = TextOf(folder.Write("fits.txt", most + "y"));
+    const auto whole = TextOf(folder.File("fits.txt", most + "y"));
     CHECK(CFStringGetLength(static_cast<CFStringRef>(whole.Get())) == 10'000'000);
-    const auto cut = TextOf(folder.Write("cut.txt", most + "\xC3\xABz"));
+    const auto cut = TextOf(folder.File("cut.txt", most + "\xC3\xABz"));
     CHECK(CFStringGetLength(static_cast<CFStringRef>(cut.Get())) == 9'999'999);
 }
 
 TEST_CASE("a query compares with every attribute that can be read, but not with the path") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const auto source = FileSource::At(folder.Write("a.txt", "words"));
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const auto source = FileSource::At(folder.File("a.txt", "words"));
     REQUIRE(source);
     CHECK(Whole(Value::Adopt(source->CopyForSearch("kMDItemFSSize"))) == 5);
     CHECK_FALSE(Value::Adopt(source->CopyForSearch("kMDItemPath")));

@@ -1,8 +1,8 @@
 // What a user or a desktop program has written down with a file, in extended attributes.
 #include "simulator/macos/CoreServices/metadata/schema/schema_attributes.h"
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/items/support/reading.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -23,29 +23,29 @@ std::string Stored(const std::string &path, const char *name) {
 }
 
 /// The attribute of a file that carries one extended attribute.
-Value With(const TemporaryFolder &folder, const char *name, std::string_view text, std::string_view key) {
-    const std::string path = folder.Write("carrier", "");
-    SetExtendedAttribute(path, name, text);
+Value With(const tests::TemporaryFolder &folder, const char *name, std::string_view text, std::string_view key) {
+    const std::string path = folder.File("carrier", "");
+    tests::SetExtendedAttribute(path, name, text);
     return Attribute(path, key);
 }
 
 } // namespace
 
 TEST_CASE("a comment is both the file's comment and the Finder's, and agrees with getxattr(2)") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("letter", "");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("letter", "");
     CHECK_FALSE(Attribute(path, "kMDItemFinderComment"));
-    SetExtendedAttribute(path, "user.xdg.comment", "From Zo\xC3\xAB, \xF0\x9F\x93\xA8");
+    tests::SetExtendedAttribute(path, "user.xdg.comment", "From Zo\xC3\xAB, \xF0\x9F\x93\xA8");
     CHECK(Text(Attribute(path, "kMDItemFinderComment")) == Stored(path, "user.xdg.comment"));
     CHECK(Text(Attribute(path, "kMDItemComment")) == "From Zo\xC3\xAB, \xF0\x9F\x93\xA8");
-    SetExtendedAttribute(path, "user.xdg.comment", "\xFF is no UTF-8");
+    tests::SetExtendedAttribute(path, "user.xdg.comment", "\xFF is no UTF-8");
     CHECK_FALSE(Attribute(path, "kMDItemFinderComment"));
 }
 
 TEST_CASE("tags are keywords, without blanks around them, in their order") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     CHECK(Texts(With(folder, "user.xdg.tags", "Red, to do ,Important", "kMDItemKeywords")) ==
           Lines{"Red", "to do", "Important"});
     CHECK_FALSE(With(folder, "user.xdg.tags", " , ", "kMDItemKeywords"));
@@ -53,8 +53,8 @@ TEST_CASE("tags are keywords, without blanks around them, in their order") {
 }
 
 TEST_CASE("a rating of ten half stars is five stars, and an odd one a fraction") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto rating = [&](std::string_view text) {
         return With(folder, "user.baloo.rating", text, "kMDItemStarRating");
     };
@@ -68,19 +68,19 @@ TEST_CASE("a rating of ten half stars is five stars, and an odd one a fraction")
 }
 
 TEST_CASE("a downloaded file tells its address and the page that led to it") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("download", "");
-    SetExtendedAttribute(path, "user.xdg.origin.url", "https://example.org/a.zip?x=1,2");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("download", "");
+    tests::SetExtendedAttribute(path, "user.xdg.origin.url", "https://example.org/a.zip?x=1,2");
     CHECK(Texts(Attribute(path, "kMDItemWhereFroms")) == Lines{"https://example.org/a.zip?x=1,2"});
-    SetExtendedAttribute(path, "user.xdg.referrer.url", "https://example.org/");
+    tests::SetExtendedAttribute(path, "user.xdg.referrer.url", "https://example.org/");
     CHECK(Texts(Attribute(path, "kMDItemWhereFroms")) ==
           Lines{"https://example.org/a.zip?x=1,2", "https://example.org/"});
 }
 
 TEST_CASE("each common attribute of documents has its key, single or a list as the schema says") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const struct {
         const char *name;
         const char *key;
@@ -109,8 +109,8 @@ TEST_CASE("each common attribute of documents has its key, single or a list as t
 }
 
 TEST_CASE("an attribute under its own name has the type that the schema gives it") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const auto with = [&](const char *name, std::string_view text) {
         return With(folder, name, text, std::string_view(name).substr(5));
     };
@@ -127,8 +127,8 @@ TEST_CASE("an attribute under its own name has the type that the schema gives it
 }
 
 TEST_CASE("text that does not read as its attribute's type gives no value") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     const struct {
         const char *name;
         const char *text;
@@ -154,8 +154,8 @@ TEST_CASE("text that does not read as its attribute's type gives no value") {
 }
 
 TEST_CASE("a custom attribute is a string, and of its type once the schema knows it") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     CHECK(Text(With(folder, "user.kMDItemShelf", "7", "kMDItemShelf")) == "7");
     const AddedSchemaAttribute shelf({.name = "kMDItemShelf", .type = ElementType::Number});
     CHECK(Whole(With(folder, "user.kMDItemShelf", "7", "kMDItemShelf")) == 7);
@@ -163,25 +163,25 @@ TEST_CASE("a custom attribute is a string, and of its type once the schema knows
 }
 
 TEST_CASE("an extended attribute never takes the place of what the file itself tells") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
     CHECK(Whole(With(folder, "user.kMDItemFSSize", "99", "kMDItemFSSize")) == 0);
     CHECK(Text(With(folder, "user.kMDItemFSName", "other", "kMDItemFSName")) == "carrier");
-    const std::string path = folder.Write("both", "");
-    SetExtendedAttribute(path, "user.kMDItemTitle", "own name");
+    const std::string path = folder.File("both", "");
+    tests::SetExtendedAttribute(path, "user.kMDItemTitle", "own name");
     CHECK(Text(Attribute(path, "kMDItemTitle")) == "own name");
-    SetExtendedAttribute(path, "user.dublincore.title", "common name");
+    tests::SetExtendedAttribute(path, "user.dublincore.title", "common name");
     CHECK(Text(Attribute(path, "kMDItemTitle")) == "common name");
 }
 
 TEST_CASE("the names of an item's attributes include those that the user set and leave out those that do not read") {
-    const EndsBalanced balance;
-    const TemporaryFolder folder;
-    const std::string path = folder.Write("listed", "words");
-    SetExtendedAttribute(path, "user.xdg.tags", "Red");
-    SetExtendedAttribute(path, "user.kMDItemShelf", "7");
-    SetExtendedAttribute(path, "user.kMDItemNumberOfPages", "many");
-    SetExtendedAttribute(path, "user.kMDItemKeywords", "hidden by the tags");
+    const tests::Balanced balance;
+    const tests::TemporaryFolder folder;
+    const std::string path = folder.File("listed", "words");
+    tests::SetExtendedAttribute(path, "user.xdg.tags", "Red");
+    tests::SetExtendedAttribute(path, "user.kMDItemShelf", "7");
+    tests::SetExtendedAttribute(path, "user.kMDItemNumberOfPages", "many");
+    tests::SetExtendedAttribute(path, "user.kMDItemKeywords", "hidden by the tags");
     const auto names = Texts(Value::Adopt(MDItemCopyAttributeNames(ItemAt(path).Get())));
     const auto times = [&](std::string_view name) { return std::count(names.begin(), names.end(), name); };
     CHECK(times("kMDItemKeywords") == 1);

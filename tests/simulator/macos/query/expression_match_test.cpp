@@ -1,7 +1,7 @@
 // What a query means: each row is an attribute value, a query, and whether they fit. The moment of asking is fixed.
 #include "simulator/macos/CoreServices/metadata/expression/expression.h"
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/query/support/attributes.h"
+#include "tests/simulator/macos/support/balance.h"
 
 #include <doctest/doctest.h>
 
@@ -38,7 +38,7 @@ void CheckTexts(std::initializer_list<TextRow> rows) {
 } // namespace
 
 TEST_CASE("without modifiers a text compares exactly and as a whole") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CheckTexts({
         {"Paris", "a == \"Paris\"", true},
         {"Paris", "a = 'Paris'", true},
@@ -64,7 +64,7 @@ TEST_CASE("without modifiers a text compares exactly and as a whole") {
 }
 
 TEST_CASE("a text that is composed equals the same text decomposed") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CheckTexts({
         {"caf\xc3\xa9", "a == 'cafe\xcc\x81'", true},
         {"cafe\xcc\x81", "a == 'caf\xc3\xa9'", true},
@@ -78,7 +78,7 @@ TEST_CASE("a text that is composed equals the same text decomposed") {
 }
 
 TEST_CASE("the modifier c ignores case") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CheckTexts({
         {"paris", "a == \"PARIS\"c", true},
         {"PaRiS", "a ==[c] \"pArIs\"", true},
@@ -98,7 +98,7 @@ TEST_CASE("the modifier c ignores case") {
 }
 
 TEST_CASE("the modifier d ignores diacritics") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CheckTexts({
         {"caf\xc3\xa9", "a == 'cafe'd", true},
         {"cafe", "a == 'caf\xc3\xa9'd", true},
@@ -112,7 +112,7 @@ TEST_CASE("the modifier d ignores diacritics") {
 }
 
 TEST_CASE("the modifier w matches whole words anywhere in the text") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CheckTexts({
         {"I love Paris", "a == \"Paris\"wc", true},
         {"paris-france.jpg", "a == \"Paris\"wc", true},
@@ -149,7 +149,7 @@ TEST_CASE("the modifier w matches whole words anywhere in the text") {
 }
 
 TEST_CASE("a star stands for any characters and a question mark for one") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CheckTexts({
         {"report.txt", "a == '*.txt'", true},
         {"report.txt.zip", "a == '*.txt'", false},
@@ -185,7 +185,7 @@ TEST_CASE("a pattern full of stars takes no time to speak of") {
 }
 
 TEST_CASE("a star alone asks whether there is a value, of any kind") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CHECK(Fits(Text("x"), "a == '*'"));
     CHECK(Fits(Text(""), "a == \"*\""));
     CHECK(Fits(Whole(0), "a == '*'"));
@@ -210,7 +210,7 @@ TEST_CASE("a file without the attribute is not equal to anything") {
 }
 
 TEST_CASE("numbers compare by value") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CHECK(Fits(Whole(42), "a == 42"));
     CHECK(Fits(Whole(42), "a == 42.0"));
     CHECK(Fits(Whole(42), "a == 4.2e1"));
@@ -268,7 +268,7 @@ TEST_CASE("a range includes both its bounds") {
 }
 
 TEST_CASE("an attribute with several values fits when one of them does") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CHECK(Fits(Texts({"Steve", "Ann"}), "a == 'Ann'"));
     CHECK(Fits(Texts({"Steve", "Ann"}), "a ==[c] 'steve'"));
     CHECK_FALSE(Fits(Texts({"Steve", "Ann"}), "a == 'Bob'"));

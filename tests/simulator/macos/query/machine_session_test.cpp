@@ -1,6 +1,6 @@
 // The store's view of real files, step by step: what can be told apart by when something is told.
 #include "simulator/macos/CoreServices/metadata/store/machine_session.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -42,10 +42,10 @@ void Gather(MachineSession &session) {
 } // namespace
 
 TEST_CASE("a file that was written a moment ago is told of when any later change would show") {
-    TemporaryFolder folder;
+    tests::TemporaryFolder folder;
     MachineSession session({{folder.Path()}}, true);
     Gather(session);
-    const std::string path = folder.Write("a", "x");
+    const std::string path = folder.File("a", "x");
     const FileEvent event = NextEvent(session);
     CHECK(event.kind == FileEvent::Kind::kFound);
     CHECK(store::IsSettled(*store::ReadFileState(path), FileTimeNow()));
@@ -54,9 +54,9 @@ TEST_CASE("a file that was written a moment ago is told of when any later change
 }
 
 TEST_CASE("a file that lost its name is given time to get another") {
-    TemporaryFolder folder;
-    TemporaryFolder outside;
-    const std::string path = folder.Write("a", "x");
+    tests::TemporaryFolder folder;
+    tests::TemporaryFolder outside;
+    const std::string path = folder.File("a", "x");
     MachineSession session({{folder.Path()}}, true);
     Gather(session);
     const store::FileTime before = FileTimeNow();
@@ -66,8 +66,8 @@ TEST_CASE("a file that lost its name is given time to get another") {
 }
 
 TEST_CASE("a renamed file is told of at once, with its old identity and its new path") {
-    TemporaryFolder folder;
-    const std::string path = folder.Write("a", "x");
+    tests::TemporaryFolder folder;
+    const std::string path = folder.File("a", "x");
     MachineSession session({{folder.Path()}}, true);
     FileEvent found;
     while (session.Next(found) != Session::Step::kEvent) {
@@ -82,13 +82,13 @@ TEST_CASE("a renamed file is told of at once, with its old identity and its new 
 }
 
 TEST_CASE("a session that is not live gathers and is over") {
-    TemporaryFolder folder;
-    folder.Write("a", "x");
+    tests::TemporaryFolder folder;
+    folder.File("a", "x");
     MachineSession session({{folder.Path()}}, false);
     CHECK(session.Descriptor() == -1);
     CHECK(NextEvent(session).kind == FileEvent::Kind::kFound);
     Gather(session);
-    folder.Write("b", "x");
+    folder.File("b", "x");
     FileEvent event;
     CHECK(session.Next(event) == Session::Step::kIdle);
 }

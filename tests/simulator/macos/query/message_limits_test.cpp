@@ -17,12 +17,12 @@ namespace fs = std::filesystem;
 } // namespace
 
 TEST_CASE("ten thousand files made in a burst are ten thousand added items, and as many removed ones") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     constexpr int kBurst = 10000;
     LiveFolder live;
     live.Gather();
     for (int number = 0; number < kBurst; ++number)
-        live.folder.Write("file" + std::to_string(number), "x"); // three messages each: more than the system keeps
+        live.folder.File("file" + std::to_string(number), "x"); // three messages each: more than the system keeps
     REQUIRE(RunUntil([&] { return live.query.Count() == kBurst; }));
     const auto settled = [&](auto list) { return RunUntil([&] { return (live.listener.*list)().size() >= kBurst; }); };
     REQUIRE(settled(&Listener::AllAdded));
@@ -42,10 +42,10 @@ TEST_CASE("ten thousand files made in a burst are ten thousand added items, and 
 
 TEST_CASE("after more messages than the system keeps nothing is lost") {
     LiveFolder live;
-    live.folder.Write("changed", "x");
-    live.folder.Write("removed", "x");
-    live.folder.Write("before", "x");
-    live.folder.MakeFolder("folder");
+    live.folder.File("changed", "x");
+    live.folder.File("removed", "x");
+    live.folder.File("before", "x");
+    live.folder.Folder("folder");
     live.Gather();
     int messagesKept = 0;
     std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> messagesKept;
@@ -59,7 +59,7 @@ TEST_CASE("after more messages than the system keeps nothing is lost") {
     Write(live.folder.PathOf("changed"), "longer");
     fs::remove(live.folder.PathOf("removed"));
     fs::rename(live.folder.PathOf("before"), live.folder.PathOf("folder/after"));
-    live.folder.Write("folder/added", "x");
+    live.folder.File("folder/added", "x");
     live.RunUntilResultsAre({"changed", "folder", "after", "added"});
     REQUIRE(RunUntil([&] { return !live.listener.AllChanged().empty(); }));
     CHECK(live.listener.AllChanged() == FileNames{"after", "changed"});
@@ -68,25 +68,25 @@ TEST_CASE("after more messages than the system keeps nothing is lost") {
 }
 
 TEST_CASE("folders that cannot be watched are looked at again and again instead") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     for (const int limit : {0, 1, 3, 4}) { // the folders on the way to the scope are watched too
         CAPTURE(limit);
         const ScriptedWatchLimit limited(limit);
         LiveFolder live;
-        live.folder.MakeFolder("a");
-        live.folder.Write("a/1", "x");
-        live.folder.Write("2", "x");
+        live.folder.Folder("a");
+        live.folder.File("a/1", "x");
+        live.folder.File("2", "x");
         // Without messages a file that was written a moment ago may have been written once more since.
         REQUIRE(RunUntil(
             [&] { return store::IsSettled(*store::ReadFileState(live.folder.PathOf("2")), store::FileTimeNow()); }));
         live.Gather();
-        live.folder.Write("a/3", "x");
+        live.folder.File("a/3", "x");
         Write(live.folder.PathOf("2"), "longer");
         live.RunUntilResultsAre({"a", "1", "2", "3"});
         REQUIRE(RunUntil([&] { return !live.listener.AllChanged().empty(); }));
         CHECK(live.listener.AllChanged() == FileNames{"2"});
-        live.folder.MakeFolder("a/b");
-        live.folder.Write("a/b/4", "x");
+        live.folder.Folder("a/b");
+        live.folder.File("a/b/4", "x");
         fs::remove(live.folder.PathOf("a/1"));
         live.RunUntilResultsAre({"a", "b", "2", "3", "4"});
     }
@@ -94,7 +94,7 @@ TEST_CASE("folders that cannot be watched are looked at again and again instead"
 
 TEST_CASE("a file that is written to without a pause is reported all the same") {
     LiveFolder live;
-    const std::string path = live.folder.Write("log", "");
+    const std::string path = live.folder.File("log", "");
     live.query.SetBatches({100, 0, 100, 0, 100, 0});
     live.Gather();
     RunLoop &loop = RunLoop::Current();

@@ -24,7 +24,7 @@ std::vector<CFIndex> Counts(const Listener &listener) {
 } // namespace
 
 TEST_CASE("batching parameters are given back as they were set") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     TestQuery query("a == 1");
     query.SetBatches({1, 2, 3, 4, 5, 6});
     const MDQueryBatchingParams got = MDQueryGetBatchingParameters(query.Get());
@@ -151,7 +151,7 @@ TEST_CASE("parameters set while a query runs hold for the batch that is being fi
 }
 
 TEST_CASE("without parameters of its own a query still reports everything") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     ScriptedStore store;
     for (int number = 0; number < 3000; ++number)
         store.Add("/files/" + std::to_string(number));

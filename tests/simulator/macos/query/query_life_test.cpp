@@ -15,7 +15,7 @@ CFRef<MDQueryRef> Made(std::string_view expression) {
 } // namespace
 
 TEST_CASE("an empty or malformed expression gives no query") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     CHECK_FALSE(Made(""));
     CHECK_FALSE(Made("   "));
     CHECK_FALSE(Made("kMDItemFSName =="));
@@ -24,7 +24,7 @@ TEST_CASE("an empty or malformed expression gives no query") {
 }
 
 TEST_CASE("a query has the type of queries and counts references") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     const auto query = Made("a == 1");
     CHECK(CFGetTypeID(query.Get()) == MDQueryGetTypeID());
     CHECK(MDQueryGetTypeID() != MDItemGetTypeID());
@@ -32,7 +32,7 @@ TEST_CASE("a query has the type of queries and counts references") {
 }
 
 TEST_CASE("a query gives back copies of what it was made with") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     const auto text = MakeString("a == 1");
     const auto values = CFRef<CFMutableArrayRef>::Adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     CFArrayAppendValue(values.Get(), MakeString("kMDItemKind").Get());
@@ -49,7 +49,7 @@ TEST_CASE("a query gives back copies of what it was made with") {
 }
 
 TEST_CASE("a query made without attribute names has none to give") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     const auto query = Made("a == 1");
     CHECK(MDQueryCopyValueListAttributes(query.Get()) == nullptr);
     CHECK(MDQueryCopySortingAttributes(query.Get()) == nullptr);

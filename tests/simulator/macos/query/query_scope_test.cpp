@@ -1,8 +1,8 @@
 // Where a query looks, how many results it keeps, and queries within queries.
 #include "simulator/macos/CoreServices/metadata/store/scripted_scopes.h"
 #include "simulator/macos/CoreServices/metadata/store/search_scope.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
 #include "tests/simulator/macos/query/support/scripted_query.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -86,9 +86,9 @@ TEST_CASE("home is the user's home folder and the computer holds everything loca
 }
 
 TEST_CASE("a scope entry may be a file URL") {
-    EndsBalanced balance;
-    TemporaryFolder folder;
-    folder.Write("here.txt", "x");
+    tests::Balanced balance;
+    tests::TemporaryFolder folder;
+    folder.File("here.txt", "x");
     const auto url = CFRef<CFURLRef>::Adopt(
         CFURLCreateWithFileSystemPath(nullptr, MakeString(folder.Path()).Get(), kCFURLPOSIXPathStyle, true));
     const auto web =

@@ -44,7 +44,7 @@ struct Sorted : ScriptedQuery {
 } // namespace
 
 TEST_CASE("values are ordered within their kind and kinds are kept apart") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     std::vector<Value> rising;
     rising.emplace_back(); // none at all
     rising.push_back(Real(std::numeric_limits<double>::quiet_NaN()));

@@ -56,7 +56,7 @@ TEST_CASE("a result is made when it is first asked for, and stays the same objec
 
 TEST_CASE("an item that was retained outlives the query") {
     CFRef<CFTypeRef> item;
-    EndsBalanced balance;
+    tests::Balanced balance;
     {
         ScriptedStore store;
         store.Add("/files/a");

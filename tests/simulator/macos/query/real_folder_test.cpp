@@ -15,14 +15,14 @@ namespace fs = std::filesystem;
 } // namespace
 
 TEST_CASE("a synchronous query over a folder finds what is in it and in the folders below") {
-    EndsBalanced balance;
-    TemporaryFolder folder;
-    folder.Write("a.txt", "1");
-    folder.Write("b.txt", "22");
-    folder.Write("c.png", "333");
-    folder.MakeFolder("deep");
-    folder.MakeFolder("deep/deeper");
-    folder.Write("deep/deeper/d.txt", "4444");
+    tests::Balanced balance;
+    tests::TemporaryFolder folder;
+    folder.File("a.txt", "1");
+    folder.File("b.txt", "22");
+    folder.File("c.png", "333");
+    folder.Folder("deep");
+    folder.Folder("deep/deeper");
+    folder.File("deep/deeper/d.txt", "4444");
     TestQuery query("kMDItemFSName == '*.txt' && kMDItemFSSize < 4");
     query.SetScope({folder.Path()});
     CHECK(query.Execute(kMDQuerySynchronous));
@@ -37,10 +37,10 @@ TEST_CASE("a synchronous query over a folder finds what is in it and in the fold
 
 TEST_CASE("a file that is made, changed, renamed and deleted shows as just that") {
     LiveFolder live;
-    live.folder.Write("old.txt", "x");
+    live.folder.File("old.txt", "x");
     live.Gather();
 
-    live.folder.Write("new.txt", "1");
+    live.folder.File("new.txt", "1");
     REQUIRE(RunUntil([&] { return !live.listener.heard.empty(); }));
     CHECK(live.listener.heard ==
           std::vector<Notification>{{Notification::Kind::kUpdate, true, {"new.txt"}, {}, {}, 2}});
@@ -66,9 +66,9 @@ TEST_CASE("a file that is made, changed, renamed and deleted shows as just that"
 
 TEST_CASE("names that begin with a dot are not listed, until they lose it") {
     LiveFolder live;
-    live.folder.Write(".hidden", "x");
-    live.folder.MakeFolder(".folder");
-    live.folder.Write(".folder/inside", "x");
+    live.folder.File(".hidden", "x");
+    live.folder.Folder(".folder");
+    live.folder.File(".folder/inside", "x");
     live.Gather();
     CHECK(live.query.Count() == 0);
     fs::rename(live.folder.PathOf(".hidden"), live.folder.PathOf("shown"));
@@ -79,9 +79,9 @@ TEST_CASE("names that begin with a dot are not listed, until they lose it") {
 
 TEST_CASE("a file saved under a temporary name and renamed over another replaces it") {
     LiveFolder live;
-    live.folder.Write("text", "old");
+    live.folder.File("text", "old");
     live.Gather();
-    live.folder.Write(".text.new", "new");
+    live.folder.File(".text.new", "new");
     fs::rename(live.folder.PathOf(".text.new"), live.folder.PathOf("text"));
     REQUIRE(RunUntil([&] { return !live.listener.heard.empty(); }));
     CHECK(live.listener.AllAdded() == FileNames{"text"});
@@ -91,9 +91,9 @@ TEST_CASE("a file saved under a temporary name and renamed over another replaces
 
 TEST_CASE("attributes set on a file are a change of it") {
     LiveFolder live;
-    const std::string path = live.folder.Write("a", "x");
+    const std::string path = live.folder.File("a", "x");
     live.Gather();
-    SetExtendedAttribute(path, "user.xdg.comment", "remarkable");
+    tests::SetExtendedAttribute(path, "user.xdg.comment", "remarkable");
     REQUIRE(RunUntil([&] { return !live.listener.heard.empty(); }));
     CHECK(live.listener.AllChanged() == FileNames{"a"});
     live.listener.heard.clear();
@@ -104,11 +104,11 @@ TEST_CASE("attributes set on a file are a change of it") {
 
 TEST_CASE("a deleted file and a new one of the same name are two files, even with the same inode number") {
     LiveFolder live;
-    const std::string path = live.folder.Write("a", "x");
+    const std::string path = live.folder.File("a", "x");
     live.Gather();
     const auto old = CFRef<CFTypeRef>::Retain(MDQueryGetResultAtIndex(live.query.Get(), 0));
     fs::remove(path);
-    live.folder.Write("a", "y");
+    live.folder.File("a", "y");
     REQUIRE(RunUntil([&] { return !live.listener.AllAdded().empty() && !live.listener.AllRemoved().empty(); }));
     CHECK(live.query.Count() == 1);
     CHECK_FALSE(CFEqual(old.Get(), MDQueryGetResultAtIndex(live.query.Get(), 0)));
@@ -117,8 +117,8 @@ TEST_CASE("a deleted file and a new one of the same name are two files, even wit
 
 TEST_CASE("two names of one file are one result, which stays while one name is left") {
     LiveFolder live;
-    live.folder.Write("one", "x");
-    live.folder.MakeFolder("below");
+    live.folder.File("one", "x");
+    live.folder.Folder("below");
     live.Gather();
     fs::create_hard_link(live.folder.PathOf("one"), live.folder.PathOf("below/two"));
     REQUIRE(RunUntil([&] { return !live.listener.AllChanged().empty(); })); // it has one name more
@@ -133,8 +133,8 @@ TEST_CASE("two names of one file are one result, which stays while one name is l
 }
 
 TEST_CASE("a symbolic link is listed and not followed; pipes are not listed") {
-    TemporaryFolder outside;
-    outside.Write("far", "x");
+    tests::TemporaryFolder outside;
+    outside.File("far", "x");
     LiveFolder live;
     fs::create_symlink(outside.Path(), live.folder.PathOf("link"));
     fs::create_symlink("nowhere", live.folder.PathOf("broken"));
@@ -150,8 +150,8 @@ TEST_CASE("two live queries watch the same folder") {
     texts.SetScope({live.folder.Path()});
     REQUIRE(texts.Execute(kMDQueryWantsUpdates));
     live.Gather();
-    live.folder.Write("a.txt", "x");
-    live.folder.Write("b.png", "x");
+    live.folder.File("a.txt", "x");
+    live.folder.File("b.png", "x");
     live.RunUntilResultsAre({"a.txt", "b.png"});
     REQUIRE(RunUntil([&] { return texts.Count() == 1; }));
     CHECK(texts.Results() == FileNames{"a.txt"});

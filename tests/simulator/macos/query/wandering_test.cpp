@@ -158,10 +158,10 @@ std::string BothLists(const TestQuery &query, const std::vector<std::string> &pa
 } // namespace
 
 TEST_CASE("whatever is done to a folder, a live query ends up with what is there") {
-    EndsBalanced balance;
+    tests::Balanced balance;
     for (unsigned number = 1; number <= 12; ++number) {
         CAPTURE(number);
-        TemporaryFolder folder;
+        tests::TemporaryFolder folder;
         Wanderer wanderer(number, folder.PathOf("in"));
         std::minstd_rand random(number);
         for (int step = 0; step < 30; ++step)

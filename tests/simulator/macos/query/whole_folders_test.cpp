@@ -15,22 +15,22 @@ TEST_CASE("a whole folder made with all its contents is found") {
     LiveFolder live;
     live.Gather();
     fs::create_directories(live.folder.PathOf("a/b/c"));
-    live.folder.Write("a/1", "x");
-    live.folder.Write("a/b/2", "x");
-    live.folder.Write("a/b/c/3", "x");
+    live.folder.File("a/1", "x");
+    live.folder.File("a/b/2", "x");
+    live.folder.File("a/b/c/3", "x");
     live.RunUntilResultsAre({"a", "b", "c", "1", "2", "3"});
-    live.folder.Write("a/b/c/4", "x"); // watched by now, or read just then
+    live.folder.File("a/b/c/4", "x"); // watched by now, or read just then
     live.RunUntilResultsAre({"a", "b", "c", "1", "2", "3", "4"});
 }
 
 TEST_CASE("a whole folder that is moved in, within and out takes its contents along") {
-    TemporaryFolder outside;
-    outside.MakeFolder("top");
-    outside.MakeFolder("top/deep");
-    outside.Write("top/one", "x");
-    outside.Write("top/deep/two", "x");
+    tests::TemporaryFolder outside;
+    outside.Folder("top");
+    outside.Folder("top/deep");
+    outside.File("top/one", "x");
+    outside.File("top/deep/two", "x");
     LiveFolder live;
-    live.folder.MakeFolder("other");
+    live.folder.Folder("other");
     live.Gather();
 
     fs::rename(outside.PathOf("top"), live.folder.PathOf("top"));
@@ -45,24 +45,24 @@ TEST_CASE("a whole folder that is moved in, within and out takes its contents al
     CHECK(live.listener.AllRemoved().empty());
 
     live.listener.heard.clear();
-    live.folder.Write("other/renamed/deep/three", "x"); // still watched under the new name
+    live.folder.File("other/renamed/deep/three", "x"); // still watched under the new name
     live.RunUntilResultsAre({"other", "renamed", "deep", "one", "two", "three"});
 
     live.listener.heard.clear();
     fs::rename(live.folder.PathOf("other/renamed"), outside.PathOf("back"));
     live.RunUntilResultsAre({"other"});
     CHECK(live.listener.AllRemoved() == FileNames{"deep", "one", "renamed", "three", "two"});
-    outside.Write("back/four", "x");
-    live.folder.Write("last", "x");
+    outside.File("back/four", "x");
+    live.folder.File("last", "x");
     live.RunUntilResultsAre({"other", "last"});
 }
 
 TEST_CASE("a folder deleted with all its contents is gone with them") {
     LiveFolder live;
     fs::create_directories(live.folder.PathOf("a/b/c"));
-    live.folder.Write("a/b/1", "x");
-    live.folder.Write("a/b/c/2", "x");
-    live.folder.Write("stays", "x");
+    live.folder.File("a/b/1", "x");
+    live.folder.File("a/b/c/2", "x");
+    live.folder.File("stays", "x");
     live.Gather();
     fs::remove_all(live.folder.PathOf("a"));
     live.RunUntilResultsAre({"stays"});
@@ -70,10 +70,10 @@ TEST_CASE("a folder deleted with all its contents is gone with them") {
 }
 
 TEST_CASE("a scope given by way of a symbolic link is the folder it leads to") {
-    EndsBalanced balance;
-    TemporaryFolder folder;
-    folder.MakeFolder("real");
-    folder.Write("real/a", "x");
+    tests::Balanced balance;
+    tests::TemporaryFolder folder;
+    folder.Folder("real");
+    folder.File("real/a", "x");
     fs::create_symlink("real", folder.PathOf("link"));
     TestQuery query("kMDItemFSName == '*'");
     query.SetScope({folder.PathOf("link"), folder.PathOf("real")});
@@ -82,8 +82,8 @@ TEST_CASE("a scope given by way of a symbolic link is the folder it leads to") {
 }
 
 TEST_CASE("a folder of the scope may come, go and come back") {
-    EndsBalanced balance;
-    TemporaryFolder folder;
+    tests::Balanced balance;
+    tests::TemporaryFolder folder;
     const std::string scope = folder.PathOf("not/yet");
     TestQuery query("kMDItemFSName == '*'");
     query.SetScope({scope});
@@ -93,24 +93,24 @@ TEST_CASE("a folder of the scope may come, go and come back") {
     CHECK(query.Count() == 0);
 
     fs::create_directories(scope);
-    folder.Write("not/yet/a", "x");
+    folder.File("not/yet/a", "x");
     REQUIRE(RunUntil([&] { return query.Results() == FileNames{"a"}; }));
     fs::rename(folder.PathOf("not"), folder.PathOf("moved"));
     REQUIRE(RunUntil([&] { return query.Count() == 0; }));
-    folder.Write("moved/yet/b", "x");
+    folder.File("moved/yet/b", "x");
     fs::rename(folder.PathOf("moved"), folder.PathOf("not"));
     REQUIRE(RunUntil([&] { return query.SortedResults() == FileNames{"a", "b"}; }));
     fs::remove_all(scope);
     REQUIRE(RunUntil([&] { return query.Count() == 0; }));
     fs::create_directories(scope);
-    folder.Write("not/yet/c", "x");
+    folder.File("not/yet/c", "x");
     REQUIRE(RunUntil([&] { return query.Results() == FileNames{"c"}; }));
 }
 
 TEST_CASE("a file in the scope, or nothing at all, has nothing below it") {
-    EndsBalanced balance;
-    TemporaryFolder folder;
-    folder.Write("a", "x");
+    tests::Balanced balance;
+    tests::TemporaryFolder folder;
+    folder.File("a", "x");
     TestQuery query("kMDItemFSName == '*'");
     query.SetScope({folder.PathOf("a"), folder.PathOf("missing")}); // a file, and nothing at all
     REQUIRE(query.Execute(kMDQuerySynchronous));

@@ -1,9 +1,9 @@
 // A folder of real files with a live query over all that is in it.
 #pragma once
 
-#include "tests/simulator/macos/items/support/balance.h"
-#include "tests/simulator/macos/items/support/temporary_folder.h"
 #include "tests/simulator/macos/query/support/test_query.h"
+#include "tests/simulator/macos/support/balance.h"
+#include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -14,8 +14,8 @@
 namespace sim::macos {
 
 struct LiveFolder {
-    EndsBalanced balance;
-    TemporaryFolder folder;
+    tests::Balanced balance;
+    tests::TemporaryFolder folder;
     TestQuery query{"kMDItemFSName == '*'"};
     Listener listener{query.Get()};
 

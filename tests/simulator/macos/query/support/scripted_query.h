@@ -2,9 +2,9 @@
 #pragma once
 
 #include "simulator/macos/CoreServices/metadata/store/scripted_store.h"
-#include "tests/simulator/macos/items/support/balance.h"
 #include "tests/simulator/macos/query/support/test_query.h"
 #include "tests/simulator/macos/query/support/values.h"
+#include "tests/simulator/macos/support/balance.h"
 
 #include <limits>
 #include <map>
@@ -17,7 +17,7 @@ inline constexpr std::size_t kNoLimit = std::numeric_limits<std::int32_t>::max()
 inline constexpr MDQueryBatchingParams kOneBatch{kNoLimit, kNoLimit, kNoLimit, kNoLimit, kNoLimit, 0};
 
 struct ScriptedQuery {
-    EndsBalanced balance;
+    tests::Balanced balance;
     ScriptedStore store;
     std::map<std::string, ScriptedStore::File> files;
     TestQuery query;
