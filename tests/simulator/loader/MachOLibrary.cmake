@@ -48,7 +48,7 @@ function(add_macho_library target source own_imports)
     COMMAND ${CMAKE_CXX_COMPILER} ${target_flags} -c ${unit}.s -o ${unit}.o
     COMMAND ${python} ${tools}/thunks.py --imports ${imports} --nm ${MACHO_NM} --output ${unit}.thunks.s ${unit}.o
     COMMAND ${CMAKE_CXX_COMPILER} ${target_flags} -c ${unit}.thunks.s -o ${unit}.thunks.o
-    COMMAND ${MACHO_LINKER} ${link_flags} -install_name /${target}.dylib -exported_symbol _REALPluginMain
+    COMMAND ${MACHO_LINKER} ${link_flags} -install_name /${target}.dylib -exported_symbol _REALPluginMain -rpath a-UUID-here
       ${unit}.o ${unit}.thunks.o ${stubs} -o ${unit}.linked.dylib
     COMMAND ${python} ${tools}/finish.py --imports ${imports} --export _REALPluginMain
       ${unit}.linked.dylib ${unit}.dylib
