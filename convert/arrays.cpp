@@ -88,7 +88,7 @@ ArrayConversion ConversionOfArray(int32_t variantType) {
     return nullptr;
 }
 
-OwnedHost<_REALarrayObject> NewHostArray(CFArrayRef values) {
+OwnedHost<_REALarrayObject> ConvertToHostArray(CFArrayRef values) {
     const CFIndex count = CFArrayGetCount(values);
     // Storing asks for the upper bound; a host that cannot tell it has no place for any element.
     if (count > 0 && !REALGetArrayUBound)

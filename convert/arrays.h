@@ -14,7 +14,7 @@ ArrayConversion ConversionOfArray(int32_t variantType);
 
 /// A new host array with the converted elements; null where the host makes no array, and for a list with elements where
 /// the host cannot tell an array's upper bound.
-OwnedHost<_REALarrayObject> NewHostArray(CFArrayRef values);
+OwnedHost<_REALarrayObject> ConvertToHostArray(CFArrayRef values);
 
 /// +1; null for a null array, or when no array can be created. A string that does not convert leaves the empty string
 /// in its place, and so does one that is gone because the array shrinks meanwhile, which raises "OutOfBoundsException".

@@ -78,7 +78,7 @@ constexpr Conversion kNaturalValues[] = {
     Converted<CFURLGetTypeID, FolderItemOrText>(),
     Converted<CFBooleanGetTypeID, BooleanValue>(),
     Converted<CFNumberGetTypeID, NumberValue>(),
-    Converted<CFArrayGetTypeID, NewHostArray>(),
+    Converted<CFArrayGetTypeID, ConvertToHostArray>(),
     Converted<CFNullGetTypeID, NilValue>(),
     Converted<CFDictionaryGetTypeID, NewHostDictionary>(),
     Converted<CFStringGetTypeID, StringValue>(),

@@ -6,7 +6,7 @@
 #include "plugin/identity.h"
 #include "plugin/registration.h"
 #include "spotlight/classes.h"
-#include "spotlight/sort_functions.h"
+#include "spotlight/query_sorting.h"
 
 /// Starts the plugin: learns about the host, and registers the classes and the global method. Once in a process's life;
 /// further calls do nothing.

@@ -13,9 +13,9 @@
 #include "host/strings.h"
 #include "spotlight/batching_params.h"
 #include "spotlight/item.h"
-#include "spotlight/query_lifecycle.h"
+#include "spotlight/query_constructors.h"
+#include "spotlight/query_sorting.h"
 #include "spotlight/search_scope.h"
-#include "spotlight/sort_functions.h"
 
 MDQueryRef RequireQuery(REALobjectStruct *self) {
     const MDQueryRef query = QueryData(self).Handle;
@@ -25,6 +25,18 @@ MDQueryRef RequireQuery(REALobjectStruct *self) {
 }
 
 namespace {
+
+void MDQueryDestructor(REALobjectStruct *self) {
+    MDQueryData &data = QueryData(self);
+    if (data.Handle) {
+        CFNotificationCenterRemoveEveryObserver(CFNotificationCenterGetLocalCenter(), self);
+        CFRelease(data.Handle);
+    }
+    data.Handle = nullptr;
+    if (data.Tag)
+        REALUnlockObject(data.Tag);
+    data.Tag = nullptr;
+}
 
 // Running a query and asking what it was made of. Each method is one call of the framework.
 bool rbMDQueryExecute(REALobjectStruct *self, int32_t flags) {

@@ -1,4 +1,4 @@
-#include "spotlight/sort_functions.h"
+#include "spotlight/query_sorting.h"
 
 #include "convert/arrays.h"
 #include "host/owned.h"

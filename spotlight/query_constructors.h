@@ -1,4 +1,4 @@
-// A query object from construction to destruction.
+// The constructors of the query class.
 #pragma once
 
 #include "host/handles.h"
@@ -14,4 +14,3 @@ void rbMDQueryCreateSubset4(REALobjectStruct *self, REALobjectStruct *query, REA
                             _REALarrayString *valueListAttributes);
 void rbMDQueryCreateSubset5(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString,
                             _REALarrayString *valueListAttributes, _REALarrayString *sortingAttributes);
-void MDQueryDestructor(REALobjectStruct *self);

@@ -1,6 +1,6 @@
-// The functions of the framework that not every system has: how they are found, and the methods of the query class that
-// call them. Start-up looks them up by name; null means that the running system lacks one, or
-// that none was looked up.
+// Sorting: the methods of the query class that change the order of the results, and the functions of the framework that
+// they call. Not every system has these: start-up looks them up by name; null means that the running system lacks one,
+// or that none was looked up.
 #pragma once
 
 #include <CoreServices/CoreServices.h>

@@ -1,4 +1,4 @@
-#include "spotlight/query_lifecycle.h"
+#include "spotlight/query_constructors.h"
 
 #include "convert/arrays.h"
 #include "host/owned.h"
@@ -61,16 +61,4 @@ void rbMDQueryCreateSubset4(REALobjectStruct *self, REALobjectStruct *query, REA
 
 void rbMDQueryCreateSubset3(REALobjectStruct *self, REALobjectStruct *query, REALstringStruct *queryString) {
     rbMDQueryCreateSubset5(self, query, queryString, nullptr, nullptr);
-}
-
-void MDQueryDestructor(REALobjectStruct *self) {
-    MDQueryData &data = QueryData(self);
-    if (data.Handle) {
-        CFNotificationCenterRemoveEveryObserver(CFNotificationCenterGetLocalCenter(), self);
-        CFRelease(data.Handle);
-    }
-    data.Handle = nullptr;
-    if (data.Tag)
-        REALUnlockObject(data.Tag);
-    data.Tag = nullptr;
 }
