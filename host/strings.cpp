@@ -83,7 +83,7 @@ bool IsASCII(const UInt8 *bytes, int32_t length) {
     return std::all_of(bytes, bytes + length, [](UInt8 byte) { return byte < 0x80; });
 }
 
-OwnedString BuildTagged(const void *bytes, int32_t length, CFStringEncoding encoding) {
+OwnedString BuildTaggedString(const void *bytes, int32_t length, CFStringEncoding encoding) {
     auto string = AdoptHost(REALBuildString(bytes, length));
     if (string)
         REALSetStringEncoding(string.Get(), encoding);
@@ -101,7 +101,7 @@ OwnedString BuildUTF8(OwnedString string) {
 OwnedString BuildUTF16(const void *bytes, int32_t length) {
     if (HostBuildsWithEncoding())
         return BuildUTF8(AdoptHost(REALBuildStringWithEncoding(bytes, length, kCFStringEncodingUnicode)));
-    return BuildUTF8(BuildTagged(bytes, length, kCFStringEncodingUnicode));
+    return BuildUTF8(BuildTaggedString(bytes, length, kCFStringEncodingUnicode));
 }
 
 bool IsSurrogate(uint32_t codePoint) { return (codePoint & 0xFFFFF800) == 0xD800; }
@@ -161,9 +161,9 @@ OwnedString Build(const UInt8 *bytes, int32_t length, CFStringEncoding encoding)
     case kCFStringEncodingMacRoman:
     case kCFStringEncodingWindowsLatin1:
     case kHostUnknownEncoding:
-        return BuildTagged(bytes, length, IsASCII(bytes, length) ? kCFStringEncodingASCII : encoding);
+        return BuildTaggedString(bytes, length, IsASCII(bytes, length) ? kCFStringEncodingASCII : encoding);
     default:
-        return BuildTagged(bytes, length, encoding);
+        return BuildTaggedString(bytes, length, encoding);
     }
 }
 

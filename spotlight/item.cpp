@@ -230,5 +230,5 @@ REALclassDefinition MDItemClass = {
 
 const REALclassDefinition *const kRootClass = &MDItemClass;
 
-static_assert(std::size(MDItemMethods) == 8 && std::size(MDItemSharedMethods) == 174);
+static_assert(std::size(MDItemMethods) == 8);
 static_assert(sizeof(MDItemData) == 8);
