@@ -16,9 +16,11 @@ _ENTRY = """\
 #include <CoreServices/CoreServices.h>
 #include <stdexcept>
 extern const CFStringRef *const table[];
+extern const char *names[];
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(void *(*resolver)(const char *)) {
     try {
         resolver("x");
+        resolver(names[resolver(names[0]) ? 1 : 0]);
         CFRetain(*table[0]);
     } catch (const std::exception &) {
         CFRelease(CFSTR("text"));
@@ -33,6 +35,8 @@ _TABLE = """\
 #include <CoreServices/CoreServices.h>
 extern const CFStringRef *const table[];
 const CFStringRef *const table[] = {&kMDItemTitle, &kMDItemGPSDOP};
+extern const char *names[];
+const char *names[] = {"first", "second"};
 """
 
 
@@ -90,14 +94,15 @@ class CrossBuild(unittest.TestCase):
             binds,
         )
 
-    def test_a_pointer_to_another_file_of_the_product_is_rebased(self) -> None:
+    def test_a_table_of_pointers_is_rebased(self) -> None:
         self.assertEqual(self.build(entry=_ENTRY, table=_TABLE).returncode, 0)
-        self.assertIn("__DATA   __data", self.dump("--rebase"))
+        rebased = self.dump("--rebase").splitlines()
+        self.assertEqual(sum(line.startswith(("__DATA   __data", "__DATA   __const")) for line in rebased), 2)
 
     def test_a_symbol_on_no_list_stops_the_build(self) -> None:
         call = 'resolver(strchr(static_cast<const char *>(resolver("x")), 1));'
         entry = "#include <string.h>\n" + _ENTRY.replace('resolver("x");', call)
-        self.assert_stops("entry.o needs _strchr, which is on no list in platform/imports", entry=entry, table=_TABLE)
+        self.assert_stops("Spotlight.o needs _strchr, which is on no list in platform/imports", entry=entry, table=_TABLE)
 
     def test_a_static_that_needs_an_initialiser_stops_the_build(self) -> None:
         table = _TABLE + "static CFTypeID initialised = CFStringGetTypeID();\nCFTypeID other() { return initialised; }\n"
