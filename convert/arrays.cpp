@@ -25,8 +25,10 @@ OwnedCF<CFTypeRef> CopyStringElement(_REALarray *array, int32_t index) {
 }
 
 OwnedCF<CFTypeRef> CopyVariantElement(_REALarray *array, int32_t index) {
-    const auto variant = ReadArrayObject(array, index);
-    return AdoptCF(CopyVariantAsCFType(variant.Get()));
+    auto variant = ReadArrayObject(array, index);
+    auto value = AdoptCF(CopyVariantAsCFType(variant.Get()));
+    Release(variant);
+    return value;
 }
 
 OwnedCF<CFTypeRef> CopyBooleanElement(_REALarray *array, int32_t index) {
@@ -97,8 +99,9 @@ OwnedHost<_REALarrayObject> ConvertToHostArray(CFArrayRef values) {
     if (!array)
         return {};
     for (CFIndex i = 0; i < count; i++) {
-        const auto element = AdoptHost(GetCFTypeAsVariant(CFArrayGetValueAtIndex(values, i)));
+        auto element = AdoptHost(GetCFTypeAsVariant(CFArrayGetValueAtIndex(values, i)));
         StoreArrayObject(array.Get(), static_cast<int32_t>(i), element.Get());
+        Release(element);
     }
     return array;
 }

@@ -37,8 +37,10 @@ OwnedObject NumberValue(CFNumberRef number) {
 }
 
 OwnedObject StringValue(CFStringRef value) {
-    const auto text = AdoptHost(CFString2RBString(value));
-    return AdoptHost(text ? StringToVariant(text.Get()) : nullptr);
+    auto text = AdoptHost(CFString2RBString(value));
+    auto variant = AdoptHost(text ? StringToVariant(text.Get()) : nullptr);
+    Release(text);
+    return variant;
 }
 
 struct Conversion {
@@ -196,8 +198,10 @@ OwnedCF<CGColorRef> CopyColorValue(int32_t packed) {
 }
 
 OwnedCF<CFStringRef> CopyTextValue(REALobjectStruct *value) {
-    const auto string = GetVariantString(value);
-    return TextOrEmpty(string.Get());
+    auto string = GetVariantString(value);
+    auto text = TextOrEmpty(string.Get());
+    Release(string);
+    return text;
 }
 
 /// Memory blocks, folder items, dictionaries and the objects of companion plugins, tested in a fixed order.

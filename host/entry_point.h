@@ -20,7 +20,7 @@ public:
     }
 
 private:
-    HostCode Ask();
+    [[gnu::cold, gnu::noinline]] HostCode Ask();
 
     const char *name_;
     const char *olderName_;

@@ -58,7 +58,8 @@ private:
 };
 
 /// Gives up what the holders own now and in this order; an exception of the host comes through. What they still own at
-/// the end of their scope goes the other way round, and what the host throws then is dropped.
+/// the end of their scope goes the other way round, and what the host throws then is dropped. Loops over elements do
+/// the former: it needs no call of a function that catches.
 template <class... Holders> void Release(Holders &...holders) { (holders.Release(), ...); }
 
 template <class Reference> using OwnedCF = Owned<Reference, CFRelease>;

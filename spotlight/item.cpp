@@ -35,8 +35,11 @@ OwnedHost<_REALarrayObject> ConvertArray(CFArrayRef items) {
     int32_t position = 0;
     for (CFIndex i = 0; i < count; i++) {
         const auto item = static_cast<MDItemRef>(const_cast<void *>(CFArrayGetValueAtIndex(items, i)));
-        if (const auto object = NewItemObject(item))
-            REALInsertArrayValueObject(array.Get(), position++, object.Get());
+        auto object = NewItemObject(item);
+        if (!object)
+            continue;
+        REALInsertArrayValueObject(array.Get(), position++, object.Get());
+        Release(object);
     }
     return array;
 }

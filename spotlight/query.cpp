@@ -115,8 +115,9 @@ _REALarrayObject *rbMDQueryGetResultArray(REALobjectStruct *self, int32_t limit)
     const int32_t count = limit >= 1 && resultCount > limit ? limit : resultCount;
     for (int32_t i = 0; i < count; i++) {
         // Unlike in event arrays, a result without an object keeps its place, so that positions are result indices.
-        const auto object = NewItemObject(QueryResultAt(query, i));
+        auto object = NewItemObject(QueryResultAt(query, i));
         REALInsertArrayValueObject(array.Get(), i, object.Get());
+        Release(object);
     }
     return array.Give();
 }
@@ -166,8 +167,9 @@ _REALarrayObject *rbMDQueryCopyValuesOfAttribute(REALobjectStruct *self, REALstr
         const CFTypeRef value = CFArrayGetValueAtIndex(values.Get(), i);
         if (!value)
             continue;
-        const auto variant = AdoptHost(GetCFTypeAsVariant(value));
+        auto variant = AdoptHost(GetCFTypeAsVariant(value));
         REALInsertArrayValueObject(array.Get(), position++, variant.Get());
+        Release(variant);
     }
     return array.Give();
 }
