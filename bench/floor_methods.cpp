@@ -74,8 +74,7 @@ int32_t IndexOfResult(Object *self, Object *item) {
 
 Object *ResultAtIndex(Object *self, int32_t index) {
     const MDQueryRef query = QueryOf(self);
-    const MDItemRef item = query ? ResultOf(query, index) : nullptr;
-    return item ? ItemObject(item) : nullptr;
+    return query ? ItemObject(ResultOf(query, index)) : nullptr;
 }
 
 Object *Results(Object *self, int32_t) {
@@ -84,8 +83,8 @@ Object *Results(Object *self, int32_t) {
     const auto count = static_cast<int32_t>(MDQueryGetResultCount(query));
     for (int32_t i = 0; i < count; i++) {
         Object *object = ItemObject(ResultOf(query, i));
-        ObjectInserterOf(array)(array, i, object);
-        UnlockObject(object);
+        Insert(array, i, object);
+        GiveUp(object);
     }
     return array;
 }
@@ -96,10 +95,14 @@ Object *ValuesOfAttribute(Object *self, String *name) {
     CFStringRef attribute = CopyText(name);
     CFArrayRef values = MDQueryCopyValuesOfAttribute(query, attribute);
     const CFIndex count = CFArrayGetCount(values);
+    int32_t position = 0;
     for (CFIndex i = 0; i < count; i++) {
-        Object *variant = VariantOf(CFArrayGetValueAtIndex(values, i));
-        ObjectInserterOf(array)(array, static_cast<int32_t>(i), variant);
-        UnlockObject(variant);
+        CFTypeRef value = CFArrayGetValueAtIndex(values, i);
+        if (!value)
+            continue;
+        Object *variant = VariantOf(value);
+        Insert(array, position++, variant);
+        GiveUp(variant);
     }
     CFRelease(values);
     CFRelease(attribute);
@@ -110,9 +113,12 @@ uint32_t CountOfResultsWithAttributeValue(Object *self, String *name, Object *va
     const MDQueryRef query = QueryOf(self);
     CFStringRef attribute = CopyText(name);
     CFTypeRef wanted = CopyValue(value);
-    const CFIndex count = MDQueryGetCountOfResultsWithAttributeValue(query, attribute, wanted);
-    CFRelease(wanted);
-    CFRelease(attribute);
+    const CFIndex count =
+        attribute && wanted ? MDQueryGetCountOfResultsWithAttributeValue(query, attribute, wanted) : 0;
+    if (wanted)
+        CFRelease(wanted);
+    if (attribute)
+        CFRelease(attribute);
     return static_cast<uint32_t>(count);
 }
 
