@@ -180,5 +180,6 @@ std::vector<RaisedException> Host::TakeRaised() { return std::exchange(runtime_-
 std::vector<std::string> Host::Balance() const { return Audit(*runtime_); }
 void Host::ExpectLeft(std::string_view kind, int32_t count) { runtime_->expectedLeft[std::string(kind)] = count; }
 int32_t Host::Alive(std::string_view kind) const { return CountAlive(*runtime_, kind); }
+void Host::FreeUnused() { runtime_->heap.FreeUnused(); }
 
 } // namespace sim::host

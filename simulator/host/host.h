@@ -146,6 +146,8 @@ public:
     void ExpectLeft(std::string_view kind, int32_t count);
     /// Things of that kind alive now.
     int32_t Alive(std::string_view kind) const;
+    /// Gives memory back that the host keeps for what is to come, so that what is left is in use.
+    void FreeUnused();
 
 private:
     std::unique_ptr<Runtime> runtime_;

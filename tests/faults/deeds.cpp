@@ -231,7 +231,8 @@ private:
         deeds_.push_back({className + "." + event + " arriving", className + "." + event, className,
                           [event](Stage &stage, const Around &around, Leaves &leaves) {
                               Object query = stage.NewQuery(false);
-                              if (!query)
+                              // Where none could be made none runs, and no event comes.
+                              if (!query || !query.Get<int32_t>("Handle"))
                                   return;
                               query.OnEvent(event, [&](const EventCall &call) {
                                   leaves.push_back("arrived");

@@ -108,6 +108,8 @@ FaultMatrix::Outcome FaultMatrix::Do(Stage &stage, const Deed &deed, const Fault
     Outcome outcome;
     bool isUnder = false;
     const Around around{[&] {
+                            // What went wrong while it got ready is not its own.
+                            stage.Host().TakeRaised();
                             isUnder = true;
                             fault.begin(stage);
                         },
@@ -153,17 +155,21 @@ void FaultMatrix::Try(Stage &stage, const Known &known, const Fault &fault, Repo
         report.complaints.push_back(known.deed.name + ", " + fault.name + ", on " + AgeText(version_) + ": " + wrong);
 }
 
-void FaultMatrix::TryAll(Stage &stage, const Fault &fault, Report &report) const {
+Report FaultMatrix::Without(const std::set<std::string, std::less<>> &services) const {
+    Report report;
+    std::string names;
+    for (const std::string &service : services)
+        names += (names.empty() ? "without " : " and ") + service;
+    Stage stage(At(services));
     for (const Known &known : known_)
-        Try(stage, known, fault, report);
+        Try(stage, known, {names}, report);
+    return report;
 }
 
 Report FaultMatrix::WithoutEachService() const {
     Report report;
-    for (const std::string &service : services_) {
-        Stage stage(At({service}));
-        TryAll(stage, {"without " + service}, report);
-    }
+    for (const std::string &service : services_)
+        report += Without({service});
     return report;
 }
 
@@ -173,8 +179,7 @@ Report FaultMatrix::WithoutEachPair(const Progress &progress) const {
     size_t done = 0;
     for (size_t one = 0; one < services_.size(); one++)
         for (size_t other = one + 1; other < services_.size(); other++) {
-            Stage stage(At({services_[one], services_[other]}));
-            TryAll(stage, {"without " + services_[one] + " and " + services_[other]}, report);
+            report += Without({services_[one], services_[other]});
             if (!progress(static_cast<double>(++done) / static_cast<double>(pairs)))
                 return report;
         }

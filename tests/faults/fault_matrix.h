@@ -29,7 +29,8 @@ public:
     /// The names of services that deeds make the library ask for, found or not.
     const std::vector<std::string> &Services() const { return services_; }
 
-    /// Without each service, from the start of the library on.
+    /// Without these services, from the start of the library on.
+    Report Without(const std::set<std::string, std::less<>> &services) const;
     Report WithoutEachService() const;
     Report WithoutEachPair(const Progress &progress) const;
     /// Every call of the system that can fail, one after the other.
@@ -66,7 +67,6 @@ private:
     }
     static Outcome Do(Stage &stage, const Deed &deed, const Fault &fault);
     void Try(Stage &stage, const Known &known, const Fault &fault, Report &report) const;
-    void TryAll(Stage &stage, const Fault &fault, Report &report) const;
     std::string WhatIsWrong(const Known &known, const Outcome &outcome) const;
 
     std::filesystem::path plugin_;

@@ -1,6 +1,8 @@
 #include "tests/faults/live_queries.h"
 
 #include "simulator/macos/CoreFoundation/ledger.h"
+#include "simulator/macos/CoreFoundation/number.h"
+#include "simulator/macos/CoreFoundation/registry.h"
 
 #include <malloc.h>
 
@@ -18,12 +20,24 @@ constexpr size_t kKept = 50;
 constexpr const char *kEvents[] = {"Progress", "Finish", "Update"};
 constexpr const char *kHostKinds[] = {"MDQueryQTX", "MDItemQTX", "string", "variant", "MDItemQTX()", "Dictionary"};
 
+/// The system remembers the objects that died last, and here they are the same ones whatever died before.
+void ForgetTheDead() {
+    for (size_t dead = 0; dead < sim::macos::Registry::kRemembered; dead++)
+        sim::macos::MakeNumber(0.5);
+}
+
 } // namespace
 
 LiveQueries::LiveQueries(const Setting &setting, uint32_t seed) : random_(seed), stage_(setting) {}
 
+std::string LiveQueries::NewName() {
+    // As long as all others, so that it takes as much memory.
+    const std::string number = std::to_string(added_++);
+    return "number " + std::string(10 - number.size(), '0') + number;
+}
+
 void LiveQueries::AddFile() {
-    const File file = stage_.store.Add("/files/number " + std::to_string(added_++));
+    const File file = stage_.store.Add("/files/" + NewName());
     stage_.store.SetNumber(file, "kMDItemAltitude", Random(100));
     files_.push_back(file);
 }
@@ -41,7 +55,7 @@ void LiveQueries::ChangeFile() {
         files_.erase(files_.begin() + static_cast<ptrdiff_t>(index));
         break;
     case 1:
-        stage_.store.Move(file, (Random(2) ? "/files/moved " : "/elsewhere/") + std::to_string(added_++));
+        stage_.store.Move(file, (Random(2) ? "/files/" : "/elsewhere/") + NewName());
         break;
     case 2:
         stage_.store.SetText(file, "kMDItemTitle", std::string(Random(40), 'x'));
@@ -106,13 +120,15 @@ void LiveQueries::Handle(const EventCall &call) {
 void LiveQueries::DoBeside() {
     switch (Random(12)) {
     case 0:
+    case 1:
+    case 2:
         if (queries_.size() < kQueries)
             AddQuery();
         break;
-    case 1:
+    case 3:
         DropQuery();
         break;
-    case 2:
+    case 4:
         kept_.clear();
         break;
     default:
@@ -146,6 +162,8 @@ Standing LiveQueries::Rest() {
     files_.clear();
     stage_.store.Run(5000);
     stage_.Host().RethrowFromHandlers();
+    stage_.Host().FreeUnused();
+    ForgetTheDead();
     Standing standing;
     standing.systemObjects = sim::macos::ledger::LiveCount();
     for (const char *kind : kHostKinds)

@@ -37,6 +37,7 @@ private:
     using File = sim::macos::ScriptedStore::File;
 
     uint32_t Random(uint32_t below) { return static_cast<uint32_t>(random_()) % below; }
+    std::string NewName();
     void AddFile();
     void ChangeFile();
     void DoBeside();

@@ -55,17 +55,24 @@ void *TrapAddress() {
 }
 
 Heap::~Heap() {
-    auto free = [](std::byte *address, size_t size) {
-        AllowAccess(address, size);
-        std::free(address);
-    };
     for (const auto &[handle, entity] : live_)
-        free(entity->address, entity->size);
+        Free(entity->address, entity->size);
     for (const DeadBlock &block : quarantine_)
-        free(block.address, block.size);
+        Free(block.address, block.size);
+    FreeUnused();
+}
+
+void Heap::Free(std::byte *address, size_t size) {
+    graves_.erase(address);
+    AllowAccess(address, size);
+    std::free(address);
+}
+
+void Heap::FreeUnused() {
     for (const auto &[size, addresses] : reusable_)
         for (std::byte *address : addresses)
-            free(address, size);
+            Free(address, size);
+    reusable_.clear();
 }
 
 std::byte *Heap::Allocate(size_t size) {
@@ -91,9 +98,7 @@ void Heap::Retire(std::byte *address, size_t size) {
         return;
     DeadBlock oldest = quarantine_.front();
     quarantine_.pop_front();
-    graves_.erase(oldest.address);
-    AllowAccess(oldest.address, oldest.size);
-    std::free(oldest.address);
+    Free(oldest.address, oldest.size);
 }
 
 void Heap::Add(std::unique_ptr<Entity> entity, size_t size) {

@@ -81,6 +81,8 @@ public:
     bool IsLive(const void *handle) const { return live_.contains(handle); }
 
     void VisitLive(const Entity::Visitor &visitor) const;
+    /// Gives the places that the dead left for others back to the system.
+    void FreeUnused();
 
     Places places;
 
@@ -104,6 +106,8 @@ private:
     void Bury(Entity &entity, const Place &diedAt);
     std::byte *Allocate(size_t size);
     void Retire(std::byte *address, size_t size);
+    /// Gives the place of something dead back, and forgets what was there.
+    void Free(std::byte *address, size_t size);
     [[noreturn]] void StopForKind(const void *handle, const char *what);
 
     bool reuseAddresses_;

@@ -31,6 +31,9 @@ struct Remains {
 
 class Registry {
 public:
+    /// So many of those that died last.
+    static constexpr std::size_t kRemembered = 8192;
+
     static Registry &Instance();
 
     void Add(Object &object);
@@ -53,8 +56,6 @@ private:
         void *memory;
         DeadObject object;
     };
-
-    static constexpr std::size_t kRemembered = 8192;
 
     Object *first_ = nullptr;
     std::size_t count_ = 0;
