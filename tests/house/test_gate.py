@@ -10,6 +10,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import command_table
 import gate
 
 _TREE = Path(os.environ["SOURCE_TREE"])
@@ -87,9 +88,18 @@ class TheGate(unittest.TestCase):
         (self.tree / "good-is-broken").unlink()
         self.assertEqual(self._run()[0], 0)
 
-    def test_the_table_of_this_tree_is_understood(self) -> None:
-        shutil.copy(_TREE / "dev.commands", self.tree / "dev.commands")
-        self.assertIn("./dev check-sdk", self._run()[1])
+    def test_each_command_of_this_tree_shuts_it_when_it_fails_and_is_the_one_that_is_named(self) -> None:
+        names = [command.name for command in command_table.read(_TREE, self.tree)]
+        (self.tree / "dev.commands").write_text("".join(f"[{name}]\nright\n" for name in names), "utf-8")
+        (self.tree / "dev").write_text('#!/bin/bash\n[[ ! -f $(dirname "$0")/$1-is-broken ]]\n', "utf-8")
+        for name in names:
+            with self.subTest(command=name):
+                mark = self.tree / f"{name}-is-broken"
+                mark.touch()
+                code, said = self._run()
+                mark.unlink()
+                failed = {line.split()[4] for line in said.splitlines() if line.startswith("FAILED")}
+                self.assertEqual((code, failed), (1, {name}), said)
 
 
 if __name__ == "__main__":
