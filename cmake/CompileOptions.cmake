@@ -5,7 +5,6 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 
 option(SPOTLIGHT_SANITIZE "Build with AddressSanitizer, UndefinedBehaviorSanitizer and leak checks" OFF)
 option(SPOTLIGHT_FUZZ "Build code that tells a fuzzer where it was" OFF)
-option(SPOTLIGHT_COVERAGE "Build the product with code that counts how often it ran" OFF)
 
 # All alike, programs too, so that they can share precompiled headers.
 add_compile_options(-m32 -msse2 -mfpmath=sse -fno-omit-frame-pointer -fPIC)

@@ -133,6 +133,8 @@ class Gate:
         if tests:
             self.tests = (int(tests[2]) - int(tests[1]), int(tests[1]))
         said = "" if show else ran.output + ran.errors
+        if complaint:
+            print(f"gate: {complaint}", flush=True)
         self.outcomes.append(Outcome(name, time.monotonic() - begin, complaint, said))
 
     def note(self, name: str, complaint: str) -> None:
