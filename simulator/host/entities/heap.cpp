@@ -15,8 +15,8 @@ namespace sim::host {
 
 namespace {
 
-/// So many dead blocks are kept before the oldest is given back to the allocator.
-constexpr size_t kQuarantineLength = 200'000;
+/// So many dead blocks are kept, with their stories, before the oldest is given back to the allocator: some 4 MB.
+constexpr size_t kQuarantineLength = 8192;
 constexpr int kDeadByte = 0xDD;
 constexpr int kDeepestDeath = 64;
 

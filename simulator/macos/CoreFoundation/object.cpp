@@ -115,6 +115,10 @@ void Object::Destroy(Object *object) {
 }
 
 void Object::Bury(Object *object) {
+    if (Registry::Instance().IsUnseen(*object)) {
+        delete object;
+        return;
+    }
     DeadObject dead{object->serial_, object->TypeID(), object->Description(), object->made_, TakeTrace()};
     void *memory = dynamic_cast<void *>(object);
     object->~Object();

@@ -8,6 +8,7 @@
 #include <deque>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 namespace sim::macos {
 
@@ -47,11 +48,16 @@ public:
     /// Searches all that are remembered, those too whose address is in use again.
     std::optional<DeadObject> Recall(std::uint64_t serial);
 
+    /// Whether nobody but the stand-in can have seen the object (Unseen).
+    bool IsUnseen(const Object &object) const { return object.serial_ > unseenFrom_; }
+
     std::size_t LiveCount();
     /// Newest first.
     std::vector<ledger::Mark> LiveObjects();
 
 private:
+    friend class Unseen;
+
     struct Grave {
         void *memory;
         DeadObject object;
@@ -60,9 +66,23 @@ private:
     Object *first_ = nullptr;
     std::size_t count_ = 0;
     std::uint64_t lastSerial_ = 0;
+    std::uint64_t unseenFrom_ = ~std::uint64_t{0};
     std::deque<Grave> graves_; // oldest first
     /// Only where dead memory cannot be read: elsewhere it says itself whose it was.
     std::unordered_map<const void *, const DeadObject *> dead_;
+};
+
+/// While it lives, only the stand-in looks at what is made. Objects that die meanwhile, having been made meanwhile, are
+/// not remembered: nobody can be left with a reference to one.
+class Unseen {
+public:
+    Unseen() : previous_(std::exchange(Registry::Instance().unseenFrom_, Registry::Instance().lastSerial_)) {}
+    Unseen(const Unseen &) = delete;
+    Unseen &operator=(const Unseen &) = delete;
+    ~Unseen() { Registry::Instance().unseenFrom_ = previous_; }
+
+private:
+    std::uint64_t previous_;
 };
 
 } // namespace sim::macos

@@ -1,6 +1,7 @@
 #include "simulator/macos/CoreFoundation/array.h"
 #include "simulator/macos/CoreFoundation/number.h"
 #include "simulator/macos/CoreFoundation/object.h"
+#include "simulator/macos/CoreFoundation/registry.h"
 #include "tests/simulator/macos/corefoundation/support.h"
 
 #include <sys/wait.h>
@@ -137,6 +138,21 @@ TEST_CASE_FIXTURE(Balanced,
     std::int32_t value = 0;
     const std::string refusal = RefusalOf([&] { CFNumberGetValue(number, kCFNumberSInt32Type, &value); });
     CHECK(Contains(refusal, "CFNumberGetValue was given a dead object: CFNumber 123456"));
+}
+
+TEST_CASE_FIXTURE(Balanced, "What only the stand-in saw takes no place among the dead that are remembered") {
+    CFNumberRef before = MakeNumber(std::int64_t{123456}).Give();
+    CFRelease(before);
+    CFNumberRef meanwhile = MakeNumber(std::int64_t{654321}).Give();
+    {
+        const Unseen strings;
+        CFRelease(meanwhile);
+        for (int turn = 0; turn < 20'000; ++turn)
+            MakeString("another");
+    }
+    std::int32_t value = 0;
+    CHECK(Contains(RefusalOf([&] { CFNumberGetValue(before, kCFNumberSInt32Type, &value); }), "CFNumber 123456"));
+    CHECK(Contains(RefusalOf([&] { CFNumberGetValue(meanwhile, kCFNumberSInt32Type, &value); }), "CFNumber 654321"));
 }
 
 TEST_CASE_FIXTURE(Balanced, "An object of another type than a function's own is refused") {

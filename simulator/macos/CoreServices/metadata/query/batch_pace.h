@@ -21,6 +21,7 @@ public:
     /// Tells that a change is waiting. In the update phase the wait counts from the first one after a notification, for
     /// there may have been none for hours.
     void NoteWaiting(CFAbsoluteTime now);
+    bool IsWaiting() const { return waiting_; }
 
     /// At least 1.
     std::size_t MostChanges() const;

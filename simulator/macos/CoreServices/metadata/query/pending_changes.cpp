@@ -7,7 +7,8 @@ namespace sim::macos::query {
 void PendingChanges::Note(const FileIdentity &file, std::shared_ptr<const AttributeSource> source, bool isResult) {
     using Kind = PendingChange::Kind;
     if (!source && !isResult) {
-        Erase(file);
+        if (Count() > 0)
+            Erase(file);
         return;
     }
     const Kind kind = !source ? Kind::kRemove : isResult ? Kind::kChange : Kind::kAdd;

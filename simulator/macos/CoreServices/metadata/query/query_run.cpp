@@ -4,6 +4,7 @@
 #include "simulator/macos/CoreFoundation/array.h"
 #include "simulator/macos/CoreFoundation/dictionary.h"
 #include "simulator/macos/CoreFoundation/notification_center.h"
+#include "simulator/macos/CoreFoundation/registry.h"
 #include "simulator/macos/CoreServices/metadata/query/scripted_progress.h"
 #include "simulator/macos/CoreServices/metadata/store/search_scope.h"
 #include "simulator/macos/control/clock.h"
@@ -117,6 +118,7 @@ void Query::SetBatchingParameters(const MDQueryBatchingParams &parameters) {
 }
 
 bool Query::IsLookedFor(const AttributeSource &file) const {
+    const Unseen values;
     for (const auto &expression : expressions_) {
         if (!expression->Matches(file, executedAt_))
             return false;
@@ -177,7 +179,7 @@ void Query::Note(const store::FileEvent &event) {
     // What is found was not there before, unless the end of that is still pending.
     const bool mayBeResult = event.kind != store::FileEvent::Kind::kFound || pending_.RemovedCount() > 0;
     pending_.Note(event.file, isLookedFor ? event.source : nullptr, mayBeResult && results_.Contains(event.file));
-    if (pending_.Count() > 0)
+    if (pending_.Count() > 0 && !pace_.IsWaiting())
         pace_.NoteWaiting(Now());
 }
 

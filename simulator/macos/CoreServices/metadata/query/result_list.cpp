@@ -1,7 +1,7 @@
 #include "simulator/macos/CoreServices/metadata/query/result_list.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <utility>
 
 namespace sim::macos::query {
 
@@ -16,9 +16,15 @@ CFIndex ResultList::IndexOf(const FileIdentity &file) {
 
 AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t limit) {
     AppliedBatch applied;
-    std::unordered_set<const Result *> outOfPlace;
     std::vector<Result *> touched;
-    std::vector<std::unique_ptr<Result>> gone; // until they are out of the order too
+
+    // Before anything changes, for what stands where is told by comparing.
+    std::vector<std::size_t> outOfPlace;
+    for (const PendingChange &change : batch)
+        if (change.kind != PendingChange::Kind::kAdd)
+            outOfPlace.push_back(PlaceOf(*byFile_.find(change.file)->second));
+    const bool leftPlace = !outOfPlace.empty();
+    TakeOut(std::move(outOfPlace));
 
     for (PendingChange &change : batch) {
         const auto found = byFile_.find(change.file);
@@ -30,9 +36,7 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             auto &list = removed ? applied.removed : applied.changed;
             list.push_back(CFRef<CFTypeRef>::Retain(result.Item()));
         }
-        outOfPlace.insert(&result);
         if (removed) {
-            gone.push_back(std::move(found->second));
             byFile_.erase(found);
         } else {
             result.SetSource(std::move(change.source), names_);
@@ -49,10 +53,8 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
         applied.added.push_back(result.get());
         byFile_.emplace(change.file, std::move(result));
     }
-    if (outOfPlace.empty() && touched.empty())
+    if (!leftPlace && touched.empty())
         return applied;
-    if (!outOfPlace.empty())
-        std::erase_if(inOrder_, [&](const Result *result) { return outOfPlace.contains(result); });
     Merge(std::move(touched));
     applied.changedList = true;
     return applied;
@@ -63,6 +65,26 @@ void ResultList::SetOrder(SortOrder order) {
     for (Result *result : inOrder_)
         result->ForgetKeys();
     Merge(std::exchange(inOrder_, {}));
+}
+
+std::size_t ResultList::PlaceOf(const Result &result) const {
+    const auto before = [this](const Result *one, const Result *other) { return one->StandsBefore(*other, order_); };
+    const auto place = std::lower_bound(inOrder_.begin(), inOrder_.end(), &result, before);
+    return static_cast<std::size_t>(place - inOrder_.begin());
+}
+
+/// What stays moves up in runs: looking at each of a million results would cost more than the changes do.
+void ResultList::TakeOut(std::vector<std::size_t> places) {
+    if (places.empty())
+        return;
+    std::sort(places.begin(), places.end());
+    const auto at = [this](std::size_t place) { return inOrder_.begin() + static_cast<std::ptrdiff_t>(place); };
+    auto end = at(places.front());
+    for (std::size_t index = 0; index < places.size(); ++index) {
+        const auto next = index + 1 < places.size() ? at(places[index + 1]) : inOrder_.end();
+        end = std::move(at(places[index]) + 1, next, end);
+    }
+    inOrder_.erase(end, inOrder_.end());
 }
 
 /// Puts results to where they belong among those that are in order already.

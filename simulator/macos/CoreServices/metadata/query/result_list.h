@@ -45,6 +45,8 @@ public:
     std::uint64_t Generation() const { return generation_; }
 
 private:
+    std::size_t PlaceOf(const Result &result) const;
+    void TakeOut(std::vector<std::size_t> places);
     void Merge(std::vector<Result *> touched);
     void Renumber();
 
