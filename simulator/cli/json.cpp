@@ -35,21 +35,15 @@ ordered_json JSONOfObject(const Value &value) {
 }
 
 ordered_json JSONOf(const Value &value) {
-    if (value.IsNil())
-        return nullptr;
-    if (value.Is<bool>())
-        return value.As<bool>();
-    if (value.Is<int32_t>())
-        return value.As<int32_t>();
-    if (value.Is<uint32_t>())
-        return value.As<uint32_t>();
-    if (value.Is<int64_t>())
-        return value.As<int64_t>();
-    if (value.Is<float>())
-        return value.As<float>();
-    if (value.Is<double>())
-        return value.As<double>();
-    return value.Is<Object>() ? JSONOfObject(value) : ordered_json(ValueText(value));
+    return value.Visit([&](const auto &held) -> ordered_json {
+        using Held = std::decay_t<decltype(held)>;
+        if constexpr (std::is_same_v<Held, std::monostate>)
+            return nullptr;
+        else if constexpr (std::is_arithmetic_v<Held>)
+            return held;
+        else
+            return value.Is<Object>() ? JSONOfObject(value) : ordered_json(ValueText(value));
+    });
 }
 
 ordered_json JSONOf(const Members &members) {

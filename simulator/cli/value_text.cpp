@@ -1,8 +1,9 @@
 #include "simulator/cli/value_text.h"
 
+#include "simulator/host/ground/number_text.h"
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <functional>
@@ -10,6 +11,7 @@
 namespace sim::cli {
 namespace {
 
+using host::NumberText;
 using host::Object;
 using host::Value;
 
@@ -21,13 +23,6 @@ template <class... Arguments> std::string Formatted(const char *format, Argument
     std::array<char, 64> text;
     std::snprintf(text.data(), text.size(), format, arguments...);
     return text.data();
-}
-
-// The shortest text that reads back as the same number.
-template <class Number> std::string NumberText(Number number) {
-    std::array<char, 64> text;
-    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() ? std::string(text.data(), end) : std::string();
 }
 
 std::string Joined(const std::vector<std::string> &parts) {
@@ -107,32 +102,23 @@ std::string TypeText(const Value &value) {
 }
 
 std::string ValueText(const Value &value) {
-    if (value.Is<bool>())
-        return value.As<bool>() ? "true" : "false";
-    if (value.Is<int32_t>())
-        return NumberText(value.As<int32_t>());
-    if (value.Is<uint32_t>())
-        return NumberText(value.As<uint32_t>());
-    if (value.Is<int64_t>())
-        return NumberText(value.As<int64_t>());
-    if (value.Is<float>())
-        return NumberText(value.As<float>());
-    if (value.Is<double>())
-        return NumberText(value.As<double>());
-    if (value.Is<host::Color>())
-        return Formatted("#%06X", static_cast<unsigned>(value.As<host::Color>().rgb));
-    if (value.Is<std::string>())
-        return value.As<std::string>();
-    return value.Is<Object>() ? ObjectText(value.As<Object>()) : "";
+    return value.Visit([&](const auto &held) -> std::string {
+        using Held = std::decay_t<decltype(held)>;
+        if constexpr (std::is_same_v<Held, bool>)
+            return held ? "true" : "false";
+        else if constexpr (std::is_arithmetic_v<Held>)
+            return NumberText(held);
+        else if constexpr (std::is_same_v<Held, host::Color>)
+            return Formatted("#%06X", static_cast<unsigned>(held.rgb));
+        else if constexpr (std::is_same_v<Held, host::Text>)
+            return host::ToUTF8(held);
+        else
+            return value.Is<Object>() ? ObjectText(value.As<Object>()) : "";
+    });
 }
 
 std::string AgeText(const std::optional<double> &version) {
     return version ? ValueText(*version) : "does not tell its version";
-}
-
-std::string DateText(const host::DateFields &date) {
-    return Formatted("%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour, date.minute,
-                     date.second);
 }
 
 std::string SizeText(int64_t bytes) {

@@ -18,9 +18,6 @@ std::string ValueText(const host::Value &value);
 /// A host's age: "2016.1", or that it does not tell.
 std::string AgeText(const std::optional<double> &version);
 
-/// "2009-02-15 12:30:00"
-std::string DateText(const host::DateFields &date);
-
 /// 1234567 as "1.2 MB", for people; 0 and 1 as "0 bytes" and "1 byte".
 std::string SizeText(int64_t bytes);
 

@@ -80,6 +80,15 @@ std::optional<TypeName> Parser::TypeOfLoopVariable() {
     return Type();
 }
 
+Block Parser::BlockUntilNext() {
+    NeedLineEnd();
+    Block block = BlockUntil({"next"});
+    Need("next");
+    if (!AtLineEnd())
+        NeedName("the variable's name");
+    return block;
+}
+
 ForStatement Parser::For() {
     ForStatement parsed;
     parsed.variable = NeedName("the variable's name");
@@ -93,11 +102,7 @@ ForStatement Parser::For() {
     parsed.last = AnyExpression();
     if (Skip("step"))
         parsed.step = AnyExpression();
-    NeedLineEnd();
-    parsed.block = BlockUntil({"next"});
-    Need("next");
-    if (!AtLineEnd())
-        NeedName("the variable's name");
+    parsed.block = BlockUntilNext();
     return parsed;
 }
 
@@ -107,11 +112,7 @@ ForEachStatement Parser::ForEach() {
     parsed.type = TypeOfLoopVariable();
     Need("in");
     parsed.elements = AnyExpression();
-    NeedLineEnd();
-    parsed.block = BlockUntil({"next"});
-    Need("next");
-    if (!AtLineEnd())
-        NeedName("the variable's name");
+    parsed.block = BlockUntilNext();
     return parsed;
 }
 

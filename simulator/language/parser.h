@@ -61,6 +61,8 @@ private:
     ForStatement For();
     ForEachStatement ForEach();
     std::optional<TypeName> TypeOfLoopVariable();
+    /// The rest of a loop that ends with "Next", which may repeat the variable's name.
+    Block BlockUntilNext();
     LoopStatement While();
     LoopStatement DoLoop();
     ExpressionPointer LoopCondition();

@@ -1,15 +1,16 @@
 #include "tests/convert/value_text.h"
 
 #include "simulator/host/classes/instance.h"
+#include "simulator/host/ground/number_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 
 namespace tests {
 
 namespace {
 
+using sim::host::NumberText;
 using sim::host::Object;
 using sim::host::Value;
 
@@ -20,11 +21,6 @@ std::string Joined(const std::vector<std::string> &parts) {
     return text;
 }
 
-std::string Digits(double number) {
-    char text[64];
-    return {text, std::to_chars(text, text + sizeof text, number).ptr};
-}
-
 std::string Hexadecimal(std::string_view bytes) {
     std::string text;
     for (const char byte : bytes) {
@@ -32,13 +28,6 @@ std::string Hexadecimal(std::string_view bytes) {
         std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(byte));
         text += digits;
     }
-    return text;
-}
-
-std::string TextOfDate(const sim::host::DateFields &date) {
-    char text[96];
-    std::snprintf(text, sizeof text, "Date %04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour,
-                  date.minute, date.second);
     return text;
 }
 
@@ -57,7 +46,7 @@ std::string TextOfObject(const Object &object) {
         return "{" + Joined(parts) + "}";
     }
     if (name == "Date")
-        return TextOfDate(object.Date());
+        return "Date " + DateText(object.Date());
     if (name == "MemoryBlock")
         return "MemoryBlock " + Hexadecimal(object.Bytes());
     if (name == "FolderItem")
@@ -71,7 +60,7 @@ const char *NameOf(CFNumberType storedForm) {
 }
 
 std::string TextOfNumber(const sim::macos::Number &number) {
-    const std::string digits = number.IsFloat() ? Digits(number.Real()) : std::to_string(number.Integer());
+    const std::string digits = number.IsFloat() ? NumberText(number.Real()) : std::to_string(number.Integer());
     return std::string(NameOf(number.StoredType())) + " " + digits;
 }
 
@@ -83,7 +72,7 @@ std::string TextOf(const Value &value) {
     if (value.Is<int64_t>())
         return "Int64 " + std::to_string(value.As<int64_t>());
     if (value.Is<double>())
-        return "Double " + Digits(value.As<double>());
+        return "Double " + NumberText(value.As<double>());
     if (value.Is<Object>())
         return TextOfObject(value.As<Object>());
     return value.Describe();
@@ -103,7 +92,7 @@ std::string TextOf(CFTypeRef value) {
     if (const auto *number = Cast<Number>(value))
         return TextOfNumber(*number);
     if (const auto *date = Cast<Date>(value))
-        return "Date " + Digits(date->At());
+        return "Date " + NumberText(date->At());
     if (const auto *data = Cast<Data>(value))
         return "Data " + Hexadecimal({reinterpret_cast<const char *>(data->Bytes().data()), data->Bytes().size()});
     if (type == CFURLGetTypeID())

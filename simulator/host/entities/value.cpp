@@ -1,5 +1,7 @@
 #include "simulator/host/entities/value.h"
 
+#include "simulator/host/ground/number_text.h"
+
 #include <cstdio>
 #include <ostream>
 
@@ -11,20 +13,14 @@ namespace {
 constexpr const char *kTypeNames[] = {"nil",      "a boolean", "an integer", "a uint32", "an int64",
                                       "a single", "a double",  "a color",    "a string", "an object"};
 
-std::string ExactDigits(double number) {
-    char text[40];
-    std::snprintf(text, sizeof text, "%.17g", number);
-    return text;
-}
-
 struct Describer {
     std::string operator()(std::monostate) const { return "nil"; }
     std::string operator()(bool value) const { return value ? "true" : "false"; }
-    std::string operator()(int32_t value) const { return std::to_string(value); }
-    std::string operator()(uint32_t value) const { return std::to_string(value) + "u"; }
-    std::string operator()(int64_t value) const { return std::to_string(value) + "LL"; }
-    std::string operator()(float value) const { return ExactDigits(static_cast<double>(value)) + "f"; }
-    std::string operator()(double value) const { return ExactDigits(value); }
+    std::string operator()(int32_t value) const { return NumberText(value); }
+    std::string operator()(uint32_t value) const { return NumberText(value) + "u"; }
+    std::string operator()(int64_t value) const { return NumberText(value) + "LL"; }
+    std::string operator()(float value) const { return NumberText(value) + "f"; }
+    std::string operator()(double value) const { return NumberText(value); }
     std::string operator()(Color value) const {
         char text[16];
         std::snprintf(text, sizeof text, "#%06X", value.rgb);
@@ -75,11 +71,13 @@ std::ostream &operator<<(std::ostream &out, const Value &value) { return out << 
 
 std::ostream &operator<<(std::ostream &out, const Reference &reference) { return out << reference.Describe(); }
 
-std::ostream &operator<<(std::ostream &out, const DateFields &date) {
+std::string DateText(const DateFields &date) {
     char text[96];
     std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day, date.hour,
                   date.minute, date.second);
-    return out << text;
+    return text;
 }
+
+std::ostream &operator<<(std::ostream &out, const DateFields &date) { return out << DateText(date); }
 
 } // namespace sim::host

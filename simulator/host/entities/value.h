@@ -27,6 +27,9 @@ struct DateFields {
     bool operator==(const DateFields &) const = default;
 };
 
+/// "2009-02-15 12:30:00"
+std::string DateText(const DateFields &date);
+
 /// A colour, 0xRRGGBB.
 struct Color {
     uint32_t rgb = 0;
@@ -61,6 +64,9 @@ public:
 
     /// Scalars by value, text by its characters, objects by identity.
     bool operator==(const Value &other) const;
+    /// What the visitor makes of nil (a std::monostate), a number, a boolean, a Color, a Text or a Reference.
+    template <class Visitor> auto Visit(Visitor visitor) const { return std::visit(visitor, held_); }
+
     /// For messages and tables: `"abc"`, `7`, `nil`, `MDItemQTX #12`.
     std::string Describe() const;
 

@@ -1,22 +1,14 @@
 #include "simulator/host/entities/variant_entity.h"
 
+#include "simulator/host/ground/number_text.h"
 #include "simulator/host/ground/text.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 
 namespace sim::host {
 
 namespace {
-
-std::string Decimal(int64_t number) { return std::to_string(number); }
-
-std::string Decimal(double number) {
-    char text[32];
-    auto [end, error] = std::to_chars(text, text + sizeof text, number);
-    return {text, end};
-}
 
 std::string ColorText(Color color) {
     char text[16];
@@ -85,12 +77,12 @@ std::optional<Text> ToText(const Value &value) {
     if (value.Is<bool>())
         return Text{value.As<bool>() ? "True" : "False", kASCII};
     if (value.Is<float>() || value.Is<double>())
-        return Text{Decimal(ToDouble(value)), kASCII};
+        return Text{NumberText(ToDouble(value)), kASCII};
     if (value.Is<Color>())
         return Text{ColorText(value.As<Color>()), kASCII};
     if (value.IsNil() || value.Is<Reference>())
         return std::nullopt;
-    return Text{Decimal(ToInteger(value)), kASCII};
+    return Text{NumberText(ToInteger(value)), kASCII};
 }
 
 } // namespace sim::host
