@@ -69,6 +69,16 @@ TEST_CASE("With all three functions flags are set and read back, and reverse the
     });
 }
 
+TEST_CASE("Each query has sort option flags of its own") {
+    const System system(true, true, true);
+    Sorted program;
+    Object other = program.NewQuery("kMDItemFSName == '*'", {}, {"kMDItemFSName"});
+    CHECK(program.Flags("kMDItemFSName") == 0);
+    CHECK(other.Call<bool>("SetSortOptionFlagsForAttribute", "kMDItemFSName", 1U));
+    CHECK(program.Flags("kMDItemFSName") == 0);
+    CHECK(other.Call<int32_t>("GetSortOptionFlagsForAttribute", "kMDItemFSName") == 1);
+}
+
 TEST_CASE("Flags pass unchanged both ways") {
     const System system(true, true, true);
     Sorted program;
