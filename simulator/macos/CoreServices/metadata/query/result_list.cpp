@@ -9,6 +9,7 @@ CFIndex ResultList::IndexOf(const FileIdentity &file) {
     const auto found = byFile_.find(file);
     if (found == byFile_.end())
         return kCFNotFound;
+    PutInOrder();
     if (!numbered_)
         Renumber();
     return static_cast<CFIndex>(found->second->index);
@@ -16,14 +17,16 @@ CFIndex ResultList::IndexOf(const FileIdentity &file) {
 
 AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t limit) {
     AppliedBatch applied;
-    std::vector<Result *> touched;
 
     // Before anything changes, for what stands where is told by comparing.
     std::vector<std::size_t> outOfPlace;
-    for (const PendingChange &change : batch)
-        if (change.kind != PendingChange::Kind::kAdd)
-            outOfPlace.push_back(PlaceOf(*byFile_.find(change.file)->second));
-    const bool leftPlace = !outOfPlace.empty();
+    for (const PendingChange &change : batch) {
+        if (change.kind == PendingChange::Kind::kAdd)
+            continue;
+        PutInOrder();
+        outOfPlace.push_back(PlaceOf(*byFile_.find(change.file)->second));
+    }
+    applied.changedList = !outOfPlace.empty();
     TakeOut(std::move(outOfPlace));
 
     for (PendingChange &change : batch) {
@@ -40,7 +43,7 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             byFile_.erase(found);
         } else {
             result.SetSource(std::move(change.source), names_);
-            touched.push_back(&result);
+            unplaced_.push_back(&result);
         }
     }
     // Removals come first, so that they make room below the limit.
@@ -49,22 +52,26 @@ AppliedBatch ResultList::Apply(std::vector<PendingChange> batch, std::size_t lim
             continue;
         auto result = std::make_unique<Result>(change.file, ++lastArrival_);
         result->SetSource(std::move(change.source), names_);
-        touched.push_back(result.get());
+        unplaced_.push_back(result.get());
         applied.added.push_back(result.get());
         byFile_.emplace(change.file, std::move(result));
     }
-    if (!leftPlace && touched.empty())
-        return applied;
-    Merge(std::move(touched));
-    applied.changedList = true;
+    applied.changedList |= !applied.added.empty();
+    if (applied.changedList) {
+        numbered_ = false;
+        ++generation_;
+    }
     return applied;
 }
 
 void ResultList::SetOrder(SortOrder order) {
     order_ = std::move(order);
-    for (Result *result : inOrder_)
+    unplaced_.insert(unplaced_.end(), inOrder_.begin(), inOrder_.end());
+    inOrder_.clear();
+    for (Result *result : unplaced_)
         result->ForgetKeys();
-    Merge(std::exchange(inOrder_, {}));
+    numbered_ = false;
+    ++generation_;
 }
 
 std::size_t ResultList::PlaceOf(const Result &result) const {
@@ -87,15 +94,16 @@ void ResultList::TakeOut(std::vector<std::size_t> places) {
     inOrder_.erase(end, inOrder_.end());
 }
 
-/// Puts results to where they belong among those that are in order already.
-void ResultList::Merge(std::vector<Result *> touched) {
+void ResultList::PutInOrder() {
+    if (unplaced_.empty())
+        return;
     const auto before = [this](const Result *one, const Result *other) { return one->StandsBefore(*other, order_); };
-    std::sort(touched.begin(), touched.end(), before);
+    std::sort(unplaced_.begin(), unplaced_.end(), before);
     // Comparing is what costs: a search for each place, not a look at every result that stays where it is.
     std::vector<Result *> merged;
-    merged.reserve(inOrder_.size() + touched.size());
+    merged.reserve(inOrder_.size() + unplaced_.size());
     auto from = inOrder_.begin();
-    for (Result *result : touched) {
+    for (Result *result : unplaced_) {
         // In strides that double, for the next place is not far when many results come at once.
         std::ptrdiff_t stride = 1;
         while (stride < inOrder_.end() - from && !before(result, from[stride]))
@@ -108,8 +116,7 @@ void ResultList::Merge(std::vector<Result *> touched) {
     }
     merged.insert(merged.end(), from, inOrder_.end());
     inOrder_ = std::move(merged);
-    numbered_ = false;
-    ++generation_;
+    unplaced_ = {};
 }
 
 void ResultList::Renumber() {

@@ -1,4 +1,5 @@
-// The results of a query in their order. It changes a batch at a time and stands still in between.
+// The results of a query in their order. It changes a batch at a time and stands still in between. What is new gets its
+// place when somebody asks for the order: while a query gathers, that is seldom.
 #pragma once
 
 #include "simulator/macos/CoreServices/metadata/items/identity_hash.h"
@@ -28,9 +29,12 @@ public:
     explicit ResultList(std::vector<std::string> names) : names_(std::move(names)) {}
 
     const std::vector<std::string> &Names() const { return names_; }
-    std::size_t Count() const { return inOrder_.size(); }
+    std::size_t Count() const { return byFile_.size(); }
     bool Contains(const FileIdentity &file) const { return byFile_.contains(file); }
-    Result &At(std::size_t index) { return *inOrder_[index]; }
+    Result &At(std::size_t index) {
+        PutInOrder();
+        return *inOrder_[index];
+    }
     /// kCFNotFound when the file is no result.
     CFIndex IndexOf(const FileIdentity &file);
 
@@ -47,13 +51,14 @@ public:
 private:
     std::size_t PlaceOf(const Result &result) const;
     void TakeOut(std::vector<std::size_t> places);
-    void Merge(std::vector<Result *> touched);
+    void PutInOrder();
     void Renumber();
 
     std::vector<std::string> names_;
     SortOrder order_;
     std::unordered_map<FileIdentity, std::unique_ptr<Result>, IdentityHash> byFile_;
     std::vector<Result *> inOrder_;
+    std::vector<Result *> unplaced_; // those that have no place in the order yet
     bool numbered_ = true;
     std::uint64_t lastArrival_ = 0;
     std::uint64_t generation_ = 0;
