@@ -12,7 +12,9 @@ import json
 import os
 import queue
 import random
+import shutil
 import sys
+import tempfile
 import time
 from concurrent.futures import ProcessPoolExecutor, ThreadPoolExecutor, as_completed
 from dataclasses import asdict
@@ -61,9 +63,11 @@ class Run:
 
     def try_all(self, faults: list[Fault], jobs: int) -> None:
         """Tries them side by side, and says now and then how far it is."""
+        # Several runs may go on at the same time.
+        own = Path(tempfile.mkdtemp(prefix="jobs-", dir=self._workshop.work))
         folders: queue.SimpleQueue[Path] = queue.SimpleQueue()
         for job in range(jobs):
-            folders.put(self._workshop.work / f"job-{job}")
+            folders.put(own / str(job))
         said = time.monotonic()
 
         def tried(fault: Fault) -> tuple[Fault, Verdict]:
@@ -79,6 +83,7 @@ class Run:
                 if time.monotonic() - said > _OFTEN:
                     said = time.monotonic()
                     _say(f"{place} of {len(faults)} faults tried, {len(self.survivors)} survive")
+        shutil.rmtree(own)
         self.survivors.sort(key=lambda fault: (fault.file, fault.start))
 
     def _note(self, fault: Fault, verdict: Verdict) -> None:
@@ -125,7 +130,7 @@ def main() -> int:
     parser.add_argument("--sample", type=int)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=len(os.sched_getaffinity(0)))
-    options = parser.parse_args()
+    options = parser.parse_intermixed_args()
 
     tree, jobs = options.tree.resolve(), options.jobs
     work = tree / "build" / "mutate"

@@ -66,18 +66,23 @@ class Trial(unittest.TestCase):
         self.assertEqual((verdict.outcome, verdict.killer), (Outcome.KILLED, "case 11"))
         self.assertEqual(len(court.ran), 1)
 
-    def test_a_survivor_was_tried_by_all_cases_and_from_inside(self) -> None:
+    def test_a_survivor_was_tried_by_all_short_cases_and_from_inside(self) -> None:
         court = MadeUpCourt(MadeUpWorkshop(), _cases(20))
         self.assertEqual(court.tried(_FAULT, Path("job")).outcome, Outcome.SURVIVED)
         self.assertIn("case 29", court.ran[1])
         self.assertIn("inside", court.ran[2])
 
     def test_cases_that_take_long_come_last(self) -> None:
-        cases = [Case("host-tests", "long", 9, {"host/a.cpp": {12}}), *_cases(20)]
+        cases = [Case("host-tests", "long", 2, {"host/a.cpp": {12}}), *_cases(20)]
         court = MadeUpCourt(MadeUpWorkshop(), cases)
         court.tried(_FAULT, Path("job"))
-        self.assertNotIn("long", court.ran[1])
+        self.assertNotIn("long", court.ran[0] + court.ran[1])
         self.assertIn("long", court.ran[2])
+
+    def test_what_takes_more_time_than_a_fault_has_is_not_run(self) -> None:
+        court = MadeUpCourt(MadeUpWorkshop(), [Case("host-tests", "endless", 9, {"host/a.cpp": {12}}), *_cases(20)])
+        self.assertEqual(court.tried(_FAULT, Path("job")).outcome, Outcome.SURVIVED)
+        self.assertNotIn("endless", "".join(court.ran))
 
     def test_what_only_a_test_from_inside_notices_is_counted_apart(self) -> None:
         court = MadeUpCourt(MadeUpWorkshop(), _cases(1), "inside")

@@ -14,9 +14,11 @@ from reach import Case, cases_for, chosen
 from workshop import Workshop
 
 # So many cases are run before it is looked whether the fault makes any difference at all; those that take longer than
-# so many seconds are run last.
+# so many seconds are run last. Of processor time a fault has so much: what runs at every start is reached by every test,
+# and those that come nearest to it are enough. What they miss counts as a survivor.
 _FIRST = 16
 _LONG = 0.2
+_MOST = 4.0
 _AGAIN = re.compile(r"^again: .* -tc='(.*)'$", re.MULTILINE)
 _QUIET = {"ASAN_OPTIONS": "symbolize=0", "UBSAN_OPTIONS": "symbolize=0"}
 
@@ -56,10 +58,8 @@ class Court:
         library = self._workshop.link_library(made, folder)
         last = self._last_killer(fault)
         cases = cases_for(fault, self._cases)
-        first = [case for case in self._cases if case.title == last] or cases[:_FIRST]
-        short = [case for case in cases if case.seconds <= _LONG]
-        long = [case for case in cases if case.seconds > _LONG]
-        for batch in (first, short, long):
+        first = [case for case in self._cases if case.title == last] or [case for case in cases if case.seconds <= _LONG][:_FIRST]
+        for batch in (first, *_rest(cases, first)):
             failed, killer = self._fails(batch, library)
             if failed:
                 return Verdict(Outcome.KILLED, killer)
@@ -80,7 +80,7 @@ class Court:
             program = self._workshop.build / "bin" / name
             titles = chosen([case.title for case in mine])
             command = [str(program), "--plugin", str(library), "--abort-after=1", titles]
-            ran = self._run(command, 5 + 4 * sum(case.seconds for case in mine))
+            ran = self._run(command, 3 + 3 * sum(case.seconds for case in mine))
             if ran.returncode != 0:
                 said = _AGAIN.findall(ran.stdout.decode(errors="replace"))
                 return True, next((case.title for case in mine if said and _same(case.title, said[-1])), "")
@@ -94,6 +94,19 @@ class Court:
             return subprocess.run(limited, env=environment, capture_output=True, check=False, timeout=60 + 20 * seconds)
         except subprocess.TimeoutExpired:
             return subprocess.CompletedProcess(command, 1, b"", b"")
+
+
+def _rest(cases: list[Case], first: list[Case]) -> tuple[list[Case], list[Case]]:
+    """What is run behind the first ones, short ones before long ones, for as long as a fault has time."""
+    short: list[Case] = []
+    long: list[Case] = []
+    left = _MOST
+    for batch, wanted in ((short, False), (long, True)):
+        for case in cases:
+            if case not in first and (case.seconds > _LONG) == wanted and case.seconds <= left:
+                left -= case.seconds
+                batch.append(case)
+    return short, long
 
 
 def _same(title: str, pattern: str) -> bool:
