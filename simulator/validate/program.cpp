@@ -12,7 +12,7 @@ constexpr std::string_view kHost = "host ";
 constexpr std::string_view kSystem = "system ";
 constexpr int kDeepest = 6;
 
-SessionOptions Options(const std::filesystem::path &library, host::HostOptions host) {
+SessionOptions OptionsFor(const std::filesystem::path &library, host::HostOptions host) {
     SessionOptions options;
     options.plugin = library;
     options.host = std::move(host);
@@ -30,7 +30,7 @@ std::string OneLine(std::string text) {
 bool IsCall(std::string_view line) { return line.starts_with(kHost) || line.starts_with(kSystem); }
 
 Program::Program(const Subject &subject, const std::filesystem::path &library, host::HostOptions options)
-    : random_(subject.seed), session_(std::make_unique<Session>(Options(library, std::move(options)))) {
+    : random_(subject.seed), session_(std::make_unique<Session>(OptionsFor(library, std::move(options)))) {
     const auto entryPoint = session_->Plugin().EntryPoint();
     tracer_ =
         std::make_unique<CallTracer>(library, reinterpret_cast<const void *>(entryPoint),

@@ -1,5 +1,6 @@
 // The order in which a conversion calls the host and the system, with what it tells them: what is held while it is
 // read, what is given up when, and what reaches a service unchanged.
+#include "tests/convert/dictionary_methods.h"
 #include "tests/convert/value_session.h"
 #include "tests/support/call_log.h"
 #include "tests/support/temporary_folder.h"
@@ -20,6 +21,9 @@ using tests::CoreDictionary;
 using tests::CoreInteger;
 using tests::CoreText;
 using tests::CoreValue;
+using tests::kGetter;
+using tests::kKeyGetter;
+using tests::kSetter;
 using tests::TemporaryFolder;
 using tests::ValueSession;
 
@@ -31,9 +35,6 @@ const std::string kLoadConstructor = "REALLoadObjectMethod(Date, \"Year as Integ
 const std::string kLoadSetter = "\"Value(key As Variant, Assigns _value As Variant)\")";
 const std::string kLoadGetter = "\"Value(key As Variant) As Variant\")";
 const std::string kLoadKeyGetter = "\"Key(index As Integer) As Variant\")";
-const std::string kSetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
-const std::string kGetter = "Dictionary.Value(key As Variant) As Variant";
-const std::string kKeyGetter = "Dictionary.Key(index As Integer) As Variant";
 
 } // namespace
 

@@ -1,4 +1,5 @@
 // Dictionaries in both directions: every pair, nested ones, and the methods that are looked up once per dictionary.
+#include "tests/convert/dictionary_methods.h"
 #include "tests/convert/value_session.h"
 
 #include <doctest/doctest.h>
@@ -12,13 +13,12 @@ using tests::CoreInteger;
 using tests::CoreNull;
 using tests::CoreText;
 using tests::CoreValue;
+using tests::kGetter;
+using tests::kKeyGetter;
+using tests::kSetter;
 using tests::ValueSession;
 
 namespace {
-
-constexpr const char *kSetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
-constexpr const char *kGetter = "Dictionary.Value(key As Variant) As Variant";
-constexpr const char *kKeyGetter = "Dictionary.Key(index As Integer) As Variant";
 
 /// The methods that were loaded, in order.
 std::vector<std::string> Loaded(ValueSession &session) {
@@ -113,7 +113,9 @@ TEST_CASE("The value is converted before the key") {
     session.Host().ClearLog();
     session.ToHost(CoreDictionary({{tests::CoreTruth(true), CoreInteger(700)}}));
     const std::vector<std::string> names = session.Host().CallNames();
-    const auto at = [&](const char *name) { return std::find(names.begin(), names.end(), name) - names.begin(); };
+    const auto at = [&](const std::string &name) {
+        return std::find(names.begin(), names.end(), name) - names.begin();
+    };
     CHECK(at("IntegerToVariant") < at("BooleanToVariant"));
     CHECK(at("BooleanToVariant") < at(kSetter));
 }

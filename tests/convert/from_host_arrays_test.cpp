@@ -1,4 +1,5 @@
 // Host arrays on their way to Core Foundation, on hosts of every age, whole and while they shrink.
+#include "tests/convert/array_hosts.h"
 #include "tests/convert/value_session.h"
 
 #include <doctest/doctest.h>
@@ -8,25 +9,18 @@
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Value;
+using tests::ArrayHost;
 using tests::CoreValue;
+using tests::kArrayHostNames;
 using tests::ValueSession;
 
 namespace {
 
-HostOptions Hosts(int which) {
-    HostOptions options;
-    options.version = which < 2 ? 2013.04 : 2016.0;
-    options.directArrayStorage = which == 0;
-    return options;
-}
-
-const char *const kHostNames[] = {"a host that shows its elements", "a host without direct elements", "a host of 2016"};
-
 /// Runs a check on hosts of every age.
 template <class Check> void OnEveryHost(Check check) {
     for (int which = 0; which < 3; which++) {
-        SUBCASE(kHostNames[which]) {
-            ValueSession session(Hosts(which));
+        SUBCASE(kArrayHostNames[which]) {
+            ValueSession session(ArrayHost(which));
             check(session);
         }
     }
@@ -185,8 +179,8 @@ TEST_CASE("Elements that the host gives no getter for are null or zero") {
 
 TEST_CASE("Where the upper bound cannot be told it counts as 0") {
     for (int which = 0; which < 3; which++) {
-        SUBCASE(kHostNames[which]) {
-            HostOptions options = Hosts(which);
+        SUBCASE(kArrayHostNames[which]) {
+            HostOptions options = ArrayHost(which);
             options.withheld = {"RuntimeUBound"};
             ValueSession session(options);
             CHECK(session.TextInCore(session.Host().NewArray("string", {"a", "b"})) == "[\"a\"]");

@@ -1,4 +1,5 @@
 // Host dictionaries on their way to Core Foundation.
+#include "tests/convert/dictionary_methods.h"
 #include "tests/convert/value_session.h"
 
 #include <doctest/doctest.h>
@@ -8,13 +9,12 @@
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Value;
+using tests::kGetter;
+using tests::kKeyGetter;
+using tests::kSetter;
 using tests::ValueSession;
 
 namespace {
-
-constexpr const char *kSetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
-constexpr const char *kGetter = "Dictionary.Value(key As Variant) As Variant";
-constexpr const char *kKeyGetter = "Dictionary.Key(index As Integer) As Variant";
 
 int32_t LoadedGroups(const ValueSession &session) {
     const auto &requests = const_cast<ValueSession &>(session).Host().Requests();

@@ -79,7 +79,7 @@ std::vector<Used> ServicesUsed(const HostKind &kind) {
 }
 
 /// Runs a check on hosts of every kind.
-template <class Check> void OnEveryHost(Check check) {
+template <class Check> void OnEachKindOfHost(Check check) {
     for (const HostKind &kind : kHostKinds)
         SUBCASE(kind.name) { check(kind); }
 }
@@ -87,7 +87,7 @@ template <class Check> void OnEveryHost(Check check) {
 } // namespace
 
 TEST_CASE("Both directions over every kind of value leave every reference where it was") {
-    OnEveryHost([](const HostKind &kind) {
+    OnEachKindOfHost([](const HostKind &kind) {
         Values values(kind);
         const auto before = ledger::Take();
         for (int i = 0; i < 3; i++)
@@ -98,7 +98,7 @@ TEST_CASE("Both directions over every kind of value leave every reference where 
 }
 
 TEST_CASE("Each creation of the system failing in turn leaves every reference where it was, and raises nothing") {
-    OnEveryHost([](const HostKind &kind) {
+    OnEachKindOfHost([](const HostKind &kind) {
         Values values(kind);
         size_t n = 0;
         for (bool hasFailed = true; hasFailed;) {
@@ -115,7 +115,7 @@ TEST_CASE("Each creation of the system failing in turn leaves every reference wh
 }
 
 TEST_CASE("All creations of one kind failing at once leave every reference where it was") {
-    OnEveryHost([](const HostKind &kind) {
+    OnEachKindOfHost([](const HostKind &kind) {
         Values values(kind);
         for (const std::string &function : sim::macos::faults::Names()) {
             CAPTURE(function);
@@ -128,7 +128,7 @@ TEST_CASE("All creations of one kind failing at once leave every reference where
 }
 
 TEST_CASE("Each host service missing in turn: no crash, no leak, nothing given up once too often") {
-    OnEveryHost([](const HostKind &kind) {
+    OnEachKindOfHost([](const HostKind &kind) {
         const auto used = ServicesUsed(kind);
         CHECK(used.size() > 30);
         for (const Used &one : used) {
@@ -154,7 +154,7 @@ TEST_CASE("Each host service missing in turn: no crash, no leak, nothing given u
 }
 
 TEST_CASE("Each single call of a host service giving nothing leaves every reference where it was") {
-    OnEveryHost([](const HostKind &kind) {
+    OnEachKindOfHost([](const HostKind &kind) {
         const auto used = ServicesUsed(kind);
         Values values(kind);
         for (const Used &one : used) {
@@ -176,7 +176,7 @@ TEST_CASE("Each single call of a host service giving nothing leaves every refere
 
 TEST_CASE("A C++ exception from any call of a host service passes through and leaves every reference where it was") {
     struct Thrown {};
-    OnEveryHost([](const HostKind &kind) {
+    OnEachKindOfHost([](const HostKind &kind) {
         const auto used = ServicesUsed(kind);
         Values values(kind);
         for (const Used &one : used) {

@@ -1,5 +1,6 @@
 // Core Foundation arrays on their way to the host, and how elements are stored on hosts of every age.
 #include "simulator/host/ground/stop.h"
+#include "tests/convert/array_hosts.h"
 #include "tests/convert/value_session.h"
 
 #include <doctest/doctest.h>
@@ -8,23 +9,15 @@
 
 using sim::host::HostOptions;
 using sim::host::Object;
+using tests::ArrayHost;
 using tests::CoreArray;
 using tests::CoreInteger;
 using tests::CoreText;
 using tests::CoreValue;
+using tests::kArrayHostNames;
 using tests::ValueSession;
 
 namespace {
-
-/// Hosts that show their element table, hide it, or are too new to have one.
-HostOptions Hosts(int which) {
-    HostOptions options;
-    options.version = which < 2 ? 2013.04 : 2016.0;
-    options.directArrayStorage = which == 0;
-    return options;
-}
-
-const char *const kHostNames[] = {"a host that shows its elements", "a host without direct elements", "a host of 2016"};
 
 CoreValue Mixed() {
     return CoreArray({CoreText("a"), tests::CoreNull(), CoreInteger(7), CoreArray({tests::CoreTruth(true)})});
@@ -34,8 +27,8 @@ CoreValue Mixed() {
 
 TEST_CASE("A CFArray becomes an array of its converted elements, nil ones keeping their places") {
     for (int which = 0; which < 3; which++) {
-        SUBCASE(kHostNames[which]) {
-            ValueSession session(Hosts(which));
+        SUBCASE(kArrayHostNames[which]) {
+            ValueSession session(ArrayHost(which));
             CHECK(session.TextInHost(Mixed()) == "[\"a\", nil, Integer 7, [true]]");
             CHECK(session.TakeException() == "");
         }
@@ -59,8 +52,8 @@ TEST_CASE("The host array is made in one piece for objects, with the upper bound
 
 TEST_CASE("Each element has exactly one reference, the array's") {
     for (int which = 0; which < 3; which++) {
-        SUBCASE(kHostNames[which]) {
-            ValueSession session(Hosts(which));
+        SUBCASE(kArrayHostNames[which]) {
+            ValueSession session(ArrayHost(which));
             const Object array = session.ToHost(CoreArray({tests::CoreDate(0), tests::CoreDate(1)})).As<Object>();
             for (int32_t i = 0; i < 2; i++) {
                 const Object element = array.At(i).As<Object>();
@@ -111,8 +104,8 @@ TEST_CASE("Where no array can be made a CFArray gives nil") {
 
 TEST_CASE("An element beyond the array's present upper bound raises and is not stored; the rest goes on") {
     for (int which = 0; which < 3; which++) {
-        SUBCASE(kHostNames[which]) {
-            ValueSession session(Hosts(which));
+        SUBCASE(kArrayHostNames[which]) {
+            ValueSession session(ArrayHost(which));
             const CoreValue three = CoreArray({CoreInteger(1), CoreInteger(2), CoreInteger(3)});
             // Without an answer the upper bound is 0.
             session.Host().ReturnNothing("RuntimeUBound");
@@ -132,7 +125,7 @@ TEST_CASE("An element beyond the array's present upper bound raises and is not s
 TEST_CASE(
     "Where the host adds no references, nothing is stored in place: the set function is asked, whatever its age") {
     for (int which = 0; which < 3; which++) {
-        HostOptions options = Hosts(which);
+        HostOptions options = ArrayHost(which);
         options.withheld = {"REALLockObject"};
         ValueSession session(options);
         CHECK(session.TextInHost(CoreArray({CoreInteger(1), CoreInteger(2)})) == "[Integer 1, Integer 2]");
@@ -166,7 +159,7 @@ TEST_CASE("The set function gets the array, the element and the index, and a hos
 
 TEST_CASE("Where the host cannot tell upper bounds a list gives nil and nothing is raised, unless it is empty") {
     for (int which = 0; which < 3; which++) {
-        HostOptions options = Hosts(which);
+        HostOptions options = ArrayHost(which);
         options.withheld = {"RuntimeUBound"};
         ValueSession session(options);
         CHECK(session.ToHost(CoreArray({CoreInteger(1)})).IsNil());
@@ -179,8 +172,8 @@ TEST_CASE("Where the host cannot tell upper bounds a list gives nil and nothing 
 
 TEST_CASE("An element without a host form leaves its slot nil, on hosts of every age") {
     for (int which = 0; which < 3; which++) {
-        SUBCASE(kHostNames[which]) {
-            ValueSession session(Hosts(which));
+        SUBCASE(kArrayHostNames[which]) {
+            ValueSession session(ArrayHost(which));
             CHECK(session.TextInHost(CoreArray({tests::CoreInstance("CGImage"), tests::CoreNull(), CoreText("")})) ==
                   "[nil, nil, nil]");
         }

@@ -16,7 +16,7 @@ using tests::TestSession;
 
 namespace {
 
-HostOptions WithoutCFStrings(double version) {
+HostOptions NotOfferingCFStrings(double version) {
     HostOptions options = tests::OfVersion(version);
     options.offersCFStrings = false;
     return options;
@@ -42,17 +42,17 @@ TEST_CASE("A string that the host makes a CFString of is used and released, and 
 }
 
 TEST_CASE("A string that is read in place is held before and given up behind the making of the CFString") {
-    CHECK(CallsOfReading(WithoutCFStrings(2013.04), {"abc"}) ==
+    CHECK(CallsOfReading(NotOfferingCFStrings(2013.04), {"abc"}) ==
           CallLines{"REALGetStringEncoding(\"abc\")", "REALLockString(\"abc\")",
                     "CFStringCreateWithBytes(3, 134217984, true)", "REALUnlockString(\"abc\")",
                     "HISearchWindowShow(\"abc\", 0)", "CFRelease(\"abc\")"});
-    CHECK(CallsOfReading(WithoutCFStrings(2011.4), {{"a\0b\0", 4}, kUTF16}) ==
+    CHECK(CallsOfReading(NotOfferingCFStrings(2011.4), {{"a\0b\0", 4}, kUTF16}) ==
           CallLines{"REALGetStringEncoding(\"ab\")", "REALLockString(\"ab\")", "CFStringCreateWithCharacters(2)",
                     "REALUnlockString(\"ab\")", "HISearchWindowShow(\"ab\", 0)", "CFRelease(\"ab\")"});
 }
 
 TEST_CASE("From 2016.0 on length and bytes are asked for before the string is held") {
-    CHECK(CallsOfReading(WithoutCFStrings(2016.0), {"abc"}) ==
+    CHECK(CallsOfReading(NotOfferingCFStrings(2016.0), {"abc"}) ==
           CallLines{"REALGetStringEncoding(\"abc\")", "LenB( s as string ) as integer(\"abc\")",
                     "StringGetCString(\"abc\")", "REALLockString(\"abc\")",
                     "CFStringCreateWithBytes(3, 134217984, true)", "REALUnlockString(\"abc\")",
@@ -71,7 +71,7 @@ TEST_CASE("Any encoding number reaches Core Foundation as it is, as external tex
                 {kUTF8, "CFStringCreateWithBytes(3, 134217984, true)"}};
     AtUsualAges([&](double version) {
         for (const auto &row : rows) {
-            TestSession session(WithoutCFStrings(version));
+            TestSession session(NotOfferingCFStrings(version));
             CallLog log(session);
             tests::TextInCore(session, Text{"abc", row.encoding});
             CHECK(log.Take({"CFStringCreateWithBytes"}) == CallLines{row.call});
@@ -80,7 +80,7 @@ TEST_CASE("Any encoding number reaches Core Foundation as it is, as external tex
 }
 
 TEST_CASE("The length of a string is asked for by a function of no module") {
-    TestSession session(WithoutCFStrings(2016.0));
+    TestSession session(NotOfferingCFStrings(2016.0));
     CallLog log(session);
     tests::TextInCore(session, "abc");
     CHECK(log.Take({"REALLoadGlobalMethod"}) ==

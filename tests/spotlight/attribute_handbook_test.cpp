@@ -14,19 +14,19 @@ using namespace tests;
 
 namespace {
 
-struct Row {
+struct HandbookRow {
     std::string key, type, several, since, host, sample, query;
 };
 
-std::vector<Row> ReadHandbook() {
+std::vector<HandbookRow> ReadHandbook() {
     std::ifstream file(ATTRIBUTE_HANDBOOK);
     std::string line;
     REQUIRE(std::getline(file, line));
     REQUIRE(line == "key\ttype\tseveral\tsince\thost\tsample\tquery");
-    std::vector<Row> rows;
+    std::vector<HandbookRow> rows;
     while (std::getline(file, line)) {
         std::istringstream cells(line);
-        Row row;
+        HandbookRow row;
         for (std::string *cell : {&row.key, &row.type, &row.several, &row.since, &row.host, &row.sample, &row.query})
             std::getline(cells, *cell, '\t');
         rows.push_back(row);
@@ -46,7 +46,7 @@ CFRef<CFTypeRef> MomentOf(const std::string &text) {
     return CFRef<CFTypeRef>::Adopt(CFDateCreate(kCFAllocatorDefault, CFGregorianDateGetAbsoluteTime(date, nullptr)));
 }
 
-CFRef<CFTypeRef> NumberOf(const std::string &text) {
+CFRef<CFTypeRef> SampleNumber(const std::string &text) {
     if (text.find('.') != std::string::npos) {
         const double real = std::stod(text);
         return CFRef<CFTypeRef>::Adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberFloat64Type, &real));
@@ -55,7 +55,7 @@ CFRef<CFTypeRef> NumberOf(const std::string &text) {
     return CFRef<CFTypeRef>::Adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, &whole));
 }
 
-CFRef<CFTypeRef> ListOf(std::string text) {
+CFRef<CFTypeRef> SampleList(std::string text) {
     const auto list = CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks);
     for (size_t end = 0; end != std::string::npos; text.erase(0, end + 2)) {
         end = text.find("; ");
@@ -66,15 +66,15 @@ CFRef<CFTypeRef> ListOf(std::string text) {
     return CFRef<CFTypeRef>::Adopt(list);
 }
 
-CFRef<CFTypeRef> SampleOf(const Row &row) {
+CFRef<CFTypeRef> SampleOf(const HandbookRow &row) {
     if (row.type == "Boolean")
         return CFRef<CFTypeRef>::Adopt(CFRetain(row.sample == "true" ? kCFBooleanTrue : kCFBooleanFalse));
     if (row.type == "Number")
-        return NumberOf(row.sample);
+        return SampleNumber(row.sample);
     if (row.type == "Date")
         return MomentOf(row.sample);
     if (row.several == "yes")
-        return ListOf(row.sample);
+        return SampleList(row.sample);
     // Where no type is stated there is no sample; any value is one that the file has.
     return CFRef<CFTypeRef>::Adopt(CFRetain(MakeString(row.sample.empty() ? "anything" : row.sample).Get()));
 }
@@ -100,13 +100,13 @@ std::string KindOf(QueryProgram &program, const Value &value) {
 
 TEST_CASE("Each query of the attribute handbook finds the sample of its row and no other, and the host gets what the "
           "row says") {
-    const std::vector<Row> rows = ReadHandbook();
+    const std::vector<HandbookRow> rows = ReadHandbook();
     REQUIRE(rows.size() == 169);
     AtAges({2011.4, 2016.1}, [&](double version) {
         QueryProgram program(version);
-        for (const Row &row : rows)
+        for (const HandbookRow &row : rows)
             program.store.Set(program.Add(row.key), row.key, SampleOf(row).Get());
-        for (const Row &row : rows) {
+        for (const HandbookRow &row : rows) {
             CAPTURE(row.key);
             const auto file = program.FileNamed(row.key);
             Object item = program.NewItem(file);

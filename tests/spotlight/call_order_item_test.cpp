@@ -1,6 +1,7 @@
 // What each method of an item, each schema look-up and each key does, call by call.
 #include <doctest/doctest.h>
 
+#include "tests/spotlight/support/asked_texts.h"
 #include "tests/spotlight/support/query_program.h"
 #include "tests/support/call_log.h"
 #include "tests/support/plugin_watch.h"
@@ -9,12 +10,8 @@ using namespace tests;
 
 namespace {
 
-constexpr const char *kAsk = "REALGetStringCFString";
-
-std::string Asked(const std::string &text) { return std::string(kAsk) + "(\"" + text + "\", 0)"; }
-
-struct OneItem : QueryProgram {
-    OneItem() { item = NewItem(Add("a")); }
+struct ItemAlone : QueryProgram {
+    ItemAlone() { item = NewItem(Add("a")); }
     Object item;
 };
 
@@ -86,7 +83,7 @@ TEST_CASE("Without an item a method raises and does nothing else, and the three 
 }
 
 TEST_CASE("For a name that does not convert no attribute is asked for") {
-    OneItem program;
+    ItemAlone program;
     CallLog log(program);
     for (const char *method : {"GetAttribute", "AttributeString", "AttributeBoolean", "AttributeDouble"}) {
         CAPTURE(method);
@@ -100,7 +97,7 @@ TEST_CASE("For a name that does not convert no attribute is asked for") {
 }
 
 TEST_CASE("An attribute is asked for by its name, converted, and let go of, the value before the name") {
-    OneItem program;
+    ItemAlone program;
     CallLog log(program);
     program.item.Call("GetAttribute", "kMDItemFSName");
     CHECK(log.Take({kAsk, "MDItemCopyAttribute", "StringToVariant", "CFRelease"}) ==
@@ -109,7 +106,7 @@ TEST_CASE("An attribute is asked for by its name, converted, and let go of, the 
 }
 
 TEST_CASE("GetAttributes converts the names, copies, makes and fills the Dictionary, and lets go of both") {
-    OneItem program;
+    ItemAlone program;
     CallLog log(program);
     const auto attributes = program.item.Call<Object>("GetAttributes", program.Strings({"kMDItemFSName"}));
     CHECK(log.Take({"CFArrayCreateMutable", "MDItemCopyAttributes", "PluginNewInstance", "CFDictionaryApplyFunction",
@@ -122,7 +119,7 @@ TEST_CASE("GetAttributes converts the names, copies, makes and fills the Diction
 }
 
 TEST_CASE("AttributeNames makes its array, copies the names, fills it, and lets the names go") {
-    OneItem program;
+    ItemAlone program;
     CallLog log(program);
     const auto names = program.item.Get<Object>("AttributeNames");
     const CallLines lines = log.Take(
@@ -135,7 +132,7 @@ TEST_CASE("AttributeNames makes its array, copies the names, fills it, and lets 
 }
 
 TEST_CASE("A typed attribute of the wrong type raises once, behind which everything is let go") {
-    OneItem program;
+    ItemAlone program;
     CallLog log(program);
     program.item.Call<double>("AttributeDouble", "kMDItemFSName");
     CHECK(program.TakeException() == "RuntimeException: Wrong type used for getting attribute value.");
@@ -145,7 +142,7 @@ TEST_CASE("A typed attribute of the wrong type raises once, behind which everyth
 }
 
 TEST_CASE("Each property asks the item once, for its own key") {
-    OneItem program;
+    ItemAlone program;
     CallLog log(program);
     for (const char *property : {"DisplayName", "FSName", "Path", "FSSize"}) {
         CAPTURE(property);
@@ -156,7 +153,7 @@ TEST_CASE("Each property asks the item once, for its own key") {
 }
 
 TEST_CASE("The destructor of an item object lets go of the item and then of the Tag") {
-    OneItem program;
+    ItemAlone program;
     program.item.Set("Tag", program.Host().NewDate({.year = 2014}));
     CallLog log(program);
     program.item.Release();
@@ -166,7 +163,7 @@ TEST_CASE("The destructor of an item object lets go of the item and then of the 
 TEST_CASE("While an item object gives up its Tag it has no item any more, and at its end it has neither") {
     for (const bool canUnlock : {true, false}) {
         CAPTURE(canUnlock);
-        OneItem program;
+        ItemAlone program;
         program.item.Set("Tag", program.Host().NewDate({.year = 2014}));
         const auto *const words = static_cast<const uint32_t *>(program.item.Data());
         bool hadItem = false;

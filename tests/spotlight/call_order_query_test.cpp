@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "simulator/macos/control/environment.h"
+#include "tests/spotlight/support/asked_texts.h"
 #include "tests/spotlight/support/query_program.h"
 #include "tests/support/call_log.h"
 
@@ -12,12 +13,6 @@ namespace environment = sim::macos::environment;
 
 namespace {
 
-const std::string kText = "kMDItemFSName == '*'";
-const std::string kQuotedText = '"' + kText + '"';
-
-constexpr const char *kAsk = "REALGetStringCFString";
-
-std::string Asked(const std::string &text) { return std::string(kAsk) + "(\"" + text + "\", 0)"; }
 std::string Observed(const std::string &notification) {
     return "CFNotificationCenterAddObserver(\"" + notification + "\", MDQuery, 4)";
 }

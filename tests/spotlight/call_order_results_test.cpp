@@ -1,6 +1,7 @@
 // What the methods that read a query do, call by call, and how its scope is set.
 #include <doctest/doctest.h>
 
+#include "tests/spotlight/support/asked_texts.h"
 #include "tests/spotlight/support/query_program.h"
 #include "tests/support/call_log.h"
 
@@ -8,16 +9,9 @@ using namespace tests;
 
 namespace {
 
-const std::string kText = "kMDItemFSName == '*'";
-const std::string kQuotedText = '"' + kText + '"';
-
-constexpr const char *kAsk = "REALGetStringCFString";
-
-std::string Asked(const std::string &text) { return std::string(kAsk) + "(\"" + text + "\", 0)"; }
-
 /// A query of two files that has gathered, and a log that begins behind that.
-struct TwoResults : QueryProgram {
-    explicit TwoResults(double version = 2013.04) : QueryProgram(version) {
+struct TwoGathered : QueryProgram {
+    explicit TwoGathered(double version = 2013.04) : QueryProgram(version) {
         Add({"a", "b"});
         query = NewQuery(kText, {"kMDItemFSName"}, {"kMDItemFSName"});
         Gather(query);
@@ -28,7 +22,7 @@ struct TwoResults : QueryProgram {
 } // namespace
 
 TEST_CASE("A list of attributes is made before the framework is asked, filled, and the framework's let go") {
-    TwoResults program;
+    TwoGathered program;
     const struct {
         const char *property;
         const char *call;
@@ -46,7 +40,7 @@ TEST_CASE("A list of attributes is made before the framework is asked, filled, a
 }
 
 TEST_CASE("QueryString is copied, built for the host, and the framework's let go") {
-    TwoResults program;
+    TwoGathered program;
     CallLog log(program);
     program.query.Get<std::string>("QueryString");
     CHECK(log.Take({"MDQueryCopyQueryString", "REALBuildString", "CFRelease"}) ==
@@ -54,7 +48,7 @@ TEST_CASE("QueryString is copied, built for the host, and the framework's let go
 }
 
 TEST_CASE("Results makes its array first, counts, and makes, inserts and gives up each object in its turn") {
-    TwoResults program;
+    TwoGathered program;
     CallLog log(program);
     const auto results = program.query.Call<Object>("Results", -1);
     CallLines lines = log.Take();
@@ -68,7 +62,7 @@ TEST_CASE("Results makes its array first, counts, and makes, inserts and gives u
 }
 
 TEST_CASE("An item object has its item before it is handed on, and an instance that is not made retains nothing") {
-    TwoResults program;
+    TwoGathered program;
     CallLog log(program);
     program.query.Call<Object>("ResultAtIndex", 0);
     CallLines lines = log.Take();
@@ -82,7 +76,7 @@ TEST_CASE("An item object has its item before it is handed on, and an instance t
 }
 
 TEST_CASE("ValuesOfAttribute makes its array, converts the name, asks, and converts, inserts and gives up each value") {
-    TwoResults program;
+    TwoGathered program;
     CallLog log(program);
     const auto values = program.query.Call<Object>("ValuesOfAttribute", "kMDItemFSName");
     CHECK(log.Take({"RuntimeArrayCreateSingleDimBoundedArray", kAsk, "MDQueryCopyValuesOfAttribute", "StringToVariant",
@@ -116,7 +110,7 @@ TEST_CASE("A scope is made for twenty, filled with folders and then names, each 
 }
 
 TEST_CASE("CountOfResultsWithAttributeValue and AttributeValueOfResultAtIndex let go of what they converted") {
-    TwoResults program;
+    TwoGathered program;
     CallLog log(program);
     CHECK(program.query.Call<uint32_t>("CountOfResultsWithAttributeValue", "kMDItemFSName", "a") == 1);
     CallLines lines = log.Take({"MDQueryGetCountOfResultsWithAttributeValue", "CFRelease"});

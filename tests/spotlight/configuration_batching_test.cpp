@@ -8,14 +8,14 @@ using namespace tests;
 
 namespace {
 
-constexpr const char *kProperties[] = {"firstMaxNum",   "firstMaxMS",   "progressMaxNum",
+constexpr const char *kSixNumbers[] = {"firstMaxNum",   "firstMaxMS",   "progressMaxNum",
                                        "progressMaxMS", "updateMaxNum", "updateMaxMS"};
 
 using Six = std::vector<int32_t>;
 
 Six SixOf(const Object &parameters) {
     Six six;
-    for (const char *property : kProperties)
+    for (const char *property : kSixNumbers)
         six.push_back(parameters.Get<int32_t>(property));
     return six;
 }

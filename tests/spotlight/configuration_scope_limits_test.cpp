@@ -23,7 +23,7 @@ Names Numbered(int32_t from, int32_t count) {
     return texts;
 }
 
-Names ScopeOf(const Object &query) { return TextsIn(sim::macos::SearchScopeOf(QueryOf(query))); }
+Names EntriesOf(const Object &query) { return TextsIn(sim::macos::SearchScopeOf(QueryOf(query))); }
 
 /// The range message for each of the indices from `first` to `last`.
 std::vector<std::string> TooBig(int32_t first, int32_t last, int32_t count) {
@@ -53,7 +53,7 @@ TEST_CASE("Twenty entries are set, of one kind or of both, and nothing is raised
             Object query = program.NewQuery();
             query.Call<void>("SetSearchScope", Folders(program, folders),
                              program.Strings(Numbered(folders, kMaximum - folders)));
-            CHECK(ScopeOf(query).size() == kMaximum);
+            CHECK(EntriesOf(query).size() == kMaximum);
             CHECK(program.Host().Raised().empty());
         }
     });
@@ -71,7 +71,7 @@ TEST_CASE("Each entry beyond the twentieth raises with its index and the count 2
                 Names expected(static_cast<size_t>(std::min(folders, kMaximum)), "file:///usr/");
                 const Names set = Numbered(0, std::min(options, kMaximum - std::min(folders, kMaximum)));
                 expected.insert(expected.end(), set.begin(), set.end());
-                CHECK(ScopeOf(query) == expected);
+                CHECK(EntriesOf(query) == expected);
                 CHECK(TakeMessages(program) == TooBig(kMaximum, folders + options - 1, kMaximum));
             }
     });
@@ -87,8 +87,8 @@ TEST_CASE("What is left out for another reason does not count towards the twenty
     for (const std::string &text : Numbered(0, 11))
         options.Append(text);
     query.Call<void>("SetSearchScope", paths, options);
-    CHECK(ScopeOf(query).size() == kMaximum);
-    CHECK(ScopeOf(query).back() == "option 9");
+    CHECK(EntriesOf(query).size() == kMaximum);
+    CHECK(EntriesOf(query).back() == "option 9");
     CHECK(TakeMessages(program) == TooBig(20, 20, kMaximum));
 }
 
@@ -99,7 +99,7 @@ TEST_CASE("An array of folder items that shrinks while it is read raises for eac
         const Object paths = program.FolderItems({"/usr", "/etc", "/usr", "/etc"});
         program.Host().Before("REALFSRefFromFolderItem", 2, [&] { paths.Resize(1); });
         query.Call<void>("SetSearchScope", paths, program.Strings({"one"}));
-        CHECK(ScopeOf(query) == Names{"file:///usr/", "file:///etc/", "one"});
+        CHECK(EntriesOf(query) == Names{"file:///usr/", "file:///etc/", "one"});
         CHECK(TakeMessages(program) == TooBig(2, 3, 2));
     });
 }
@@ -110,7 +110,7 @@ TEST_CASE("An array of folder items that is emptied while it is read raises with
     const Object paths = program.FolderItems({"/usr", "/etc"});
     program.Host().Before("REALFSRefFromFolderItem", 1, [&] { paths.Resize(-1); });
     query.Call<void>("SetSearchScope", paths, Object());
-    CHECK(ScopeOf(query) == Names{"file:///usr/"}); // read before, and held meanwhile
+    CHECK(EntriesOf(query) == Names{"file:///usr/"}); // read before, and held meanwhile
     CHECK(TakeMessages(program) == TooBig(1, 1, 0));
 }
 
@@ -126,7 +126,7 @@ TEST_CASE("A scope for which no array can be created raises nothing and sets not
             query.Call<void>("SetSearchScope", Folders(program, entries), options);
             CHECK(fault.Failed() == 1);
         }
-        CHECK(ScopeOf(query) == Names{"before"});
+        CHECK(EntriesOf(query) == Names{"before"});
         CHECK(program.Host().Raised().empty());
     }
 }
@@ -137,7 +137,7 @@ TEST_CASE("An array that grows while it is read is read as far as it reached at 
     const Object paths = program.FolderItems({"/usr"});
     program.Host().Before("REALFSRefFromFolderItem", 1, [&] { paths.Append(program.Host().NewFolderItem("/etc")); });
     query.Call<void>("SetSearchScope", paths, Object());
-    CHECK(ScopeOf(query) == Names{"file:///usr/"});
+    CHECK(EntriesOf(query) == Names{"file:///usr/"});
     CHECK(program.Host().Raised().empty());
 }
 
@@ -148,7 +148,7 @@ TEST_CASE("An array of option strings that shrinks while it is read raises for e
         const Object options = program.Strings({"one", "two", "three"});
         program.Host().Before("REALGetStringEncoding", 1, [&] { options.Resize(0); });
         query.Call<void>("SetSearchScope", program.FolderItems({"/usr"}), options);
-        CHECK(ScopeOf(query) == Names{"file:///usr/", "one"});
+        CHECK(EntriesOf(query) == Names{"file:///usr/", "one"});
         CHECK(TakeMessages(program) == TooBig(1, 2, 1));
     });
 }

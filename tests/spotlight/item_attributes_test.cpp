@@ -11,13 +11,11 @@ using namespace tests;
 
 namespace {
 
-/// Text that no CFString can hold.
-const sim::host::Text kMalformed{"\xC0\xAF", sim::host::kUTF8};
-constexpr const char *kSetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
+constexpr const char *kDictionarySetter = "Dictionary.Value(key As Variant, Assigns _value As Variant)";
 
-struct OneItem : QueryProgram {
-    explicit OneItem(HostOptions options = {}) : QueryProgram(std::move(options)) { Fill(); }
-    explicit OneItem(double version) : QueryProgram(version) { Fill(); }
+struct Letter : QueryProgram {
+    explicit Letter(HostOptions options = {}) : QueryProgram(std::move(options)) { Fill(); }
+    explicit Letter(double version) : QueryProgram(version) { Fill(); }
     void Fill() {
         file = Add("letter");
         store.SetText(file, "kMDItemTitle", "A letter");
@@ -39,7 +37,7 @@ struct OneItem : QueryProgram {
 
 TEST_CASE("GetAttribute gives the converted value of an attribute") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        Letter program(version);
         program.store.Set(program.file, "kMDItemStreamable", kCFBooleanTrue);
         const auto date = CFRef<CFDateRef>::Adopt(CFDateCreate(kCFAllocatorDefault, 425863859.9));
         program.store.Set(program.file, "kMDItemDueDate", date.Get());
@@ -57,14 +55,14 @@ TEST_CASE("GetAttribute gives the converted value of an attribute") {
 }
 
 TEST_CASE("GetAttribute of an attribute that the item lacks gives nil, without an exception") {
-    OneItem program;
+    Letter program;
     for (const char *name : {"kMDItemAlbum", "no such attribute", ""})
         CHECK(program.item.Call("GetAttribute", name).IsNil());
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("GetAttribute of a name that does not convert gives nil and does not ask for any attribute") {
-    OneItem program;
+    Letter program;
     {
         const Fault fault("MDItemCopyAttribute");
         CHECK(program.item.Call("GetAttribute", nullptr).IsNil());
@@ -75,7 +73,7 @@ TEST_CASE("GetAttribute of a name that does not convert gives nil and does not a
 }
 
 TEST_CASE("GetAttribute releases the value that it copied") {
-    OneItem program;
+    Letter program;
     const auto title = MakeString("A long enough title");
     program.store.Set(program.file, "kMDItemTitle", title.Get());
     const auto retained = CFGetRetainCount(title.Get());
@@ -85,7 +83,7 @@ TEST_CASE("GetAttribute releases the value that it copied") {
 
 TEST_CASE("GetAttributes gives a dictionary of the attributes that the item has; the others are absent from it") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        Letter program(version);
         const auto given = program.item.Call<Object>(
             "GetAttributes",
             program.Strings({"kMDItemTitle", "kMDItemAlbum", "kMDItemNumberOfPages", "kMDItemTitle", ""}));
@@ -101,20 +99,20 @@ TEST_CASE("GetAttributes gives a dictionary of the attributes that the item has;
 }
 
 TEST_CASE("GetAttributes without any name gives an empty dictionary") {
-    OneItem program;
+    Letter program;
     const auto given = program.item.Call<Object>("GetAttributes", program.Strings({}));
     REQUIRE(given);
     CHECK(given.Entries().empty());
 }
 
 TEST_CASE("GetAttributes of a nil array gives nil without an exception") {
-    OneItem program;
+    Letter program;
     CHECK(program.item.Call("GetAttributes", nullptr).IsNil());
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("GetAttributes gives nil where the framework has no names, no attributes or the host no dictionary") {
-    OneItem program;
+    Letter program;
     auto &host = program.Host();
     const auto names = program.Strings({"kMDItemTitle"});
     for (const char *call : {"CFArrayCreateMutable", "MDItemCopyAttributes"}) {
@@ -131,25 +129,25 @@ TEST_CASE("GetAttributes gives nil where the framework has no names, no attribut
 }
 
 TEST_CASE("GetAttributes on a host without the class Dictionary gives nil") {
-    OneItem program(HostOptions{.missingClasses = {"Dictionary"}});
+    Letter program(HostOptions{.missingClasses = {"Dictionary"}});
     CHECK(program.item.Call("GetAttributes", program.Strings({"kMDItemTitle"})).IsNil());
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("GetAttributes on a host that offers no new instances gives nil") {
-    OneItem program(HostOptions{.withheld = {"PluginNewInstance"}});
+    Letter program(HostOptions{.withheld = {"PluginNewInstance"}});
     CHECK(program.item.Call("GetAttributes", program.Strings({"kMDItemTitle"})).IsNil());
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("Each dictionary that GetAttributes gives loads its methods afresh, also at the address of a dead one") {
-    OneItem program(HostOptions{.reuseAddresses = true});
+    Letter program(HostOptions{.reuseAddresses = true});
     const auto names = program.Strings({"kMDItemTitle", "kMDItemNumberOfPages"});
     void *address = nullptr;
     for (int32_t loads = 1; loads <= 3; loads++) {
         const auto given = program.item.Call<Object>("GetAttributes", names);
         CHECK(given.Entries().size() == 2);
-        CHECK(program.Host().RequestCount(kSetter) == loads);
+        CHECK(program.Host().RequestCount(kDictionarySetter) == loads);
         if (address)
             CHECK(given.Address() == address);
         address = given.Address();
@@ -157,7 +155,7 @@ TEST_CASE("Each dictionary that GetAttributes gives loads its methods afresh, al
 }
 
 TEST_CASE("GetAttributes converts dictionaries among the attributes and goes on with its own") {
-    OneItem program;
+    Letter program;
     const auto inner = CFRef<CFMutableDictionaryRef>::Adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     CFDictionarySetValue(inner.Get(), MakeString("in").Get(), kCFBooleanTrue);
@@ -177,7 +175,7 @@ TEST_CASE("GetAttributes converts dictionaries among the attributes and goes on 
 
 TEST_CASE("AttributeNames gives the names that the framework has, in its order") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        Letter program(version);
         const auto names = program.item.Call<Object>("AttributeNames");
         REQUIRE(names);
         CHECK(names.ClassName() == "string()");
@@ -189,7 +187,7 @@ TEST_CASE("AttributeNames gives the names that the framework has, in its order")
 }
 
 TEST_CASE("AttributeNames gives an empty array where the framework has no names") {
-    OneItem program;
+    Letter program;
     const Fault fault("MDItemCopyAttributeNames", 1);
     const auto names = program.item.Call<Object>("AttributeNames");
     REQUIRE(names);
@@ -198,7 +196,7 @@ TEST_CASE("AttributeNames gives an empty array where the framework has no names"
 }
 
 TEST_CASE("Without the making of arrays AttributeNames gives nil") {
-    OneItem program(HostOptions{.withheld = {"RuntimeArrayCreateSingleDimBoundedArray"}});
+    Letter program(HostOptions{.withheld = {"RuntimeArrayCreateSingleDimBoundedArray"}});
     CHECK(program.item.Call("AttributeNames").IsNil());
     CHECK(program.Host().Raised().empty());
 }

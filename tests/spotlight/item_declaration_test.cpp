@@ -10,7 +10,7 @@ namespace {
 
 constexpr sim::host::Word kStandard = 0xFFFFFFFF;
 
-const Names kMethods = {
+const Names kItemMethods = {
     "GetAttributes(names() as string) as dictionary",
     "GetAttribute(name as string) as variant",
     "Constructor(path as folderitem)",
@@ -28,7 +28,7 @@ struct PropertyRow {
     int32_t param;
 };
 
-constexpr PropertyRow kProperties[] = {
+constexpr PropertyRow kItemProperties[] = {
     {"Handle", "Integer", true, 0}, {"Tag", "Variant", true, 4},  {"DisplayName", "String", false, 0},
     {"FSName", "String", false, 0}, {"Path", "String", false, 0}, {"FSSize", "Int64", false, 0},
 };
@@ -45,7 +45,7 @@ TEST_CASE("The item class declares its eight methods in their order, each with t
             CHECK(method.function != 0);
             CHECK(method.setterFunction == 0);
         }
-        CHECK(declarations == kMethods);
+        CHECK(declarations == kItemMethods);
     });
 }
 
@@ -53,16 +53,16 @@ TEST_CASE("The item class declares two stored and four computed read-only proper
     AtEveryAge([&](std::optional<double> version) {
         TestSession session(HostOptions{.version = version});
         const auto &properties = session.Host().Arrived().Class("MDItemQTX").properties;
-        REQUIRE(properties.size() == std::size(kProperties));
+        REQUIRE(properties.size() == std::size(kItemProperties));
         for (size_t i = 0; i < properties.size(); i++) {
-            CAPTURE(kProperties[i].name);
+            CAPTURE(kItemProperties[i].name);
             CHECK(properties[i].group.empty());
-            CHECK(properties[i].name == kProperties[i].name);
-            CHECK(properties[i].type == kProperties[i].type);
+            CHECK(properties[i].name == kItemProperties[i].name);
+            CHECK(properties[i].type == kItemProperties[i].type);
             CHECK(properties[i].flags == 6);
-            CHECK(properties[i].param == kProperties[i].param);
-            CHECK(properties[i].setter == (kProperties[i].isStored ? kStandard : 0));
-            CHECK((properties[i].getter == kStandard) == kProperties[i].isStored);
+            CHECK(properties[i].param == kItemProperties[i].param);
+            CHECK(properties[i].setter == (kItemProperties[i].isStored ? kStandard : 0));
+            CHECK((properties[i].getter == kStandard) == kItemProperties[i].isStored);
             CHECK(properties[i].getter != 0);
         }
     });

@@ -11,7 +11,6 @@ using namespace tests;
 namespace {
 
 constexpr const char *kWrongType = "RuntimeException: Wrong type used for getting attribute value.";
-const sim::host::Text kMalformed{"\xC0\xAF", sim::host::kUTF8};
 
 struct Getter {
     std::string name;
@@ -38,8 +37,8 @@ CFRef<CFArrayRef> ArrayOfTexts(const Names &texts) {
     return CFRef<CFArrayRef>::Adopt(array);
 }
 
-struct OneItem : QueryProgram {
-    explicit OneItem(double version = 2013.04) : QueryProgram(version), file(Add("letter")), item(NewItem(file)) {}
+struct TypedItem : QueryProgram {
+    explicit TypedItem(double version = 2013.04) : QueryProgram(version), file(Add("letter")), item(NewItem(file)) {}
     void Set(CFTypeRef value) { store.Set(file, "attribute", value); }
     void Set(const CFRef<CFTypeRef> &value) { Set(value.Get()); }
     template <class Result> Result Read(const char *getter) { return item.Call<Result>(getter, "attribute"); }
@@ -62,7 +61,7 @@ struct OneItem : QueryProgram {
 
 TEST_CASE("AttributeString gives the text of a string") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        TypedItem program(version);
         const std::string texts[] = {"A letter", "Zo\xC3\xAB \xF0\x9F\x98\x80", std::string(99, 'x'),
                                      std::string(100, 'x')};
         for (const std::string &text : texts) {
@@ -74,7 +73,7 @@ TEST_CASE("AttributeString gives the text of a string") {
 }
 
 TEST_CASE("AttributeBoolean gives true and false") {
-    OneItem program;
+    TypedItem program;
     program.Set(kCFBooleanTrue);
     CHECK(program.Read<bool>("AttributeBoolean") == true);
     program.Set(kCFBooleanFalse);
@@ -84,7 +83,7 @@ TEST_CASE("AttributeBoolean gives true and false") {
 
 TEST_CASE("AttributeDouble gives numbers of every kind") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        TypedItem program(version);
         const auto read = [&](const CFRef<CFTypeRef> &number) {
             program.Set(number);
             return program.Read<double>("AttributeDouble");
@@ -99,7 +98,7 @@ TEST_CASE("AttributeDouble gives numbers of every kind") {
 }
 
 TEST_CASE("AttributeDouble of a number that loses digits as a double gives 0.0 without an exception") {
-    OneItem program;
+    TypedItem program;
     const auto number = NumberOf(kCFNumberSInt64Type, (SInt64{1} << 53) + 1);
     double best = 0;
     REQUIRE_FALSE(CFNumberGetValue(static_cast<CFNumberRef>(number.Get()), kCFNumberDoubleType, &best));
@@ -110,7 +109,7 @@ TEST_CASE("AttributeDouble of a number that loses digits as a double gives 0.0 w
 
 TEST_CASE("AttributeStringArray gives the elements of an array in their order, and an empty one for an empty one") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        TypedItem program(version);
         for (const Names &texts : {Names{"one", "two", "", "zwei"}, Names{"only"}, Names{}}) {
             program.Set(ArrayOfTexts(texts).Get());
             const auto array = program.Read<Object>("AttributeStringArray");
@@ -125,7 +124,7 @@ TEST_CASE("AttributeStringArray gives the elements of an array in their order, a
 
 TEST_CASE("A value of any other type raises the wrong type, full stop included, and gives the neutral value") {
     AtUsualAges([&](double version) {
-        OneItem program(version);
+        TypedItem program(version);
         CFRef<CFTypeRef> values[] = {
             Owned(MakeString("text").Give()),
             CFRef<CFTypeRef>::Retain(kCFBooleanTrue),
@@ -147,12 +146,12 @@ TEST_CASE("A value of any other type raises the wrong type, full stop included, 
                 const std::string raised = program.TakeException();
                 if (CFGetTypeID(value.Get()) == getter.accepted()) {
                     CHECK(raised == "");
-                    CHECK_FALSE(OneItem::IsNeutral(getter.name, given));
+                    CHECK_FALSE(TypedItem::IsNeutral(getter.name, given));
                     continue;
                 }
                 refusals++;
                 CHECK(raised == kWrongType);
-                CHECK(OneItem::IsNeutral(getter.name, given));
+                CHECK(TypedItem::IsNeutral(getter.name, given));
             }
             CHECK(refusals >= 3);
             CHECK(CFGetRetainCount(value.Get()) == retained);
@@ -162,28 +161,28 @@ TEST_CASE("A value of any other type raises the wrong type, full stop included, 
 
 TEST_CASE("Of an attribute that the item lacks, or that the framework does not give, each getter gives its neutral "
           "value without an exception") {
-    OneItem program;
+    TypedItem program;
     program.Set(MakeString("there").Get());
     for (const Getter &getter : kGetters) {
         CAPTURE(getter.name);
-        CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, "missing")));
-        CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, "")));
+        CHECK(TypedItem::IsNeutral(getter.name, program.item.Call(getter.name, "missing")));
+        CHECK(TypedItem::IsNeutral(getter.name, program.item.Call(getter.name, "")));
         const Fault fault("MDItemCopyAttribute", 1);
-        CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, "attribute")));
+        CHECK(TypedItem::IsNeutral(getter.name, program.item.Call(getter.name, "attribute")));
     }
     CHECK(program.item.Call<std::string>("AttributeString", "missing").empty());
     CHECK(program.Host().Raised().empty());
 }
 
 TEST_CASE("For a name that does not convert each getter gives its neutral value and asks for no attribute") {
-    OneItem program;
+    TypedItem program;
     program.Set(MakeString("there").Get());
     {
         const Fault fault("MDItemCopyAttribute");
         for (const Getter &getter : kGetters) {
             CAPTURE(getter.name);
-            CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, nullptr)));
-            CHECK(OneItem::IsNeutral(getter.name, program.item.Call(getter.name, kMalformed)));
+            CHECK(TypedItem::IsNeutral(getter.name, program.item.Call(getter.name, nullptr)));
+            CHECK(TypedItem::IsNeutral(getter.name, program.item.Call(getter.name, kMalformed)));
         }
         CHECK(fault.Failed() == 0);
     }
@@ -202,7 +201,7 @@ TEST_CASE("AttributeDouble of a file's creation date raises the wrong type, and 
 }
 
 TEST_CASE("The wrong type is raised with an ASCII message and the number 0") {
-    OneItem program;
+    TypedItem program;
     program.Set(kCFBooleanTrue);
     program.Read<Value>("AttributeString");
     const auto raised = program.Host().TakeRaised();

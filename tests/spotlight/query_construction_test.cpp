@@ -8,7 +8,7 @@ using namespace tests;
 
 namespace {
 
-const char *const kText = "kMDItemFSName == 'a*'";
+const char *const kExpression = "kMDItemFSName == 'a*'";
 
 /// The names with which the framework's query was made; nothing for a null array.
 std::optional<Names> NamesOf(CFArrayRef (*copy)(MDQueryRef), const Object &query) {
@@ -45,8 +45,8 @@ Object Construct(QueryProgram &program, int constructor, const Value &text, cons
 TEST_CASE("Constructor(queryString) makes a query of the text with neither of the two lists") {
     QueryProgram program;
     Object query = program.Host().Create("MDQueryQTX");
-    query.Call<void>("Constructor", kText);
-    CHECK(TextOf(query) == kText);
+    query.Call<void>("Constructor", kExpression);
+    CHECK(TextOf(query) == kExpression);
     CHECK(ValueNames(query) == std::nullopt);
     CHECK(SortNames(query) == std::nullopt);
 }
@@ -54,8 +54,8 @@ TEST_CASE("Constructor(queryString) makes a query of the text with neither of th
 TEST_CASE("Constructor(queryString, valueListAttributes) passes the value list and no sorting attributes") {
     QueryProgram program;
     Object query = program.Host().Create("MDQueryQTX");
-    query.Call<void>("Constructor", kText, program.Strings({"kMDItemFSName", "kMDItemKind"}));
-    CHECK(TextOf(query) == kText);
+    query.Call<void>("Constructor", kExpression, program.Strings({"kMDItemFSName", "kMDItemKind"}));
+    CHECK(TextOf(query) == kExpression);
     CHECK(ValueNames(query) == Names{"kMDItemFSName", "kMDItemKind"});
     CHECK(SortNames(query) == std::nullopt);
 }
@@ -63,8 +63,8 @@ TEST_CASE("Constructor(queryString, valueListAttributes) passes the value list a
 TEST_CASE("Constructor(queryString, valueListAttributes, sortingAttributes) passes both, each in its place") {
     QueryProgram program;
     Object query = program.Host().Create("MDQueryQTX");
-    query.Call<void>("Constructor", kText, program.Strings({"kMDItemKind"}), program.Strings({"kMDItemFSSize"}));
-    CHECK(TextOf(query) == kText);
+    query.Call<void>("Constructor", kExpression, program.Strings({"kMDItemKind"}), program.Strings({"kMDItemFSSize"}));
+    CHECK(TextOf(query) == kExpression);
     CHECK(ValueNames(query) == Names{"kMDItemKind"});
     CHECK(SortNames(query) == Names{"kMDItemFSSize"});
 }
@@ -100,15 +100,15 @@ TEST_CASE("A subset query takes no reference to its source and outlives it") {
 TEST_CASE("A nil array of attributes reaches the framework as none at all, and an empty one as an empty one") {
     QueryProgram program;
     Object query = program.Host().Create("MDQueryQTX");
-    query.Call<void>("Constructor", kText, nullptr, nullptr);
+    query.Call<void>("Constructor", kExpression, nullptr, nullptr);
     CHECK(ValueNames(query) == std::nullopt);
     CHECK(SortNames(query) == std::nullopt);
     Object other = program.Host().Create("MDQueryQTX");
-    other.Call<void>("Constructor", kText, program.Strings({}), program.Strings({}));
+    other.Call<void>("Constructor", kExpression, program.Strings({}), program.Strings({}));
     CHECK(ValueNames(other) == Names{});
     CHECK(SortNames(other) == Names{});
     Object mixed = program.Host().Create("MDQueryQTX");
-    mixed.Call<void>("Constructor", kText, nullptr, program.Strings({"kMDItemFSName"}));
+    mixed.Call<void>("Constructor", kExpression, nullptr, program.Strings({"kMDItemFSName"}));
     CHECK(ValueNames(mixed) == std::nullopt);
     CHECK(SortNames(mixed) == Names{"kMDItemFSName"});
 }
@@ -127,7 +127,7 @@ TEST_CASE("The query string is converted first, then the sorting attributes, the
         sorting.Put(0, "came too late");
     });
     Object query = host.Create("MDQueryQTX");
-    query.Call<void>("Constructor", kText, values, sorting);
+    query.Call<void>("Constructor", kExpression, values, sorting);
     CHECK(order == std::vector<std::string>{"a text", "the first array", "the second array"});
     CHECK(ValueNames(query) == Names{"kMDItemKind"});
     CHECK(SortNames(query) == Names{"kMDItemFSName"});
@@ -159,7 +159,7 @@ TEST_CASE("A subset of no source, or of a source without a query, is silently no
         const Object empty = program.Host().Create("MDQueryQTX");
         for (const Value &source : {Value(nullptr), Value(empty)}) {
             program.Host().ClearLog();
-            Object query = Construct(program, constructor, kText, source);
+            Object query = Construct(program, constructor, kExpression, source);
             // Nothing at all is done, so no argument is looked at either.
             CHECK(program.Host().CallCount("REALGetStringEncoding") == 0);
             CHECK(program.Host().CallCount("RuntimeUBound") == 0);
@@ -177,7 +177,7 @@ TEST_CASE("A framework that makes no query leaves Handle at 0, and arrays and te
         QueryProgram program;
         Object source = program.NewQuery();
         const Fault fault(constructor < 3 ? "MDQueryCreate" : "MDQueryCreateSubset", 1);
-        Object query = Construct(program, constructor, kText, source);
+        Object query = Construct(program, constructor, kExpression, source);
         CHECK(query.Get<int32_t>("Handle") == 0);
         CHECK(program.Host().Raised().empty());
     }
@@ -187,7 +187,7 @@ TEST_CASE("An array for which no memory is left reaches the framework as none at
     QueryProgram program;
     Object query = program.Host().Create("MDQueryQTX");
     const Fault fault("CFArrayCreateMutable", 1); // the sorting attributes come first
-    query.Call<void>("Constructor", kText, program.Strings({"kMDItemKind"}), program.Strings({"kMDItemFSName"}));
+    query.Call<void>("Constructor", kExpression, program.Strings({"kMDItemKind"}), program.Strings({"kMDItemFSName"}));
     CHECK(ValueNames(query) == Names{"kMDItemKind"});
     CHECK(SortNames(query) == std::nullopt);
 }
@@ -196,7 +196,7 @@ TEST_CASE("Constructing an object again replaces its query and gives nothing up"
     QueryProgram program;
     Object query = program.NewQuery();
     const MDQueryRef first = QueryOf(query);
-    query.Call<void>("Constructor", kText);
+    query.Call<void>("Constructor", kExpression);
     CHECK(QueryOf(query) != first);
     CHECK(CFGetRetainCount(first) == 1);
     CFRelease(first); // the program's business, as with any Handle that is written over

@@ -12,7 +12,7 @@ constexpr const char *kLongestConstructor =
     "Constructor(query as MDQueryQTX, queryString as string, valueListAttributes() as string, "
     "sortingAttributes() as string)";
 
-const Names kMethods = {
+const Names kQueryMethods = {
     "CountOfResultsWithAttributeValue(name as string, Value as variant) as UInt32",
     "AttributeValueOfResultAtIndex(name as string, index as UInt32) as variant",
     "ValuesOfAttribute(name as string) as variant()",
@@ -42,7 +42,7 @@ const Names kMethods = {
     "SetSortOrder(sortingAttrs() as string) as Boolean",
 };
 
-const Names kEvents = {
+const Names kQueryEvents = {
     "Progress(AddedItems() as MDItemQTX, ChangedItems() as MDItemQTX, RemovedItems() as MDItemQTX)",
     "Finish()",
     "Update(AddedItems() as MDItemQTX, ChangedItems() as MDItemQTX, RemovedItems() as MDItemQTX)",
@@ -61,7 +61,7 @@ TEST_CASE("The query class declares its 27 methods in their order, each with the
     AtEveryAge([&](std::optional<double> version) {
         QueryProgram program(HostOptions{.version = version});
         const auto &methods = program.Host().Arrived().Class("MDQueryQTX").methods;
-        CHECK(DeclarationsOf(methods) == kMethods);
+        CHECK(DeclarationsOf(methods) == kQueryMethods);
         for (const auto &method : methods) {
             CHECK(method.flags == 4);
             CHECK(method.function != 0);
@@ -73,7 +73,7 @@ TEST_CASE("The query class declares its 27 methods in their order, each with the
 TEST_CASE("The query class declares Progress, Finish and Update, in this order, on every host") {
     AtEveryAge([&](std::optional<double> version) {
         QueryProgram program(HostOptions{.version = version});
-        CHECK(DeclarationsOf(program.Host().Arrived().Class("MDQueryQTX").events) == kEvents);
+        CHECK(DeclarationsOf(program.Host().Arrived().Class("MDQueryQTX").events) == kQueryEvents);
     });
 }
 

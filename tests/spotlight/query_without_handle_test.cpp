@@ -12,14 +12,14 @@ namespace environment = sim::macos::environment;
 
 namespace {
 
-struct Row {
+struct MethodRow {
     const char *method;
     std::vector<Value> arguments = {};
     Value neutral = nullptr;
 };
 
 /// Every method but the constructors; where one takes arguments they are such as a query would take.
-std::vector<Row> MethodsOf(QueryProgram &program, const Object &item) {
+std::vector<MethodRow> MethodsOf(QueryProgram &program, const Object &item) {
     const Object names = program.Strings({"kMDItemFSName"});
     return {
         {"CountOfResultsWithAttributeValue", {"kMDItemFSName", "a"}, uint32_t{0}},
@@ -51,7 +51,7 @@ void CheckEachRaises(QueryProgram &program) {
     Object query = program.Host().Create("MDQueryQTX");
     const auto rows = MethodsOf(program, item);
     CHECK(rows.size() == 27 - 6);
-    for (const Row &row : rows) {
+    for (const MethodRow &row : rows) {
         CAPTURE(row.method);
         const Value result = query.CallWith(row.method, row.arguments);
         CHECK(result == row.neutral);

@@ -43,7 +43,7 @@ CFRef<CFTypeRef> Data() {
     return CFRef<CFTypeRef>::Adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8 *>("abc"), 3));
 }
 
-CFRef<CFTypeRef> Text() { return CFRef<CFTypeRef>::Adopt(CFRetain(CFSTR("text"))); }
+CFRef<CFTypeRef> CoreText() { return CFRef<CFTypeRef>::Adopt(CFRetain(CFSTR("text"))); }
 
 CFRef<CFTypeRef> Number() {
     const int32_t seven = 7;
@@ -183,7 +183,7 @@ void AddWrongTypes(std::vector<Way> &ways) {
     add("AttributeString", "the attribute is not a text", Number);
     add("AttributeBoolean", "the attribute is not a boolean, but a number for example", Number);
     add("AttributeDouble", "the attribute is not a number; a date is none", Moment);
-    add("AttributeStringArray", "the attribute is not a list, but a single text for example", Text);
+    add("AttributeStringArray", "the attribute is not a list, but a single text for example", CoreText);
 }
 
 /// Values that have to be made in the host and cannot be. `read` makes the file, then arms the fault, then reads.

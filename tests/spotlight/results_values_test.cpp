@@ -40,8 +40,6 @@ struct Songs : QueryProgram {
     Object query;
 };
 
-const Value kUnreadable = sim::host::Text{"\xff\xfe\xfd", sim::host::kUTF8};
-
 } // namespace
 
 TEST_CASE("CountOfResultsWithAttributeValue counts by texts and numbers of the value list") {
@@ -63,7 +61,7 @@ TEST_CASE("CountOfResultsWithAttributeValue gives 0 without asking when name or 
     const Value noForm = songs.NewQuery(); // an object that stands for no value
     const Value genre = "kMDItemMusicalGenre", jazz = "Jazz";
     const std::pair<Value, Value> kPairs[] = {
-        {genre, nullptr}, {genre, noForm}, {nullptr, jazz}, {kUnreadable, jazz}, {nullptr, nullptr}};
+        {genre, nullptr}, {genre, noForm}, {nullptr, jazz}, {kMalformed, jazz}, {nullptr, nullptr}};
     for (const auto &pair : kPairs) {
         CAPTURE(pair.first);
         CAPTURE(pair.second);
@@ -101,7 +99,7 @@ TEST_CASE("AttributeValueOfResultAtIndex gives nil where the framework has no va
     CHECK(songs.ValueAt("kMDItemMusicalGenre", UINT32_MAX).IsNil());
     CHECK(songs.ValueAt("kMDItemMusicalGenre", 0x80000000).IsNil());
     CHECK(songs.ValueAt(nullptr, 0).IsNil());
-    CHECK(songs.ValueAt(kUnreadable, 0).IsNil());
+    CHECK(songs.ValueAt(kMalformed, 0).IsNil());
     CHECK(songs.Host().Raised().empty());
 }
 
@@ -130,8 +128,8 @@ TEST_CASE("ValuesOfAttribute gives each distinct value of a value-list attribute
 
 TEST_CASE("ValuesOfAttribute gives an empty array, not nil, for what is not in the value list") {
     Songs songs;
-    for (const Value &name :
-         {Value("kMDItemFSName"), Value("kMDItemFSSize"), Value("nonsense"), Value(""), Value(nullptr), kUnreadable}) {
+    for (const Value &name : {Value("kMDItemFSName"), Value("kMDItemFSSize"), Value("nonsense"), Value(""),
+                              Value(nullptr), Value(kMalformed)}) {
         CAPTURE(name);
         const Object values = songs.Values(name);
         REQUIRE(values);

@@ -39,7 +39,7 @@ private:
 };
 
 /// Frees what registration hands to the host for good.
-template <class Row> std::unique_ptr<Row, decltype(&std::free)> Owned(Row *rows) { return {rows, std::free}; }
+template <class Row> std::unique_ptr<Row, decltype(&std::free)> Freed(Row *rows) { return {rows, std::free}; }
 
 template <class Record> uint32_t WordOf(const Record *record, size_t word) {
     uint32_t value;
@@ -124,12 +124,12 @@ TEST_CASE("In the old layout each table becomes a new array of the first words o
     for (uint32_t i = 0; i < 4; i++)
         CHECK(record.further[i] == i + 1);
 
-    const auto oldProperties = Owned(record.properties.rows);
-    const auto oldMethods = Owned(record.methods.rows);
-    const auto oldEvents = Owned(record.events.rows);
-    const auto oldConstants = Owned(record.constants.rows);
-    const auto oldSharedProperties = Owned(record.sharedProperties.rows);
-    const auto oldShared = Owned(record.sharedMethods.rows);
+    const auto oldProperties = Freed(record.properties.rows);
+    const auto oldMethods = Freed(record.methods.rows);
+    const auto oldEvents = Freed(record.events.rows);
+    const auto oldConstants = Freed(record.constants.rows);
+    const auto oldSharedProperties = Freed(record.sharedProperties.rows);
+    const auto oldShared = Freed(record.sharedMethods.rows);
     const auto checkPrefixes = [](const void *old, const void *current, size_t count, size_t oldWords, size_t words) {
         REQUIRE(old != nullptr);
         CHECK(old != current);
@@ -192,6 +192,6 @@ TEST_CASE("FixProperties gives null for no properties") {
     REALproperty properties[] = {Stored("Field", "Integer", 0)};
     CHECK(FixProperties(nullptr, 4) == nullptr);
     CHECK(FixProperties(properties, 0) == nullptr);
-    const auto fixed = Owned(FixProperties(properties, 1));
+    const auto fixed = Freed(FixProperties(properties, 1));
     CHECK(fixed != nullptr);
 }

@@ -14,7 +14,7 @@ using whitebox::Restored;
 
 namespace {
 
-int calls = 0;
+int serviceCalls = 0;
 
 template <class Value> Value Sample() {
     if constexpr (std::is_pointer_v<Value>)
@@ -25,7 +25,7 @@ template <class Value> Value Sample() {
 
 /// A host's side of any service: takes the sample arguments and gives the sample result.
 template <class Result, class... Arguments> Result Served(Arguments... arguments) {
-    calls++;
+    serviceCalls++;
     const bool asPassed = ((arguments == Sample<Arguments>()) && ...);
     CHECK(asPassed);
     return Sample<Result>();
@@ -67,10 +67,10 @@ template <class Service> void CheckFound(Service &service, const char *name, con
     const Restored restored(service);
     FakeResolver resolver;
     resolver.Offer(name, Shape<Service>::kService);
-    calls = 0;
+    serviceCalls = 0;
     for (int i = 0; i < 3; i++)
         CHECK(Shape<Service>::Call(service, true));
-    CHECK(calls == 3);
+    CHECK(serviceCalls == 3);
     CHECK(resolver.Questions(name) == 1);
     CHECK(resolver.Questions() == 1);
     static_cast<void>(olderName);
@@ -80,10 +80,10 @@ template <class Service> void CheckSecondNameFound(Service &service, const char 
     const Restored restored(service);
     FakeResolver resolver;
     resolver.Offer(olderName, Shape<Service>::kService);
-    calls = 0;
+    serviceCalls = 0;
     for (int i = 0; i < 3; i++)
         CHECK(Shape<Service>::Call(service, true));
-    CHECK(calls == 3);
+    CHECK(serviceCalls == 3);
     CHECK(resolver.Questions(name) == 1);
     CHECK(resolver.Questions(olderName) == 1);
     CHECK(resolver.Questions() == 2);
@@ -92,17 +92,17 @@ template <class Service> void CheckSecondNameFound(Service &service, const char 
 template <class Service> void CheckMissingThenFound(Service &service, const char *name, const char *olderName) {
     const Restored restored(service);
     FakeResolver resolver;
-    calls = 0;
+    serviceCalls = 0;
     for (int i = 1; i <= 3; i++) {
         CHECK(Shape<Service>::Call(service, false));
         CHECK(resolver.Questions(name) == i);
         CHECK(resolver.Questions() == (olderName ? 2 * i : i));
     }
-    CHECK(calls == 0);
+    CHECK(serviceCalls == 0);
     resolver.Offer(name, Shape<Service>::kService);
     CHECK(Shape<Service>::Call(service, true));
     CHECK(Shape<Service>::Call(service, true));
-    CHECK(calls == 2);
+    CHECK(serviceCalls == 2);
     CHECK(resolver.Questions(name) == 4);
 }
 
@@ -110,14 +110,14 @@ template <class Service> void CheckElementFunctionPerCall(Service &service, cons
     const Restored restored(service);
     FakeResolver resolver;
     resolver.Offer(name, Shape<Service>::kService);
-    calls = factoryCalls = 0;
+    serviceCalls = factoryCalls = 0;
     for (int i = 0; i < 3; i++)
         CHECK(Shape<Service>::Call(service, true));
     CHECK(factoryCalls == 3);
     hasElementFunction = false;
     CHECK(Shape<Service>::Call(service, false));
     hasElementFunction = true;
-    CHECK(calls == 3);
+    CHECK(serviceCalls == 3);
     CHECK(factoryCalls == 4);
     CHECK(resolver.Questions() == 1);
 }

@@ -21,7 +21,7 @@ namespace {
 size_t watchedSize = 0;
 int allocations = 0;
 
-void Note(const volatile void *, size_t size) {
+void NoteSize(const volatile void *, size_t size) {
     if (size == watchedSize)
         allocations++;
 }
@@ -29,7 +29,7 @@ void Note(const volatile void *, size_t size) {
 void Ignore(const volatile void *) {}
 
 bool IsWatching() {
-    static const int installed = __sanitizer_install_malloc_and_free_hooks(Note, Ignore);
+    static const int installed = __sanitizer_install_malloc_and_free_hooks(NoteSize, Ignore);
     return installed > 0;
 }
 

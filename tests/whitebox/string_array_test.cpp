@@ -15,7 +15,7 @@ using whitebox::SmallHost;
 
 namespace {
 
-constexpr double kVersions[] = {0.0, 2011.4, 2012.5, 2015.99, 2016.0, 3000.0};
+constexpr double kArrayVersions[] = {0.0, 2011.4, 2012.5, 2015.99, 2016.0, 3000.0};
 
 _REALarrayString *ThreeStrings(SmallHost &host, bool isDirect = false) {
     return host.NewArray({host.NewString("one", 0x0600), nullptr, host.NewString("three", 0x0600)}, isDirect);
@@ -39,7 +39,7 @@ TEST_CASE("A null array has no elements, and the host is not asked") {
 }
 
 TEST_CASE("Index -1 on a three-element array raises \"OutOfBoundsException\" and gives null") {
-    AtAges(kVersions, [&](double version) {
+    AtAges(kArrayVersions, [&](double version) {
         for (const bool isDirect : {false, true}) {
             SmallHost host(version);
             CHECK(REALGetArrayString(ThreeStrings(host, isDirect), -1) == nullptr);
@@ -49,7 +49,7 @@ TEST_CASE("Index -1 on a three-element array raises \"OutOfBoundsException\" and
 }
 
 TEST_CASE("Index 3 on a three-element array raises \"OutOfBoundsException\" and gives null") {
-    AtAges(kVersions, [&](double version) {
+    AtAges(kArrayVersions, [&](double version) {
         for (const bool isDirect : {false, true}) {
             SmallHost host(version);
             CHECK(REALGetArrayString(ThreeStrings(host, isDirect), 3) == nullptr);
@@ -131,26 +131,25 @@ OwnedCF<CFArrayRef> NewCFArray(std::vector<const void *> texts, const CFArrayCal
 
 using Texts = std::vector<std::optional<HostText>>;
 
-constexpr CFStringEncoding kUTF8 = kCFStringEncodingUTF8;
-
 } // namespace
 
 TEST_CASE("Three strings added to a host array that already holds \"x\" give the three strings followed by \"x\"") {
-    AtAges(kVersions, [&](double version) {
+    AtAges(kArrayVersions, [&](double version) {
         SmallHost host(version);
-        _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
+        _REALarrayString *array = host.NewArray({host.NewString("x", kCFStringEncodingUTF8)}, false);
         AddStringArray(array, NewCFArray({CFSTR("one"), CFSTR("two"), CFSTR("three")}, &kCFTypeArrayCallBacks).Get());
         CHECK(host.Elements(array) ==
-              Texts{HostText{"one", kUTF8}, HostText{"two", kUTF8}, HostText{"three", kUTF8}, HostText{"x", kUTF8}});
+              Texts{HostText{"one", kCFStringEncodingUTF8}, HostText{"two", kCFStringEncodingUTF8},
+                    HostText{"three", kCFStringEncodingUTF8}, HostText{"x", kCFStringEncodingUTF8}});
         CHECK(host.Alive() == 4);
     });
 }
 
 TEST_CASE("Adding an empty CFArray leaves the host array unchanged") {
     SmallHost host(2013.04);
-    _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
+    _REALarrayString *array = host.NewArray({host.NewString("x", kCFStringEncodingUTF8)}, false);
     AddStringArray(array, NewCFArray({}, &kCFTypeArrayCallBacks).Get());
-    CHECK(host.Elements(array) == Texts{HostText{"x", kUTF8}});
+    CHECK(host.Elements(array) == Texts{HostText{"x", kCFStringEncodingUTF8}});
     CHECK(host.Calls().empty());
 }
 
@@ -160,16 +159,17 @@ TEST_CASE(
     _REALarrayString *array = host.NewArray({}, false);
     AddStringArray(array,
                    NewCFArray({nullptr, CFSTR("one"), nullptr, CFSTR(""), CFSTR("two"), nullptr}, nullptr).Get());
-    CHECK(host.Elements(array) == Texts{HostText{"one", kUTF8}, std::nullopt, HostText{"two", kUTF8}});
+    CHECK(host.Elements(array) ==
+          Texts{HostText{"one", kCFStringEncodingUTF8}, std::nullopt, HostText{"two", kCFStringEncodingUTF8}});
     CHECK(host.Alive() == 2);
 }
 
 TEST_CASE("Strings for an array without an insert function are released") {
     SmallHost host(2013.04);
     host.Withhold("PluginStringArrayInsertProc");
-    _REALarrayString *array = host.NewArray({host.NewString("x", kUTF8)}, false);
+    _REALarrayString *array = host.NewArray({host.NewString("x", kCFStringEncodingUTF8)}, false);
     AddStringArray(array, NewCFArray({CFSTR("one"), CFSTR("two")}, &kCFTypeArrayCallBacks).Get());
-    CHECK(host.Elements(array) == Texts{HostText{"x", kUTF8}});
+    CHECK(host.Elements(array) == Texts{HostText{"x", kCFStringEncodingUTF8}});
     CHECK(host.Alive() == 1);
 }
 

@@ -44,6 +44,8 @@ struct Entity {
     int32_t references = 0;
     /// How many of them belong to Objects of the program.
     int32_t programReferences = 0;
+    /// How many the last audit found somebody to hold.
+    int32_t holdersFound = 0;
     uint32_t number = 0;
     Place madeAt;
 };
@@ -80,7 +82,13 @@ public:
     }
     bool IsLive(const void *handle) const { return live_.contains(handle); }
 
+    /// The oldest first.
     void VisitLive(const Entity::Visitor &visitor) const;
+    /// In no order; quicker. Nothing may come or go meanwhile.
+    template <class Visitor> void VisitLiveUnordered(const Visitor &visitor) const {
+        for (const auto &[handle, entity] : live_)
+            visitor(*entity);
+    }
     /// Gives the places that the dead left for others back to the system.
     void FreeUnused();
 

@@ -12,7 +12,7 @@ struct Wrapped {
     uint32_t tag;
 };
 
-Wrapped &DataOf(const Object &wrapper) { return *static_cast<Wrapped *>(wrapper.Data()); }
+Wrapped &WrappedIn(const Object &wrapper) { return *static_cast<Wrapped *>(wrapper.Data()); }
 
 const int kThing = 0;
 
@@ -25,8 +25,8 @@ TEST_CASE("A companion's wrapper begins where the data of every root class begin
     HostUnderTest host(options);
     Object wrapper = host.Create("CFObjectQTX");
     CHECK(static_cast<char *>(wrapper.Data()) == static_cast<char *>(wrapper.Address()) + 32);
-    CHECK(DataOf(wrapper).reference == nullptr);
-    CHECK(DataOf(wrapper).tag == 0x52424346);
+    CHECK(WrappedIn(wrapper).reference == nullptr);
+    CHECK(WrappedIn(wrapper).tag == 0x52424346);
     CHECK(host.Create("CGImageQTX").IsNil());
 }
 
@@ -37,20 +37,20 @@ TEST_CASE("A wrapper that dies gives up what it wraps, once, when its tag is rig
     options.companions = {{.name = "CFObjectQTX", .release = release},
                           {.name = "CGImageQTX", .tag = 7, .release = release}};
     HostUnderTest host(options);
-    DataOf(host.Create("CFObjectQTX")).reference = nullptr;
+    WrappedIn(host.Create("CFObjectQTX")).reference = nullptr;
     CHECK(released.empty());
     {
         Object wrapper = host.Create("CFObjectQTX");
-        DataOf(wrapper).reference = &kThing;
+        WrappedIn(wrapper).reference = &kThing;
         Object wrong = host.Create("CGImageQTX");
-        CHECK(DataOf(wrong).tag == 7);
-        DataOf(wrong).reference = &kThing;
+        CHECK(WrappedIn(wrong).tag == 7);
+        WrappedIn(wrong).reference = &kThing;
     }
     CHECK(released == std::vector<const void *>{&kThing});
     {
         Object tagged = host.Create("CGImageQTX");
-        DataOf(tagged).reference = &kThing;
-        DataOf(tagged).tag = CompanionClass::kWrapperTag;
+        WrappedIn(tagged).reference = &kThing;
+        WrappedIn(tagged).tag = CompanionClass::kWrapperTag;
     }
     CHECK(released.size() == 2);
 }
@@ -60,7 +60,7 @@ TEST_CASE("Changing the word that belongs to the wrapper alone stops the host") 
     options.companions = {{.name = "CFObjectQTX"}};
     HostUnderTest host(options);
     Object wrapper = host.Create("CFObjectQTX");
-    const uint32_t before = DataOf(wrapper).other;
+    const uint32_t before = WrappedIn(wrapper).other;
     CHECK(before != 0);
     void *address = wrapper.Address();
     Ask<void(void *)>("REALLockObject")(address);

@@ -27,6 +27,9 @@ using sim::macos::MakeString;
 
 using Names = std::vector<std::string>;
 
+/// Text that no CFString can hold.
+inline const sim::host::Text kMalformed{"\xC0\xAF", sim::host::kUTF8};
+
 /// What is behind the Handle of a query or an item, borrowed; null for none.
 MDQueryRef QueryOf(const Object &query);
 MDItemRef ItemOf(const Object &item);

@@ -5,9 +5,6 @@
 
 namespace tests {
 
-/// Text that no CFString can hold.
-inline const sim::host::Text kMalformed{"\xC0\xAF", sim::host::kUTF8};
-
 struct SchemaSession : TestSession {
     using TestSession::TestSession;
 

@@ -34,11 +34,6 @@ CFRef<CFMutableArrayRef> NewArray(CFIndex capacity, const CFArrayCallBacks *call
     return CFRef<CFMutableArrayRef>::Adopt(CFArrayCreateMutable(nullptr, capacity, callBacks));
 }
 
-CFRef<CFMutableDictionaryRef> NewDictionary() {
-    return CFRef<CFMutableDictionaryRef>::Adopt(
-        CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-}
-
 } // namespace
 
 TEST_CASE_FIXTURE(Balanced, "An array made with capacity 2 takes five elements: capacity is a hint") {

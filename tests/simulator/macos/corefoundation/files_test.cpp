@@ -10,14 +10,14 @@ using namespace tests;
 
 namespace {
 
-CFRef<CFURLRef> FromPath(const std::string &path) {
+CFRef<CFURLRef> URLOfPath(const std::string &path) {
     return CFRef<CFURLRef>::Adopt(
         CFURLCreateWithFileSystemPath(nullptr, MakeString(std::string_view(path)).Get(), kCFURLPOSIXPathStyle, false));
 }
 
 FSRef ReferenceOf(const std::string &path) {
     FSRef reference;
-    REQUIRE(CFURLGetFSRef(FromPath(path).Get(), &reference));
+    REQUIRE(CFURLGetFSRef(URLOfPath(path).Get(), &reference));
     return reference;
 }
 
@@ -144,7 +144,7 @@ TEST_CASE_FIXTURE(Balanced, "A file is found under the decomposed form of its na
     CHECK_EQ(PathOf(ReferenceOf(folder.PathOf("\u00E9"))), decomposed);
     CHECK_EQ(ExistingPath(folder.PathOf("\u00E9/../\u00E9/.")), decomposed);
     FSRef reference;
-    CHECK_FALSE(CFURLGetFSRef(FromPath(folder.PathOf("N\u00E9w")).Get(), &reference));
+    CHECK_FALSE(CFURLGetFSRef(URLOfPath(folder.PathOf("N\u00E9w")).Get(), &reference));
 }
 
 TEST_CASE_FIXTURE(Balanced, "A link is an item of its own in the last place and a way on anywhere else") {

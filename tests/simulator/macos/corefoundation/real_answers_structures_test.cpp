@@ -19,15 +19,10 @@ std::string Taken(CFStringRef string) {
     return held ? Utf8Of(held.Get()) : "null";
 }
 
-std::string Resolved(const std::string &reference, const std::string &base) {
+std::string AbsoluteForm(const std::string &reference, const std::string &base) {
     const auto url = CFRef<CFURLRef>::Adopt(
         CFURLCreateWithString(nullptr, MakeString(std::string_view(reference)).Get(), UrlFrom(base).Get()));
     return url ? Taken(CFURLCopyAbsoluteURL(url.Get())) : "null";
-}
-
-CFRef<CFMutableDictionaryRef> NewDictionary() {
-    return CFRef<CFMutableDictionaryRef>::Adopt(
-        CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
 }
 
 void NoteKey(const void *key, const void *, void *context) {
@@ -97,7 +92,7 @@ TEST_CASE_FIXTURE(Balanced, "References are resolved as the real system does it"
     };
     for (const Row &row : rows) {
         CAPTURE(row.reference);
-        CHECK_EQ(Resolved(row.reference, row.base), row.absolute);
+        CHECK_EQ(AbsoluteForm(row.reference, row.base), row.absolute);
     }
 }
 

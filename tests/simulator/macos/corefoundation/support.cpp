@@ -2,7 +2,6 @@
 
 #include "simulator/macos/control/stop.h"
 
-
 namespace tests {
 
 using namespace sim::macos;
@@ -22,6 +21,11 @@ bool Contains(const std::string &text, const std::string &part) { return text.fi
 CFRef<CFURLRef> UrlFrom(const std::string &text) {
     const auto string = MakeString(std::string_view(text));
     return CFRef<CFURLRef>::Adopt(CFURLCreateWithString(kCFAllocatorDefault, string.Get(), nullptr));
+}
+
+CFRef<CFMutableDictionaryRef> NewDictionary() {
+    return CFRef<CFMutableDictionaryRef>::Adopt(
+        CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
 }
 
 std::string TextOf(CFURLRef url) { return url ? Utf8Of(CFURLGetString(url)) : "null"; }

@@ -23,4 +23,7 @@ bool Contains(const std::string &text, const std::string &part);
 sim::macos::CFRef<CFURLRef> UrlFrom(const std::string &text);
 std::string TextOf(CFURLRef url);
 
+/// Empty, of the usual callbacks.
+sim::macos::CFRef<CFMutableDictionaryRef> NewDictionary();
+
 } // namespace tests

@@ -17,7 +17,7 @@ CFRef<CFDictionaryRef> MetaAttributes(std::string_view name) {
     return CFRef<CFDictionaryRef>::Adopt(MDSchemaCopyMetaAttributesForAttribute(String(name).Get()));
 }
 
-CFTypeID TypeOf(const CFRef<CFDictionaryRef> &metaAttributes) {
+CFTypeID TypeIDOf(const CFRef<CFDictionaryRef> &metaAttributes) {
     return static_cast<CFTypeID>(Whole(CFDictionaryGetValue(metaAttributes.Get(), kMDAttributeType)));
 }
 
@@ -55,7 +55,7 @@ TEST_CASE("each attribute is described by its name, the type of its values and w
         CHECK(CFDictionaryGetCount(metaAttributes.Get()) == 3);
         CHECK(Text(CFDictionaryGetValue(metaAttributes.Get(), kMDAttributeName)) == name);
         CHECK(IsMultiValued(metaAttributes) == attribute.isMultiValued);
-        CHECK(TypeOf(metaAttributes) ==
+        CHECK(TypeIDOf(metaAttributes) ==
               (attribute.isMultiValued ? CFArrayGetTypeID() : TypeNamed(attribute.elementType)));
     }
 }
@@ -104,10 +104,10 @@ TEST_CASE("an added attribute of any type is known until its end") {
                                             .type = ElementType::Boolean,
                                             .displayName = "Flag",
                                             .displayDescription = "Whether it is marked"});
-        CHECK(TypeOf(MetaAttributes("com_example_thumbnail")) == CFDataGetTypeID());
-        CHECK(TypeOf(MetaAttributes("com_example_settings")) == CFDictionaryGetTypeID());
-        CHECK(TypeOf(MetaAttributes("com_example_id")) == CFUUIDGetTypeID());
-        CHECK(TypeOf(MetaAttributes("com_example_flag")) == CFBooleanGetTypeID());
+        CHECK(TypeIDOf(MetaAttributes("com_example_thumbnail")) == CFDataGetTypeID());
+        CHECK(TypeIDOf(MetaAttributes("com_example_settings")) == CFDictionaryGetTypeID());
+        CHECK(TypeIDOf(MetaAttributes("com_example_id")) == CFUUIDGetTypeID());
+        CHECK(TypeIDOf(MetaAttributes("com_example_flag")) == CFBooleanGetTypeID());
         CHECK_FALSE(DisplayName("com_example_id"));
         CHECK(Text(DisplayName("com_example_flag")) == "Flag");
         const auto names = Texts(Value::Adopt(MDSchemaCopyAllAttributes()));

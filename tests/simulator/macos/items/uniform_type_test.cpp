@@ -19,7 +19,7 @@ std::string Tree(std::string_view identifier) {
     return tree;
 }
 
-std::string_view TypeOf(std::string_view extension, bool isFolder = false) {
+std::string_view UniformTypeOf(std::string_view extension, bool isFolder = false) {
     const UniformType *type = UniformTypeForExtension(extension, isFolder);
     return type ? type->identifier : "";
 }
@@ -38,14 +38,14 @@ TEST_CASE("a type conforms to itself and to all that its parents conform to, the
 }
 
 TEST_CASE("an extension counts in any case, and a package's only for a folder") {
-    CHECK(TypeOf("png") == "public.png");
-    CHECK(TypeOf("JPEG") == "public.jpeg");
-    CHECK(TypeOf("Txt") == "public.plain-text");
-    CHECK(TypeOf("app", true) == "com.apple.application-bundle");
-    CHECK(TypeOf("app") == "");
-    CHECK(TypeOf("png", true) == "");
-    CHECK(TypeOf("") == "");
-    CHECK(TypeOf("unheard-of") == "");
+    CHECK(UniformTypeOf("png") == "public.png");
+    CHECK(UniformTypeOf("JPEG") == "public.jpeg");
+    CHECK(UniformTypeOf("Txt") == "public.plain-text");
+    CHECK(UniformTypeOf("app", true) == "com.apple.application-bundle");
+    CHECK(UniformTypeOf("app") == "");
+    CHECK(UniformTypeOf("png", true) == "");
+    CHECK(UniformTypeOf("") == "");
+    CHECK(UniformTypeOf("unheard-of") == "");
 }
 
 TEST_CASE("the list names each type and each extension once, and parents before what conforms to them") {

@@ -18,22 +18,22 @@ namespace fs = std::filesystem;
 
 TEST_CASE("ten thousand files made in a burst are ten thousand added items, and as many removed ones") {
     tests::Balanced balance;
-    constexpr int kBurst = 10000;
+    constexpr int kFiles = 10000;
     LiveFolder live;
     live.Gather();
-    for (int number = 0; number < kBurst; ++number)
+    for (int number = 0; number < kFiles; ++number)
         live.folder.File("file" + std::to_string(number), "x"); // three messages each: more than the system keeps
-    REQUIRE(RunUntil([&] { return live.query.Count() == kBurst; }));
-    const auto settled = [&](auto list) { return RunUntil([&] { return (live.listener.*list)().size() >= kBurst; }); };
+    REQUIRE(RunUntil([&] { return live.query.Count() == kFiles; }));
+    const auto settled = [&](auto list) { return RunUntil([&] { return (live.listener.*list)().size() >= kFiles; }); };
     REQUIRE(settled(&Listener::AllAdded));
     FileNames added = live.listener.AllAdded();
-    CHECK(added.size() == kBurst);
+    CHECK(added.size() == kFiles);
     CHECK(std::adjacent_find(added.begin(), added.end()) == added.end());
     CHECK(live.listener.AllChanged().empty());
     CHECK(live.listener.AllRemoved().empty());
 
     live.listener.heard.clear();
-    for (int number = 0; number < kBurst; ++number)
+    for (int number = 0; number < kFiles; ++number)
         fs::remove(live.folder.PathOf("file" + std::to_string(number)));
     REQUIRE(RunUntil([&] { return live.query.Count() == 0; }));
     CHECK(live.listener.AllRemoved() == added);
