@@ -16,8 +16,8 @@ extern "C" [[gnu::weak]] void __sanitizer_set_death_callback(void (*callback)())
 
 // Asked by AddressSanitizer. Freed memory is kept from use until that much was freed after it, instead of until the
 // process has grown by a quarter of a gigabyte: ten times what a test case frees (the 238 of tests/convert: 726 MB). Of
-// the calls that led to an allocation six are noted instead of thirty, which takes a sixth of all time; a case that is
-// run again notes them all.
+// the calls that led to an allocation six are noted instead of thirty, since noting them takes time at each; a case
+// that is run again notes them all.
 extern "C" const char *__asan_default_options() { return "quarantine_size_mb=32:malloc_context_size=6"; }
 
 namespace tests {
