@@ -181,7 +181,7 @@ def _in_function(name: str, code: bytes) -> Callable[[Library], None]:
 
 
 def _turn_first_condition(library: Library) -> None:
-    at = library.function("RequireQuery(REALobjectStruct*)")
+    at = library.function("rbMDQueryIsGatheringComplete(REALobjectStruct*)")
     found = re.compile(rb"\x85.[\x74\x75]", re.DOTALL).search(library.data, at, at + 60)
     if found is None:
         raise LookupError("no condition")
