@@ -77,6 +77,8 @@ def measure(
     if known.get("of") != digest:
         say("finding out which test reaches what")
         known = {"of": digest, "cases": _run_all(tree, library, programs, jobs)}
+        if not any(case["lines"] for case in known["cases"]):
+            raise SystemExit("mutate: no test reaches a line of the product")
         kept.write_text(json.dumps(known), "utf-8")
     return [
         Case(case["program"], case["title"], case["seconds"], {file: set(at) for file, at in case["lines"].items()})

@@ -40,8 +40,8 @@ class Workshop:
         self.users = users(tree)
         self._commands: dict[str, list[str]] = {}
         self._objects: dict[str, str] = {}
-        self._read_commands()
         self._links = {target: self._link_command(target) for target in (LIBRARY, INSIDE_TESTS)}
+        self._read_commands()
         self._plain: dict[str, bytes] = {}
 
     def _read_commands(self) -> None:
@@ -49,8 +49,10 @@ class Workshop:
             file = Path(entry["file"])
             words = shlex.split(entry["command"])
             place = str(file.relative_to(self.tree)) if file.is_relative_to(self.tree) else ""
-            if place in self.users:
-                self._objects[place] = words[words.index("-o") + 1]
+            # The library that counts for ./dev coverage is made of the same sources.
+            made = words[words.index("-o") + 1]
+            if place in self.users and made in self._links[LIBRARY]:
+                self._objects[place] = made
                 first = next(i for i, word in enumerate(words) if word.endswith("clang++-14"))
                 flags = words[first + 1 : words.index("-o")]
                 # Warnings are for what people wrote, and nobody steps through a fault.
