@@ -14,11 +14,9 @@
 // Defined by the sanitizers when the program is built with them.
 extern "C" [[gnu::weak]] void __sanitizer_set_death_callback(void (*callback)());
 
-// Asked by AddressSanitizer. Freed memory is kept from use until that much was freed after it, instead of until the
-// process has grown by a quarter of a gigabyte: ten times what a test case frees (the 238 of tests/convert: 726 MB). Of
-// the calls that led to an allocation six are noted instead of thirty, since noting them takes time at each; a case
-// that is run again notes them all.
-extern "C" const char *__asan_default_options() { return "quarantine_size_mb=32:malloc_context_size=6"; }
+// Asked by AddressSanitizer: freed memory is kept from use until that much was freed after it, instead of until the
+// process has grown by a quarter of a gigabyte. Ten times what a test case frees (the 238 of tests/convert: 726 MB).
+extern "C" const char *__asan_default_options() { return "quarantine_size_mb=32"; }
 
 namespace tests {
 
@@ -47,10 +45,8 @@ void SayHowToRepeat() {
     if (!PathUnderTest().empty())
         command += " --plugin " + PathUnderTest().string();
     command += " -tc='" + title + "'";
-    std::fprintf(
-        stdout,
-        "again:     ASAN_OPTIONS=malloc_context_size=30 %s\nin gdb:    ASAN_OPTIONS=detect_leaks=0 gdb --args %s\n\n",
-        command.c_str(), command.c_str());
+    std::fprintf(stdout, "again:     %s\nin gdb:    ASAN_OPTIONS=detect_leaks=0 gdb --args %s\n\n", command.c_str(),
+                 command.c_str());
     std::fflush(stdout);
 }
 
