@@ -95,13 +95,12 @@ bool ReadArrayBoolean(_REALarray *array, int32_t index) {
 void StoreArrayObject(_REALarray *array, int32_t index, REALobjectStruct *object) {
     if (!RequireArrayIndex(array, index))
         return;
-    auto *elements = DirectObjectElements(array);
-    if (!elements) {
+    if (auto *elements = DirectObjectElements(array)) {
+        auto kept = Hold(object);
+        if (REALobjectStruct *previous = std::exchange(elements[index], nullptr))
+            REALUnlockObject(previous);
+        elements[index] = kept.Give();
+    } else {
         REALSetArrayValueObject(array, object, index);
-        return;
     }
-    auto kept = Hold(object);
-    if (REALobjectStruct *previous = std::exchange(elements[index], nullptr))
-        REALUnlockObject(previous);
-    elements[index] = kept.Give();
 }

@@ -29,7 +29,7 @@ struct HostText {
     OwnedString hold;
 
     /// A host that lies about a string (no bytes, but a length) must not make anyone read them.
-    bool IsReadable() const { return length == 0 || (length > 0 && bytes); }
+    bool IsReadable() const { return bytes ? length >= 0 : length == 0; }
 };
 
 HostText ReadStringInPlace(REALstringStruct *string) {

@@ -16,7 +16,6 @@ constexpr Prefix kProperty{12, 10};
 constexpr Prefix kMethod{6, 4};
 constexpr Prefix kEvent{4, 2};
 constexpr Prefix kConstant{5, 3};
-constexpr uint32_t kOldClassWords = 25;
 
 /// A new array of old records. It is never freed: the host keeps its address. Null for no rows, or when there is no
 /// memory.
@@ -55,15 +54,12 @@ REALproperty *FixProperties(const REALproperty *properties, uint32_t count) {
 }
 
 void ConvertToOldRecords(REALclassDefinition &record) {
-    REALclassDefinition old = record;
-    old.version = CurrentREALControlVersion;
-    old.properties.rows = FixProperties(record.properties.rows, record.properties.count);
-    ConvertRecordTable(old.methods, kMethod);
-    ConvertEventRecords(old.events);
-    old.bindDescriptions = nullptr;
-    old.bindDescriptionCount = 0;
-    ConvertRecordTable(old.constants, kConstant);
-    ConvertRecordTable(old.sharedMethods, kMethod);
-    old.sharedProperties.rows = FixProperties(record.sharedProperties.rows, record.sharedProperties.count);
-    std::memcpy(&record, &old, kOldClassWords * kWord);
+    record.properties.rows = FixProperties(record.properties.rows, record.properties.count);
+    ConvertRecordTable(record.methods, kMethod);
+    ConvertEventRecords(record.events);
+    record.bindDescriptions = nullptr;
+    record.bindDescriptionCount = 0;
+    ConvertRecordTable(record.constants, kConstant);
+    ConvertRecordTable(record.sharedMethods, kMethod);
+    record.sharedProperties.rows = FixProperties(record.sharedProperties.rows, record.sharedProperties.count);
 }

@@ -3,7 +3,8 @@
 
 #include "host/declarations.h"
 
-/// Rewrites a class record in the old layout, with new tables that are never freed.
+/// Gives a class record the tables and words of the old layout, which ends four words earlier. The tables are new, and
+/// never freed.
 void ConvertToOldRecords(REALclassDefinition &record);
 
 /// A new array of the old layout's property records, for good, made of the current ones; null for none, or when there

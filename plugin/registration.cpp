@@ -5,9 +5,8 @@
 
 void MyREALRegisterClass(REALclassDefinition &record) {
     record.dataSize = (record.dataSize + 15) & ~uint32_t{15};
+    record.version = CurrentREALControlVersion;
     if (HostReadsOldRecords())
         ConvertToOldRecords(record);
-    else
-        record.version = CurrentREALControlVersion;
     REALRegisterClass(&record);
 }
