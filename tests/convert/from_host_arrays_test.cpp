@@ -127,6 +127,18 @@ TEST_CASE("Each element takes and gives back its reference") {
     });
 }
 
+TEST_CASE("The elements of each array that shows them are read in place, which takes no element getter") {
+    ValueSession session(HostOptions{.version = 2013.04,
+                                     .withheld = {"PluginStringArrayGetProc", "PluginBooleanArrayGetProc",
+                                                  "PluginObjectArrayGetProc", "RuntimeArrayDirectGetGetProc"}});
+    auto &host = session.Host();
+    CHECK(session.TextInCore(host.NewArray("string", {"a", "b"})) == "[\"a\", \"b\"]");
+    CHECK(session.TextInCore(host.NewArray("string", {"c"})) == "[\"c\"]");
+    CHECK(session.TextInCore(host.NewArray("boolean", {true, false})) == "[true, false]");
+    CHECK(session.TextInCore(host.NewArray("boolean", {false, true})) == "[false, true]");
+    CHECK(session.TextInCore(host.NewArray("variant", {7})) == "[SInt32 7]");
+}
+
 TEST_CASE("The element getter is asked for at each element, by its own name or the older one") {
     struct Row {
         const char *type;

@@ -20,6 +20,10 @@ struct OwnDescription : std::exception {
     const char *what() const noexcept override { return "described by the host itself"; }
 };
 
+struct OwnCast : std::bad_cast {
+    const char *what() const noexcept override { return "a cast of the host's own"; }
+};
+
 struct DerivedRangeError : std::range_error {
     using std::range_error::range_error;
 };
@@ -43,6 +47,7 @@ const std::vector<Kind> &Kinds() {
         Throwing("overflow error", std::overflow_error("too much"), "OutOfBoundsException: too much"),
         Throwing("underflow error", std::underflow_error("too little"), "OutOfBoundsException: too little"),
         Throwing("bad cast", std::bad_cast(), std::string("IllegalCastException: ") + std::bad_cast().what()),
+        Throwing("one derived from a bad cast", OwnCast(), "IllegalCastException: a cast of the host's own"),
         Throwing("runtime error", std::runtime_error("no luck"), "RuntimeException: no luck"),
         Throwing("logic error", std::logic_error("no sense"), "RuntimeException: no sense"),
         Throwing("bad allocation", std::bad_alloc(), std::string("RuntimeException: ") + std::bad_alloc().what()),
@@ -64,8 +69,11 @@ TEST_CASE("A C++ exception of each kind out of \"REALBuildString\" becomes its h
             TestSession session(OfVersion(age));
             const Object query = NewQuery(session, "kMDItemFSName == \"x\"");
             session.Host().Throw("REALBuildString", kind.thrower, 1, 1);
+            session.Host().ClearLog();
             CHECK(query.GetValue("QueryString").IsNil());
             CHECK(session.TakeException() == kind.raised);
+            // The class is there, so no other is asked for.
+            CHECK(session.Host().CallCount("PluginNewInstance") == 1);
             // What was wrong once is not wrong for ever.
             CHECK(query.Get<std::string>("QueryString") == "kMDItemFSName == \"x\"");
             CHECK(session.TakeException() == "");

@@ -37,7 +37,7 @@ std::string Dump(const sim::host::Arrivals &arrived) {
     return text;
 }
 
-/// What differs from what a current host gets.
+/// What differs from what a current host gets: the beginning of a line, or all of it.
 struct Difference {
     std::string lines;
     std::string instead = "";
@@ -49,7 +49,9 @@ Differences operator+(Differences all, const Differences &more) {
     return all;
 }
 
-Differences Version(const std::string &version) { return {{"version 13\\b", "version " + version}}; }
+Differences Version(const std::string &version) {
+    return {{"((?:class|module) .*)version 13\\b", "$1version " + version}};
+}
 
 /// Hosts without modules get the module's method by itself. Flag 16 is the module's.
 const Differences kNoModule = {
@@ -69,10 +71,19 @@ const Differences kShortRecords = {
     {"  rest other 0 0 0 0\n"},
 };
 
-std::string With(const Differences &differences, std::string text) {
+std::string With(const Differences &differences, const std::string &text) {
+    std::vector<std::pair<std::regex, std::string>> rules;
     for (const Difference &difference : differences)
-        text = std::regex_replace(text, std::regex(difference.lines), difference.instead);
-    return text;
+        rules.emplace_back(difference.lines, difference.instead);
+    std::string changed;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        line += '\n';
+        for (const auto &[wanted, instead] : rules)
+            line = std::regex_replace(line, wanted, instead, std::regex_constants::match_continuous);
+        changed += line;
+    }
+    return changed;
 }
 
 /// A record's words as they are now in the plugin's memory.

@@ -3,8 +3,10 @@
 #include <doctest/doctest.h>
 
 #include "host/exceptions.h"
+#include "tests/whitebox/failing_memory.h"
 #include "tests/whitebox/small_host.h"
 
+using whitebox::FailingMemory;
 using whitebox::HostException;
 using whitebox::HostText;
 using whitebox::SmallHost;
@@ -91,6 +93,13 @@ TEST_CASE("An index outside the array names the index and the range, with a doub
         CHECK(host.raised == Raised{Exception("OutOfBoundsException", row.message)});
         CHECK(host.Alive() == 0);
     }
+}
+
+TEST_CASE("The message of an index outside the array is written into 205 zeroed bytes") {
+    SmallHost host(2013.04);
+    const FailingMemory memory(0);
+    RaiseOutOfBoundsException(3, 3);
+    CHECK(memory.Asked() == std::vector<size_t>{205});
 }
 
 TEST_CASE("The further arguments of an index outside the array are not used") {

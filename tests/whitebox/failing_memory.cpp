@@ -1,10 +1,8 @@
 #include "tests/whitebox/failing_memory.h"
 
-#include <cstddef>
-
 namespace {
 
-int callsUntilFailure = 0; // 0: none
+whitebox::FailingMemory *current = nullptr;
 
 } // namespace
 
@@ -14,14 +12,17 @@ void *__wrap_calloc(size_t count, size_t size);
 }
 
 void *__wrap_calloc(size_t count, size_t size) {
-    if (callsUntilFailure > 0 && --callsUntilFailure == 0)
-        return nullptr;
-    return __real_calloc(count, size);
+    return current && !current->Gives(count * size) ? nullptr : __real_calloc(count, size);
 }
 
 namespace whitebox {
 
-FailingMemory::FailingMemory(int number) { callsUntilFailure = number; }
-FailingMemory::~FailingMemory() { callsUntilFailure = 0; }
+FailingMemory::FailingMemory(int number) : callsUntilFailure_(number) { current = this; }
+FailingMemory::~FailingMemory() { current = nullptr; }
+
+bool FailingMemory::Gives(size_t bytes) {
+    asked_.push_back(bytes);
+    return callsUntilFailure_ == 0 || --callsUntilFailure_ != 0;
+}
 
 } // namespace whitebox

@@ -57,6 +57,8 @@ std::vector<std::string> EventsOfStoring(REALobjectStruct *object, REALobjectStr
 
 using Events = std::vector<std::string>;
 
+REALobjectStruct *FirstElement(_REALarray *, int32_t) { return kPrevious; }
+
 } // namespace
 
 TEST_CASE("An object is held before the one in its place is given up, and the place is empty meanwhile") {
@@ -76,4 +78,30 @@ TEST_CASE("Where nothing was, nothing is given up, and storing nothing empties t
     CHECK(element == kStored);
     CHECK(EventsOfStoring(nullptr, kPrevious) == Events{"unlock previous, in its place nothing"});
     CHECK(element == nullptr);
+}
+
+TEST_CASE("Only of an array that shows its elements it matters whether the host adds references") {
+    FakeResolver resolver;
+    const Restored bound(REALGetArrayUBound);
+    const Restored lockObject(REALLockObject), unlockObject(REALUnlockObject);
+    const Restored getObject(REALGetArrayValueObject);
+    const Restored lockString(REALLockString);
+    const Restored readString(REALReadStringArray);
+    resolver.Offer(
+        "RuntimeUBound", +[](_REALarray *) -> int32_t { return 0; });
+    resolver.Offer(
+        "PluginObjectArrayGetProc", +[](_REALarray *) { return FirstElement; });
+    rbversion = 2013.04;
+    OldArray array = {.elements = nullptr};
+    CHECK(ReadArrayObject(reinterpret_cast<_REALarray *>(&array), 0).Get() == kPrevious);
+    CHECK(REALGetArrayString(reinterpret_cast<_REALarrayString *>(&array), 0) == nullptr);
+    CHECK(resolver.Questions("REALLockObject") == 0);
+    CHECK(resolver.Questions("REALLockString") == 0);
+    CHECK(resolver.Questions("RuntimeDirectReadStringArray") == 1);
+
+    element = kPrevious;
+    array.elements = &element;
+    CHECK(ReadArrayObject(reinterpret_cast<_REALarray *>(&array), 0).Get() == kPrevious);
+    CHECK(resolver.Questions("REALLockObject") > 0);
+    rbversion = 0;
 }

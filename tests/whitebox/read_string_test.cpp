@@ -4,8 +4,12 @@
 
 #include "host/owned.h"
 #include "host/strings.h"
+#include "tests/support/host_ages.h"
+#include "tests/whitebox/failing_memory.h"
 #include "tests/whitebox/small_host.h"
 
+using tests::AtAges;
+using whitebox::FailingMemory;
 using whitebox::SmallHost;
 
 namespace {
@@ -51,6 +55,27 @@ TEST_CASE("A string of length 0 is the empty string, with bytes or without") {
     }
 }
 
+TEST_CASE("UTF-16 is read to the end of each string") {
+    SmallHost host(2013.04);
+    for (const size_t length : {2U, 6U, 4U}) {
+        REALstringStruct *string = host.NewString(std::string(length, 'a'), kCFStringEncodingUnicode);
+        const auto converted = OwnedCF<CFStringRef>::Adopt(RBString2CFString(string));
+        REQUIRE(converted);
+        CHECK(CFStringGetLength(converted.Get()) == static_cast<CFIndex>(length / 2));
+        host.Take(string);
+    }
+}
+
+TEST_CASE("A host is asked for its own conversion twice from 2012.0 on, and once before") {
+    AtAges({2011.4, 2012.0, 2016.0, 2011.4}, [&](double version) {
+        SmallHost host(version);
+        REALstringStruct *string = host.NewString("abc", kCFStringEncodingUTF8);
+        CHECK(OwnedCF<CFStringRef>::Adopt(RBString2CFString(string)));
+        CHECK(host.CallCount("REALGetStringCFString") == (version < 2012.0 ? 1 : 2));
+        host.Take(string);
+    });
+}
+
 TEST_CASE("The length byte in front of an old host's text is not believed") {
     SilentHost host;
     OldString string{0, "\1abc", 0, 3};
@@ -89,6 +114,14 @@ TEST_CASE("A text whose UTF-8 form may need 2 GiB or more gives no string and is
         CHECK(CFString2RBString(reinterpret_cast<CFStringRef>(&string)) == nullptr);
     }
     CHECK(host.Calls().empty());
+}
+
+TEST_CASE("A text whose UTF-8 form may need no more gets the memory for it, if there is any") {
+    const SmallHost host(2013.04);
+    ConstantString string{.length = 357913941};
+    const FailingMemory memory(1);
+    CHECK(CFString2RBString(reinterpret_cast<CFStringRef>(&string)) == nullptr);
+    CHECK(memory.Asked() == std::vector<size_t>{2147483646});
 }
 
 TEST_CASE("A text of negative length gives no string") {

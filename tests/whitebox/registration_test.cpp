@@ -5,12 +5,15 @@
 #include "host/services.h"
 #include "plugin/old_records.h"
 #include "plugin/registration.h"
+#include "tests/whitebox/failing_memory.h"
 #include "tests/whitebox/fake_resolver.h"
 
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <vector>
 
+using whitebox::FailingMemory;
 using whitebox::FakeResolver;
 
 namespace {
@@ -49,6 +52,42 @@ template <class Record> uint32_t WordOf(const Record *record, size_t word) {
 
 int32_t Getter(REALobjectStruct *, int32_t) { return 0; }
 void DoNothing(REALobjectStruct *) {}
+
+/// A class that has a row, or `count` of them, in each of its tables.
+struct FullClass {
+    explicit FullClass(uint32_t count) {
+        record.properties.count = record.methods.count = record.events.count = count;
+        record.constants.count = record.sharedMethods.count = record.sharedProperties.count = count;
+    }
+    ~FullClass() {
+        if (record.version != 9)
+            return;
+        for (void *table : Tables())
+            std::free(table);
+    }
+    FullClass(const FullClass &) = delete;
+    FullClass &operator=(const FullClass &) = delete;
+
+    /// In the order in which they are converted.
+    std::vector<void *> Tables() const {
+        return {record.properties.rows, record.methods.rows,       record.events.rows,
+                record.constants.rows,  record.sharedMethods.rows, record.sharedProperties.rows};
+    }
+
+    REALproperty properties[2] = {Stored("One", "Integer", 0), Stored("Two", "Integer", 4)};
+    REALmethodDefinition methods[2] = {Method("One", DoNothing), Method("Two", DoNothing)};
+    REALevent events[2] = {Event("One()"), Event("Two()")};
+    REALconstant constants[2] = {Constant("kOne=1"), Constant("kTwo=2")};
+    REALmethodDefinition sharedMethods[2] = {SharedMethod("Three", DoNothing), SharedMethod("Four", DoNothing)};
+    REALproperty sharedProperties[2] = {Stored("Three", "Integer", 8), Stored("Four", "Integer", 12)};
+    REALclassDefinition record = {.name = "Full",
+                                  .properties = properties,
+                                  .methods = methods,
+                                  .events = events,
+                                  .constants = constants,
+                                  .sharedProperties = sharedProperties,
+                                  .sharedMethods = sharedMethods};
+};
 
 } // namespace
 
@@ -186,6 +225,46 @@ TEST_CASE("In the old layout a table whose size is beyond 31 bits is null and ke
     MyREALRegisterClass(record);
     CHECK(record.methods.rows == nullptr);
     CHECK(record.methods.count == 0x08000000);
+}
+
+TEST_CASE("In the old layout each class gets tables of its own, with room for its rows and no more") {
+    const RegisteringHost host(9);
+    for (const uint32_t count : {1U, 2U}) {
+        FullClass aClass(count);
+        const FailingMemory memory(0);
+        MyREALRegisterClass(aClass.record);
+        CHECK(memory.Asked() ==
+              std::vector<size_t>{count * 40, count * 16, count * 8, count * 12, count * 16, count * 40});
+        const auto nameOf = [](const void *rows, uint32_t row, uint32_t words, uint32_t word) {
+            return reinterpret_cast<const char *>(static_cast<const uint32_t *>(rows)[row * words + word]);
+        };
+        const auto &record = aClass.record;
+        const uint32_t last = count - 1;
+        CHECK(nameOf(record.properties.rows, last, 10, 1) == aClass.properties[last].name);
+        CHECK(nameOf(record.methods.rows, last, 4, 2) == aClass.methods[last].declaration);
+        CHECK(nameOf(record.events.rows, last, 2, 0) == aClass.events[last].declaration);
+        CHECK(nameOf(record.constants.rows, last, 3, 0) == aClass.constants[last].declaration);
+        CHECK(nameOf(record.sharedMethods.rows, last, 4, 2) == aClass.sharedMethods[last].declaration);
+        CHECK(nameOf(record.sharedProperties.rows, last, 10, 1) == aClass.sharedProperties[last].name);
+        for (uint32_t i = 0; i < 2; i++)
+            CHECK(aClass.events[i].forSystemUse ==
+                  (i < count ? reinterpret_cast<uintptr_t>(record.events.rows) + i * sizeof(OldREALevent) : 0));
+    }
+}
+
+TEST_CASE(
+    "In the old layout properties are converted first, then methods, events, constants, shared methods and shared "
+    "properties, and one without memory is null") {
+    const RegisteringHost host(9);
+    for (int failing = 1; failing <= 6; failing++) {
+        CAPTURE(failing);
+        FullClass aClass(2);
+        const FailingMemory memory(failing);
+        MyREALRegisterClass(aClass.record);
+        const auto tables = aClass.Tables();
+        for (int i = 0; i < 6; i++)
+            CHECK((tables[static_cast<size_t>(i)] == nullptr) == (i + 1 == failing));
+    }
 }
 
 TEST_CASE("FixProperties gives null for no properties") {

@@ -3,6 +3,7 @@
 #include <doctest/doctest.h>
 
 #include "host/host_function.h"
+#include "host/owned.h"
 #include "host/services.h"
 #include "tests/whitebox/fake_resolver.h"
 #include "tests/whitebox/restored.h"
@@ -205,6 +206,30 @@ SERVICE(memoryBlockGetPtr, "memoryBlockGetPtr")
 SERVICE(REALFolderItemFromParentFSRef, "REALFolderItemFromParentFSRef")
 SERVICE(FolderItemFromFSSpec, "FolderItemFromFSSpec")
 
+TEST_CASE("Whether the host has a service is asked for each service by itself, and anew while it has not") {
+    const Restored lock(REALLockObject), unlock(REALUnlockObject);
+    FakeResolver resolver;
+    CHECK_FALSE(REALLockObject);
+    resolver.Offer("REALLockObject", Shape<decltype(REALLockObject)>::kService);
+    CHECK(REALLockObject);
+    CHECK_FALSE(REALUnlockObject);
+}
+
+TEST_CASE("What a host cannot add a reference to is not held, and is held once the host can") {
+    const Restored lock(REALLockObject), unlock(REALUnlockObject);
+    const Restored lockString(REALLockString), unlockString(REALUnlockString);
+    FakeResolver resolver;
+    auto *const object = Sample<REALobjectStruct *>();
+    CHECK_FALSE(Hold(object));
+    resolver.Offer("REALLockObject", Shape<decltype(REALLockObject)>::kService);
+    CHECK(Hold(object).Give() == object);
+
+    auto *const string = Sample<REALstringStruct *>();
+    CHECK_FALSE(Hold(string));
+    resolver.Offer("REALLockString", Shape<decltype(REALLockString)>::kService);
+    CHECK(Hold(string).Give() == string);
+}
+
 namespace {
 
 int32_t Doubled(int32_t value) { return 2 * value; }
@@ -237,6 +262,26 @@ TEST_CASE(
     CHECK(function(21) == 42);
     CHECK(function(4) == 8);
     CHECK(loads == 3);
+}
+
+namespace {
+
+template <int32_t answer> int32_t Answering(REALobjectStruct *) { return answer; }
+
+HostCode LoadOneOfTwo(REALmoduleStruct *, const char *declaration) {
+    return reinterpret_cast<HostCode>(declaration == std::string("One(o As Object) As Integer") ? Answering<1>
+                                                                                                : Answering<2>);
+}
+
+} // namespace
+
+TEST_CASE("Functions of the host language of one shape are each loaded by their own declaration") {
+    const Restored restored(REALLoadGlobalMethod);
+    FakeResolver resolver;
+    resolver.Offer("REALLoadGlobalMethod", LoadOneOfTwo);
+    HostFunction<int32_t(REALobjectStruct *)> one("One(o As Object) As Integer"), two("Two(o As Object) As Integer");
+    CHECK(one(nullptr) == 1);
+    CHECK(two(nullptr) == 2);
 }
 
 TEST_CASE("A host boolean is true for any bit of its low byte and for nothing above it") {

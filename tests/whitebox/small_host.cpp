@@ -102,11 +102,11 @@ struct SmallHost::Services {
         String::Of(string)->references++;
     }
     static void UnlockString(REALstringStruct *string) {
-        Host().Enter("REALUnlockString");
         if (--String::Of(string)->references == 0) {
             delete String::Of(string);
             Host().alive_--;
         }
+        Host().Enter("REALUnlockString");
     }
     static CFStringEncoding GetStringEncoding(REALstringStruct *string) {
         Host().Enter("REALGetStringEncoding");

@@ -45,7 +45,7 @@ public:
 
     /// The service is not there. "LenB" is one, too.
     void Withhold(const std::string &name) { withheld_.insert(name); }
-    /// Every call of the service does this first; it may throw.
+    /// Every call of the service does this first; it may throw. "REALUnlockString" does it last.
     void Before(const std::string &name, std::function<void()> action) { actions_[name] = std::move(action); }
 
     /// +1.

@@ -63,14 +63,15 @@ TEST_CASE("A 99-unit string uses the stack path and a 100-unit string the heap p
 }
 
 TEST_CASE("On hosts below 2013.0, UTF-32 below 800 bytes uses the stack path and from 800 on the heap path") {
-    for (const uint32_t points : {1U, 198U, 199U, 200U, 201U}) {
-        CAPTURE(points);
+    for (const uint32_t bytes : {4U, 792U, 796U, 799U, 800U, 804U}) {
+        CAPTURE(bytes);
         SmallHost host(2012.5);
-        const std::vector<uint32_t> text(points, 'x');
+        const uint32_t points = bytes / 4;
+        const std::vector<uint32_t> text(points + 1, 'x');
         REALstringStruct *built = nullptr;
         CHECK(AllocationsOf(points * 4 + 2, [&] {
-                  built = REALBuildUnicodeString(text.data(), int64_t{points} * 4, kCFStringEncodingUTF32);
-              }) == (points < 200 ? 0 : 1));
+                  built = REALBuildUnicodeString(text.data(), int64_t{bytes}, kCFStringEncodingUTF32);
+              }) == (bytes < 800 ? 0 : 1));
         REQUIRE(built);
         CHECK(host.Take(built)->bytes == std::string(points, 'x'));
     }

@@ -58,6 +58,34 @@ TEST_CASE("Index 3 on a three-element array raises \"OutOfBoundsException\" and 
     });
 }
 
+TEST_CASE("An index outside the array builds no string but the message") {
+    SmallHost host(2013.04);
+    CHECK_FALSE(ReadArrayString(ThreeStrings(host), 3));
+    CHECK(host.CallCount("REALBuildString") == 1);
+    CHECK(MessageOfOne(host) == "Parameter index  is too big. Range is 0 to 2, but value is 3.");
+}
+
+TEST_CASE("Whether elements lie in a table is seen at each array, and never from 2016.0 on") {
+    AtAges({2011.4, 2015.99, 2016.0}, [&](double version) {
+        SmallHost host(version);
+        for (const bool isDirect : {true, false, true})
+            CHECK(HasDirectElements(ThreeStrings(host, isDirect)) == (isDirect && version < 2016.0));
+    });
+}
+
+TEST_CASE("An upper bound is never below -1, nor above what can be counted past") {
+    SmallHost host(2013.04);
+    _REALarrayString *array = host.NewArray({}, false);
+    const struct {
+        int32_t told, taken;
+    } rows[] = {{INT32_MIN, -1},           {-2, -1}, {-1, -1}, {0, 0}, {7, 7}, {INT32_MAX - 2, INT32_MAX - 2},
+                {INT32_MAX, INT32_MAX - 2}};
+    for (const auto &row : rows) {
+        host.SetUpperBound(array, row.told);
+        CHECK(UpperBoundOf(array) == row.taken);
+    }
+}
+
 TEST_CASE("The range of an empty array reads 0 to -1") {
     SmallHost host(2013.04);
     CHECK(REALGetArrayString(host.NewArray({}, false), 0) == nullptr);

@@ -5,6 +5,8 @@
 #include "host/exceptions.h"
 #include "host/strings.h"
 #include "tests/support/host_ages.h"
+#include "tests/whitebox/fake_resolver.h"
+#include "tests/whitebox/restored.h"
 #include "tests/whitebox/small_host.h"
 
 #include <stdexcept>
@@ -12,8 +14,10 @@
 #include <utility>
 
 using tests::AtAges;
+using whitebox::FakeResolver;
 using whitebox::HostException;
 using whitebox::HostText;
+using whitebox::Restored;
 using whitebox::SmallHost;
 
 namespace {
@@ -242,6 +246,43 @@ TEST_CASE("UTF-16 of no length at all is still built, and a length that no text 
         CHECK(REALBuildUnicodeStringUTF16(nullptr, 2) == nullptr);
         CHECK(host.Calls().size() == calls);
     });
+}
+
+namespace {
+
+std::vector<int32_t> builtLengths;
+
+REALstringStruct *BuildNothing(const void *, int32_t length) {
+    builtLengths.push_back(length);
+    return nullptr;
+}
+
+} // namespace
+
+TEST_CASE("The host is asked for texts of up to 2 GiB but one byte") {
+    const Restored build(REALBuildString);
+    FakeResolver resolver;
+    resolver.Offer("REALBuildString", BuildNothing);
+    builtLengths.clear();
+    for (const int64_t length : {INT64_C(1), INT64_C(0x7FFFFFFF), INT64_C(0x80000000)})
+        CHECK(REALBuildUnicodeString("a", length, kUTF8) == nullptr);
+    CHECK(builtLengths == std::vector<int32_t>{1, 0x7FFFFFFF});
+    builtLengths.clear();
+    for (const int64_t length : {INT64_C(0), INT64_C(0x7FFFFFFF), INT64_C(0x80000000)})
+        CHECK(REALBuildUnicodeStringUTF16("a", length) == nullptr);
+    CHECK(builtLengths == std::vector<int32_t>{0, 0x7FFFFFFF});
+}
+
+TEST_CASE("A host that throws while the intermediate string is given up gets the exception in place of the text") {
+    SmallHost host(2013.04);
+    bool armed = true;
+    host.Before("REALUnlockString", [&] {
+        if (std::exchange(armed, false))
+            throw std::range_error("late");
+    });
+    CHECK(Build(host, "abcd", kUTF16) == std::nullopt);
+    CHECK(host.raised == std::vector<HostException>{{"OutOfBoundsException", HostText{"late", 0x0600}, 0}});
+    CHECK(host.Alive() == 0);
 }
 
 namespace {
