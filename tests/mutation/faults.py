@@ -21,6 +21,9 @@ class Fault:
     function: tuple[int, int] | None = None
     # The compiler may have run that function, so that no test is seen to reach it.
     at_compile_time: bool = False
+    # The name of the function, or of the variable that the fault is part of; none for what is only known while compiling.
+    function_name: str = ""
+    variable: str = ""
 
     @property
     def room(self) -> str:

@@ -29,11 +29,28 @@ def fault(node: Node, kind: str, text: str, start: int | None = None, end: int |
         line=node.source.bytes.count(b"\n", 0, first) + 1,
         function=span,
         at_compile_time=function is not None and is_constexpr(function),
+        function_name=_name(function),
+        variable="" if function else _variable(node),
     )
 
 
+def _name(function: Node | None) -> str:
+    """Its own, or that of the function in which a lambda stands."""
+    while function and function.kind == CursorKind.LAMBDA_EXPR:
+        function = function.function
+    return str(function.cursor.spelling) if function else ""
+
+
+def _variable(node: Node) -> str:
+    for outer in (node, *node.above()):
+        if outer.kind == CursorKind.VAR_DECL and not is_constexpr(outer):
+            return str(outer.cursor.spelling)
+    return ""
+
+
 def is_constexpr(function: Node) -> bool:
-    """Whether the compiler may run the function, which clang's interface tells by the words before its name only."""
+    """Whether the compiler may run the function, or may reckon with the variable; clang's interface tells it by the words
+    before the name only."""
     head = function.source.bytes[function.start : function.end].split(b"{", 1)[0]
     return re.search(rb"\bconstexpr\b", head) is not None
 

@@ -23,7 +23,7 @@ from pathlib import Path
 
 from faults import ChangedLines, Fault
 from finding import ROOMS, find_faults, product_files
-from reach import measure
+from reach import measure, runs_again
 from report import Tally, complaints, diff, table
 from trial import Court, Outcome, Verdict
 from unnoticeable import read_list
@@ -141,21 +141,25 @@ def main() -> int:
     found = _found(tree, files, workshop.parsing_flags(), work / "faults.json", jobs)
     listed = read_list(_HERE / "unnoticeable.txt")
     known = {fault.changed_lines(tree) for fault in found}
-    stale = [entry for entry in listed if entry.file in files and entry not in known]
+    stale = [str(entry) for entry in listed.faults if entry.file in files and entry not in known]
 
     programs = [workshop.build / "bin" / f"{room}-tests" for room in ROOMS]
     library = workshop.counting_library(_HERE / "reach_recorder.cpp", jobs)
     cases = measure(tree, library, programs, work / "reach.json", jobs, _say)
-    faults = _choose(found, whats, options.sample, options.seed)
-    _say(f"{len(faults)} of {len(found)} faults are tried")
+    once = [fault for fault in found if listed.remembers_once(fault) and not runs_again(fault, cases)]
+    needed = {(fault.file, fault.function_name) for fault in once}
+    stale += [f"{file}\nonce {name}" for file, name in listed.once if file in files and (file, name) not in needed]
+    made = [fault for fault in found if fault not in set(once)]
+    faults = _choose(made, whats, options.sample, options.seed)
+    _say(f"{len(faults)} of {len(made)} faults are tried, and none of {len(once)} that remember what is asked for once")
     killers = work / "killers.jsonl"
-    run = Run(workshop, Court(workshop, cases, _known_killers(killers)), listed, killers)
+    run = Run(workshop, Court(workshop, cases, _known_killers(killers)), listed.faults, killers)
     run.try_all(faults, jobs)
 
     for fault in run.survivors:
         print(diff(fault, fault.changed_lines(tree)))
     print(table(run.tallies))
-    wrong = [f"unnoticeable.txt names a fault that is none:\n{entry}" for entry in stale]
+    wrong = [f"unnoticeable.txt names what is no fault, or what runs again:\n{entry}" for entry in stale]
     for fault in run.wrongly_listed:
         wrong.append(f"unnoticeable.txt names a fault that is found:\n{fault.changed_lines(tree)}")
     if options.sample is None:

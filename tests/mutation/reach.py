@@ -25,8 +25,9 @@ class Case:
     title: str
     # Of processor time, which other programs on the machine do not change.
     seconds: float
-    # The lines of each file at which a piece of code begins that it ran.
+    # The lines of each file at which a piece of code begins that it ran, and that it ran twice in a life of the library.
     lines: dict[str, set[int]] = field(default_factory=dict)
+    again: dict[str, set[int]] = field(default_factory=dict)
 
     @property
     def size(self) -> int:
@@ -45,15 +46,31 @@ class Case:
         return max((line for line in self.lines.get(fault.file, ()) if line <= fault.line), default=0)
 
 
+def closest(fault: Fault) -> set[str]:
+    """The test programs that are about the fault: its room's, and for what is no code that runs those of what is
+    registered."""
+    own = {f"{fault.room}-tests"}
+    return own if fault.function and not fault.at_compile_time else own | {"plugin-tests"}
+
+
 def cases_for(fault: Fault, cases: list[Case]) -> list[Case]:
     """The cases that may notice the fault, those first that come nearest to it and reach little else. Data, and what the
     compiler reckons, is part of everything; the tests of the room and those of what is registered look at it."""
     reaching = [case for case in cases if case.reaches(fault)]
     if not reaching and (not fault.function or fault.at_compile_time):
-        closest = {f"{fault.room}-tests", "plugin-tests"}
+        own = closest(fault)
         reaching = [case for case in cases if fault.file in case.lines] or cases
-        return sorted(reaching, key=lambda case: (case.program not in closest, case.seconds))
+        return sorted(reaching, key=lambda case: (case.program not in own, case.seconds))
     return sorted(reaching, key=lambda case: (-case.nearest(fault), case.size, case.seconds))
+
+
+def runs_again(fault: Fault, cases: list[Case]) -> bool:
+    """Whether the piece of code in which the fault is runs more than once in one life of the library, in any case."""
+    if not fault.function:
+        return False
+    ran = {line for case in cases for line in case.lines.get(fault.file, ())}
+    begins = max((line for line in ran if fault.function[0] <= line <= fault.line), default=0)
+    return any(begins in case.again.get(fault.file, ()) for case in cases)
 
 
 def titles_of(program: Path) -> list[str]:
@@ -81,29 +98,38 @@ def measure(
             raise SystemExit("mutate: no test reaches a line of the product")
         kept.write_text(json.dumps(known), "utf-8")
     return [
-        Case(case["program"], case["title"], case["seconds"], {file: set(at) for file, at in case["lines"].items()})
+        Case(case["program"], case["title"], case["seconds"], _sets(case["lines"]), _sets(case["again"]))
         for case in known["cases"]
     ]
+
+
+def _sets(lines: dict[str, list[int]]) -> dict[str, set[int]]:
+    return {file: set(at) for file, at in lines.items()}
 
 
 def _run_all(tree: Path, library: Path, programs: list[Path], jobs: int) -> list[dict[str, object]]:
     work = [(program, title) for program in programs for title in titles_of(program)]
     with ThreadPoolExecutor(jobs) as pool:
         runs = list(pool.map(lambda one: _run(library, one[0], one[1], work.index(one)), work))
-    places = _lines_at(tree, library, sorted({offset for _, offsets in runs for offset in offsets}))
+    places = _lines_at(tree, library, sorted({offset for _, marks in runs for offset in marks}))
     found = []
-    for (program, title), (seconds, offsets) in zip(work, runs):
-        lines: dict[str, set[int]] = {}
-        for offset in offsets:
-            if offset in places:
-                lines.setdefault(places[offset][0], set()).add(places[offset][1])
-        ordered = {file: sorted(at) for file, at in lines.items()}
-        found.append({"program": program.name, "title": title, "seconds": seconds, "lines": ordered})
+    for (program, title), (seconds, marks) in zip(work, runs):
+        lines = _lines(places, list(marks))
+        again = _lines(places, [offset for offset, mark in marks.items() if mark > 1])
+        found.append({"program": program.name, "title": title, "seconds": seconds, "lines": lines, "again": again})
     return found
 
 
-def _run(library: Path, program: Path, title: str, number: int) -> tuple[float, list[int]]:
-    """How long a case takes, and the offsets of the code that it ran."""
+def _lines(places: dict[int, tuple[str, int]], offsets: list[int]) -> dict[str, list[int]]:
+    lines: dict[str, set[int]] = {}
+    for offset in offsets:
+        if offset in places:
+            lines.setdefault(places[offset][0], set()).add(places[offset][1])
+    return {file: sorted(at) for file, at in lines.items()}
+
+
+def _run(library: Path, program: Path, title: str, number: int) -> tuple[float, dict[int, int]]:
+    """How long a case takes, and the recorder's mark for each offset of code that it ran."""
     marks = library.parent / f"reach-{number}"
     command = [str(program), "--plugin", str(library), chosen([title])]
     environment = {**os.environ, "SPOTLIGHT_REACH": str(marks)}
@@ -119,7 +145,7 @@ def _run(library: Path, program: Path, title: str, number: int) -> tuple[float, 
     marks.unlink(missing_ok=True)
     count = len(noted) // 5
     offsets = struct.unpack(f"<{count}I", noted[count:])
-    return seconds, [offset for mark, offset in zip(noted, offsets) if mark]
+    return seconds, {offset: mark for mark, offset in zip(noted, offsets) if mark}
 
 
 def _lines_at(tree: Path, library: Path, offsets: list[int]) -> dict[int, tuple[str, int]]:

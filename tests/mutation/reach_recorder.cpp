@@ -1,6 +1,7 @@
 // Linked into a copy of the product that clang made to tell where it was: notes each of its places that ran, in the
-// file that the environment names. The file has a byte for each place, then for each the offset of its code in the
-// library, four bytes. All copies of one library in a process share it, and it holds what ran in any of them.
+// file that the environment names. The file has a byte for each place, 1 where it ran and 2 where it ran more than once
+// in the life of one copy of the library, then for each the offset of its code in the library, four bytes. All copies of
+// one library in a process share it, and it holds what ran in any of them.
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
@@ -11,7 +12,7 @@ extern "C" {
 // The library's first byte, which the linker defines.
 [[gnu::visibility("hidden")]] extern const char __ehdr_start;
 void __sanitizer_cov_trace_pc_guard_init(uint32_t *begin, const uint32_t *end);
-void __sanitizer_cov_trace_pc_guard(const uint32_t *place);
+void __sanitizer_cov_trace_pc_guard(uint32_t *place);
 void __sanitizer_cov_pcs_init(const uintptr_t *begin, const uintptr_t *end);
 }
 
@@ -19,6 +20,8 @@ namespace {
 
 uint8_t *marks = nullptr;
 size_t places = 0;
+/// Added to a place's number, which each copy of the library has for itself, when it has run.
+constexpr uint32_t kRan = 0x80000000;
 
 } // namespace
 
@@ -49,7 +52,13 @@ void __sanitizer_cov_pcs_init(const uintptr_t *begin, const uintptr_t *end) {
         offsets[i] = static_cast<uint32_t>(begin[2 * i] - reinterpret_cast<uintptr_t>(&__ehdr_start));
 }
 
-void __sanitizer_cov_trace_pc_guard(const uint32_t *place) {
-    if (marks)
-        marks[*place] = 1;
+void __sanitizer_cov_trace_pc_guard(uint32_t *place) {
+    if (!marks)
+        return;
+    uint8_t &mark = marks[*place & ~kRan];
+    if (*place & kRan)
+        mark = 2;
+    else if (mark == 0)
+        mark = 1;
+    *place |= kRan;
 }

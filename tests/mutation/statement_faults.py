@@ -44,6 +44,11 @@ def _is_declaration(node: Node) -> bool:
     return node.kind == CursorKind.DECL_STMT
 
 
+def _is_lasting(node: Node) -> bool:
+    """A declaration that does nothing where it stands."""
+    return _is_declaration(node) and node.text.startswith(("static constexpr", "static constinit"))
+
+
 def _declared(node: Node) -> list[str]:
     return [child.cursor.spelling for child in node.children] if _is_declaration(node) else []
 
@@ -74,7 +79,7 @@ def _words(text: str) -> list[str]:
 
 def _swapped(first: Node, second: Node) -> Iterator[Fault]:
     for node in (first, second):
-        if node.kind in _JUMPS or node.kind in STATEMENT_BLOCKS:
+        if node.kind in _JUMPS or node.kind in STATEMENT_BLOCKS or _is_lasting(node):
             return
     if not _order_matters(first, second):
         return

@@ -79,6 +79,18 @@ class StatementsAndConditions(MadeUpTree):
         self.assertEqual(self.changes(source, "statement left out"), {("tell(answer);", ";")})
         self.assertEqual(self.changes(source, "neighbours swapped"), set())
 
+    def test_a_constant_that_lasts_may_stand_anywhere(self) -> None:
+        source = """\
+            struct Cell { constexpr Cell(int what) : what(what) {} int what; };
+            void tell(int what);
+            void both() {
+                tell(1);
+                static constexpr Cell cell{2};
+                tell(cell.what);
+            }
+            """
+        self.assertEqual(self.changes(source, "neighbours swapped"), set())
+
     def test_the_last_return_of_a_function_stays(self) -> None:
         self.assertEqual(self.changes("int answer() { return 42; }\n", "statement left out"), set())
 
@@ -143,6 +155,10 @@ class Values(MadeUpTree):
         replaced = [after.split("{ ")[1] for _, after in self.changes(source, "another argument")]
         self.assertEqual(sorted(replaced), ["put(left, left, now); }", "put(right, right, now); }"])
 
+    def test_arguments_whose_order_is_all_the_same_stay(self) -> None:
+        source = "extern int max(int, int);\nint both(int left, int right) { return max(left, right); }\n"
+        self.assertEqual(self.changes(source, "arguments swapped"), set())
+
     def test_rows_of_a_table_are_left_out(self) -> None:
         source = "constexpr const char *kWords[] = {kA, kB, kC};\n"
         source = 'constexpr const char *kA = "a", *kB = "b", *kC = "c";\n' + source
@@ -181,6 +197,15 @@ class Lifetimes(MadeUpTree):
         )
 
 
+    def test_a_constant_text_is_always_the_same(self) -> None:
+        source = """\
+            const int *Make(const char *);
+            #define CFSTR(text) Make(text)
+            const int *Name() { return CFSTR("name"); }
+            """
+        self.assertEqual(self.changes(source, "result remembered"), set())
+
+
 class Files(MadeUpTree):
     def test_a_header_is_part_of_every_source_that_includes_it_by_whatever_way(self) -> None:
         self.write("host/inner.h", "inline int Inner() { return 1; }\n")
@@ -196,6 +221,15 @@ class Files(MadeUpTree):
     def test_a_fault_knows_its_line_and_the_function_around_it(self) -> None:
         fault = next(one for one in self.faults("\nint answer() {\n    return 41 + 1;\n}\n") if one.text == "42")
         self.assertEqual((fault.line, fault.function, fault.room), (3, (2, 4), "host"))
+        self.assertEqual((fault.function_name, fault.variable), ("answer", ""))
+
+    def test_a_fault_in_a_lambda_is_in_the_function_around_it(self) -> None:
+        found = self.faults("int answer() { return [] { return 41; }(); }\n")
+        self.assertEqual({fault.function_name for fault in found}, {"answer"})
+
+    def test_a_fault_in_data_knows_the_variable_unless_the_compiler_reckons_with_it(self) -> None:
+        self.assertEqual({fault.variable for fault in self.faults("int answer = 41;\n")}, {"answer"})
+        self.assertEqual({fault.variable for fault in self.faults("constexpr int answer = 41;\n")}, {""})
 
     def test_a_fault_is_named_by_its_lines_wherever_they_are(self) -> None:
         source = "int answer() { return 41; }\n"

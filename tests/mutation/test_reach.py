@@ -5,7 +5,7 @@ from __future__ import annotations
 import unittest
 
 from faults import Fault
-from reach import Case, cases_for, chosen
+from reach import Case, cases_for, chosen, closest, runs_again
 
 
 def _fault(function: tuple[int, int] | None, line: int = 12, at_compile_time: bool = False) -> Fault:
@@ -34,6 +34,21 @@ class Reach(unittest.TestCase):
         case = Case("host-tests", "other", 0, {"host/b.cpp": {12}})
         self.assertEqual(cases_for(_fault((10, 20), at_compile_time=True), [case]), [case])
         self.assertEqual(cases_for(_fault((10, 20)), [case]), [])
+
+    def test_data_is_the_business_of_its_room_and_of_what_is_registered(self) -> None:
+        self.assertEqual(closest(_fault(None)), {"host-tests", "plugin-tests"})
+        self.assertEqual(closest(_fault((10, 20), at_compile_time=True)), {"host-tests", "plugin-tests"})
+        self.assertEqual(closest(_fault((10, 20))), {"host-tests"})
+
+    def test_a_function_may_run_again_in_a_part_of_it(self) -> None:
+        cases = [
+            Case("host-tests", "a start", 1, {"host/a.cpp": {10, 12, 30}}),
+            Case("host-tests", "a second start", 1, {"host/a.cpp": {10, 12}}, {"host/a.cpp": {10}}),
+        ]
+        self.assertTrue(runs_again(_fault((10, 20), line=11), cases))
+        self.assertFalse(runs_again(_fault((10, 20), line=12), cases))
+        self.assertFalse(runs_again(_fault((10, 20), line=19), cases))
+        self.assertFalse(runs_again(_fault(None), cases))
 
     def test_titles_with_commas_stay_one_title(self) -> None:
         self.assertEqual(chosen(["One, two", "a \\ b"]), "-tc=One\\, two,a \\\\ b")

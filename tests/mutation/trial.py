@@ -10,14 +10,14 @@ from enum import Enum
 from pathlib import Path
 
 from faults import Fault
-from reach import Case, cases_for, chosen
+from reach import Case, cases_for, chosen, closest
 from workshop import Workshop
 
 # So many cases are run before it is looked whether the fault makes any difference at all; those that take longer than
 # so many seconds are run last. Of processor time a fault has so much: what runs at every start is reached by every test,
 # and those of the room and those that come nearest are enough. What they miss counts as a survivor.
 _FIRST = 16
-_LONG = 0.2
+_LONG = 0.25
 _MOST = 4.0
 _AGAIN = re.compile(r"^again: .* -tc='(.*)'$", re.MULTILINE)
 _QUIET = {"ASAN_OPTIONS": "symbolize=0", "UBSAN_OPTIONS": "symbolize=0"}
@@ -59,7 +59,7 @@ class Court:
         last = self._last_killer(fault)
         cases = cases_for(fault, self._cases)
         first = [case for case in self._cases if case.title == last] or [case for case in cases if case.seconds <= _LONG][:_FIRST]
-        for batch in (first, *_rest(cases, first, f"{fault.room}-tests")):
+        for batch in (first, *_rest(cases, first, closest(fault))):
             failed, killer = self._fails(batch, library)
             if failed:
                 return Verdict(Outcome.KILLED, killer)
@@ -96,15 +96,15 @@ class Court:
             return subprocess.CompletedProcess(command, 1, b"", b"")
 
 
-def _rest(cases: list[Case], first: list[Case], own: str) -> tuple[list[Case], list[Case]]:
-    """What is run behind the first ones: all short ones of the room's own, and of the others, short ones before long
+def _rest(cases: list[Case], first: list[Case], own: set[str]) -> tuple[list[Case], list[Case]]:
+    """What is run behind the first ones: all short ones of its own programs, and of the others, short ones before long
     ones, as many as a fault has time for."""
     short: list[Case] = []
     long: list[Case] = []
     left = _MOST
     for batch, wanted in ((short, False), (long, True)):
         for case in cases:
-            seconds = 0.0 if case.program == own and not wanted else case.seconds
+            seconds = 0.0 if case.program in own and not wanted else case.seconds
             if case not in first and (case.seconds > _LONG) == wanted and seconds <= left:
                 left -= seconds
                 batch.append(case)

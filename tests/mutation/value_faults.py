@@ -23,6 +23,8 @@ _EMPTY_RESULTS = {
     "Owned<REALobjectStruct *, REALUnlockObject>": "AdoptHost(BooleanToVariant(0))",
     "Owned<_REALarrayObject *, REALUnlockObject>": "AdoptHost(static_cast<_REALarrayObject *>(REALCreateArray(4, -1)))",
 }
+# The order of their arguments makes no difference.
+_COMMUTING = {"calloc", "min", "max"}
 _VARIABLES = {CursorKind.VAR_DECL, CursorKind.PARM_DECL}
 
 
@@ -108,6 +110,8 @@ def _other_arguments(call: Node) -> Iterator[Fault]:
     arguments = _arguments(call)
     drops_in_turn = call.cursor.spelling == "Release"
     for left, right in zip(arguments, arguments[1:]):
+        if call.cursor.spelling in _COMMUTING:
+            continue
         if (left.type == right.type or drops_in_turn) and left.text != right.text and left.end <= right.start:
             gap = call.source.bytes[left.end : right.start].decode()
             yield fault(left, "arguments swapped", right.text + gap + left.text, end=right.end)

@@ -14,10 +14,11 @@ from pathlib import Path
 
 from faults import Fault
 from finding import users
+from needing import Needing
 
 # What a fault may write in the place of something that the source itself does not name.
 _ALWAYS_INCLUDED = ["-include", "host/services.h"]
-_COUNTING = ["-fsanitize-coverage=trace-pc-guard,pc-table", "-gline-tables-only"]
+_COUNTING = ["-fsanitize-coverage=trace-pc-guard,pc-table,no-prune", "-gline-tables-only"]
 LIBRARY = "lib/Spotlight.so"
 INSIDE_TESTS = "bin/whitebox-tests"
 
@@ -43,6 +44,7 @@ class Workshop:
         self._links = {target: self._link_command(target) for target in (LIBRARY, INSIDE_TESTS)}
         self._read_commands()
         self._plain: dict[str, bytes] = {}
+        self._needing = Needing(tree, {source: self._counting(source) for source in self._objects})
 
     def _read_commands(self) -> None:
         for entry in json.loads((self.build / "compile_commands.json").read_text("utf-8")):
@@ -77,13 +79,19 @@ class Workshop:
     def compile_fault(self, fault: Fault, folder: Path) -> Made | None:
         """Compiles what the fault is part of; None when it does not compile."""
         changed = self._lay_out(fault, folder)
-        made = Made(self.users[fault.file], [])
+        made = Made(self._needing_sources(fault), [])
         for source in made.sources:
             path = changed if source == fault.file else self.tree / source
             made.objects.append(folder / (source.replace("/", "_") + ".o"))
             if not self._compile(source, path, made.objects[-1], ["-I", str(folder / "tree")]):
                 return None
         return made
+
+    def _needing_sources(self, fault: Fault) -> list[str]:
+        return [source for source in self.users[fault.file] if self._needing.needs(source, fault)]
+
+    def _counting(self, source: str) -> Path:
+        return self.work / "counting" / (source.replace("/", "_") + ".o")
 
     def _lay_out(self, fault: Fault, folder: Path) -> Path:
         shutil.rmtree(folder, ignore_errors=True)
@@ -106,13 +114,11 @@ class Workshop:
         return self._link(words, folder / "Spotlight.so")
 
     def link_inside_tests(self, made: Made, folder: Path) -> Path:
-        """The tests that are linked with the product, with the fault in it: its objects come before the archive."""
-        words: list[str] = []
-        for word in self._links[INSIDE_TESTS]:
-            if word.endswith("libproduct.a"):
-                words += map(str, made.objects)
-            words.append(word)
-        return self._link(words, folder / "whitebox-tests")
+        """The tests that are linked with the product, with the fault in it. Its objects come first of all: the tests have
+        inline functions of the product's headers as well, without the fault, and the linker takes the first."""
+        words = self._links[INSIDE_TESTS]
+        first = next(place for place, word in enumerate(words) if word.endswith(".o"))
+        return self._link([*words[:first], *map(str, made.objects), *words[first:]], folder / "whitebox-tests")
 
     def _link(self, words: list[str], output: Path) -> Path:
         command = [str(output) if word == "@OUTPUT@" else word for word in words]
@@ -123,7 +129,7 @@ class Workshop:
         """Whether an optimising compiler makes of the faulty source what it makes of the right one."""
         changed = self._lay_out(fault, folder / "plain")
         output = folder / "plain.o"
-        for source in self.users[fault.file]:
+        for source in self._needing_sources(fault):
             if source not in self._plain:
                 self._compile(source, self.tree / source, output, [], plain=True)
                 self._plain[source] = output.read_bytes()
@@ -147,7 +153,7 @@ class Workshop:
         flags = [flag for flag in next(iter(self._commands.values())) if not flag.startswith(sanitizing)]
 
         def counted(source: str) -> str:
-            output = str(folder / (source.replace("/", "_") + ".o"))
+            output = str(self._counting(source))
             command = ["clang++-14", *flags, *_COUNTING, "-w", "-o", output, "-c", str(self.tree / source)]
             subprocess.run(command, cwd=self.build, check=True)
             return output
