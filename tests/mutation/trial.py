@@ -87,11 +87,19 @@ class Court:
         return False, ""
 
     def _run(self, command: list[str], seconds: float) -> subprocess.CompletedProcess[bytes]:
-        """Runs tests for at most so many seconds of processor time: what takes longer than it ever did is noticed, too."""
+        """Runs tests for at most so many seconds of processor time: what takes longer than it ever did is noticed, too.
+        What they write when they fail goes where nobody looks."""
         limited = ["prlimit", f"--cpu={int(seconds) + 1}", "--core=0", *command]
         environment = {**os.environ, **_QUIET}
         try:
-            return subprocess.run(limited, env=environment, capture_output=True, check=False, timeout=60 + 20 * seconds)
+            return subprocess.run(
+                limited,
+                cwd=self._workshop.work,
+                env=environment,
+                capture_output=True,
+                check=False,
+                timeout=60 + 20 * seconds,
+            )
         except subprocess.TimeoutExpired:
             return subprocess.CompletedProcess(command, 1, b"", b"")
 
