@@ -9,46 +9,51 @@
 
 namespace {
 
-// What one element becomes; null leaves it out. One that is gone because the array shrinks meanwhile counts as nil or
-// false.
+// Appends what an element becomes; null leaves it out. The element is given up once that is in the list. One that is
+// gone because the array shrinks meanwhile counts as nil or false.
 
-OwnedCF<CFTypeRef> CopyDateElement(_REALarray *array, int32_t index) {
-    const auto date = ReadArrayObject(array, index);
-    return AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(date.Get())));
+void AppendDate(CFMutableArrayRef list, _REALarray *array, int32_t index) {
+    auto object = ReadArrayObject(array, index);
+    auto date = AdoptCF(RBDate2CFDate(static_cast<_REALdate *>(object.Get())));
+    if (date)
+        CFArrayAppendValue(list, date.Get());
+    Release(date, object);
 }
 
-OwnedCF<CFTypeRef> CopyStringElement(_REALarray *array, int32_t index) {
+void AppendString(CFMutableArrayRef list, _REALarray *array, int32_t index) {
     auto string = ReadArrayString(array, index);
     auto text = TextOrEmpty(string.Get());
-    Release(string);
-    return text;
+    CFArrayAppendValue(list, text.Get());
+    Release(text, string);
 }
 
-OwnedCF<CFTypeRef> CopyVariantElement(_REALarray *array, int32_t index) {
+void AppendVariant(CFMutableArrayRef list, _REALarray *array, int32_t index) {
     auto variant = ReadArrayObject(array, index);
     auto value = AdoptCF(CopyVariantAsCFType(variant.Get()));
-    Release(variant);
-    return value;
+    if (value)
+        CFArrayAppendValue(list, value.Get());
+    Release(value, variant);
 }
 
-OwnedCF<CFTypeRef> CopyBooleanElement(_REALarray *array, int32_t index) {
-    return HoldCF<CFTypeRef>(ReadArrayBoolean(array, index) ? kCFBooleanTrue : kCFBooleanFalse);
+void AppendBoolean(CFMutableArrayRef list, _REALarray *array, int32_t index) {
+    const auto value = HoldCF(ReadArrayBoolean(array, index) ? kCFBooleanTrue : kCFBooleanFalse);
+    CFArrayAppendValue(list, value.Get());
 }
 
-/// The list of what `elementAt` gives for each index that the array has at the beginning.
-template <class ElementAt> OwnedCF<CFMutableArrayRef> CopyArrayElements(_REALarray *array, ElementAt elementAt) {
+/// The list that `append` makes, called with each index that the array has at the beginning.
+template <class Append> OwnedCF<CFMutableArrayRef> CopyArrayElements(_REALarray *array, Append append) {
     const int32_t upperBound = UpperBoundOf(array);
     auto list = AdoptCF(CFArrayCreateMutable(kCFAllocatorDefault, CFIndex{upperBound} + 1, &kCFTypeArrayCallBacks));
     if (!list)
         return {};
     for (int32_t i = 0; i <= upperBound; i++)
-        if (const OwnedCF<CFTypeRef> element = elementAt(array, i))
-            CFArrayAppendValue(list.Get(), element.Get());
+        append(list.Get(), array, i);
     return list;
 }
 
-template <auto elementAt> OwnedCF<CFMutableArrayRef> CopyEachElement(_REALarray *array) {
-    return CopyArrayElements(array, [](_REALarray *elements, int32_t index) { return elementAt(elements, index); });
+template <auto append> OwnedCF<CFMutableArrayRef> CopyEachElement(_REALarray *array) {
+    return CopyArrayElements(
+        array, [](CFMutableArrayRef list, _REALarray *elements, int32_t index) { append(list, elements, index); });
 }
 
 // Deliberate: the numbers of the list are not those of the host array. The element getter, where the elements do not
@@ -56,12 +61,14 @@ template <auto elementAt> OwnedCF<CFMutableArrayRef> CopyEachElement(_REALarray 
 // number's reference in its low half. The variable has eight bytes, so that any number type stays inside it.
 template <auto &getElement, CFNumberType type> OwnedCF<CFMutableArrayRef> CopyNumberElements(_REALarray *array) {
     alignas(int64_t) UInt8 local[8] = {};
-    return CopyArrayElements(array, [&local](_REALarray *numbers, int32_t index) {
+    return CopyArrayElements(array, [&local](CFMutableArrayRef list, _REALarray *numbers, int32_t index) {
         if (RequireArrayIndex(numbers, index) && !HasDirectElements(numbers))
             getElement(numbers, index);
-        CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, type, local);
-        std::memcpy(local, &number, sizeof number);
-        return AdoptCF(number);
+        const auto number = AdoptCF(CFNumberCreate(kCFAllocatorDefault, type, local));
+        const CFNumberRef reference = number.Get();
+        std::memcpy(local, &reference, sizeof reference);
+        if (number)
+            CFArrayAppendValue(list, reference);
     });
 }
 
@@ -75,10 +82,10 @@ constexpr ArrayKind kArrayKinds[] = {
     {kVariantInt64, CopyNumberElements<REALGetArrayValueInt64, kCFNumberSInt64Type>},
     {kVariantSingle, CopyNumberElements<REALGetArrayValueSingle, kCFNumberFloat32Type>},
     {kVariantDouble, CopyNumberElements<REALGetArrayValueDouble, kCFNumberFloat64Type>},
-    {kVariantDate, CopyEachElement<CopyDateElement>},
-    {kVariantString, CopyEachElement<CopyStringElement>},
-    {kVariantObject, CopyEachElement<CopyVariantElement>},
-    {kVariantBoolean, CopyEachElement<CopyBooleanElement>},
+    {kVariantDate, CopyEachElement<AppendDate>},
+    {kVariantString, CopyEachElement<AppendString>},
+    {kVariantObject, CopyEachElement<AppendVariant>},
+    {kVariantBoolean, CopyEachElement<AppendBoolean>},
 };
 
 } // namespace

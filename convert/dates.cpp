@@ -22,6 +22,15 @@ CFDateRef RBDate2CFDate(_REALdate *date) {
     return CFDateCreate(kCFAllocatorDefault, CFGregorianDateGetAbsoluteTime(fields, nullptr));
 }
 
+namespace {
+
+/// Of an infinite date, and of one that is no number, the second is no number either.
+int32_t WholeSecond(const CFGregorianDate &fields) {
+    return std::isfinite(fields.second) ? static_cast<int32_t>(fields.second) : 0;
+}
+
+} // namespace
+
 OwnedObject NewHostDate(CFDateRef value) {
     using Constructor =
         void (*)(REALobjectStruct *, int32_t year, int32_t month, int32_t day, int32_t hour, int32_t minute, int32_t);
@@ -30,14 +39,12 @@ OwnedObject NewHostDate(CFDateRef value) {
 
     // Deliberate: no time zone, which means GMT.
     const CFGregorianDate fields = CFAbsoluteTimeGetGregorianDate(CFDateGetAbsoluteTime(value), nullptr);
-    // Of an infinite date, and of one that is no number, the second is no number either.
-    const int32_t second = std::isfinite(fields.second) ? static_cast<int32_t>(fields.second) : 0;
     auto date = AdoptHost(REALnewInstance("Date"));
     if (!date)
         return {};
     const auto construct = reinterpret_cast<Constructor>(REALLoadObjectMethod(date.Get(), kConstructor));
     if (construct) {
-        construct(date.Get(), fields.year, fields.month, fields.day, fields.hour, fields.minute, second);
+        construct(date.Get(), fields.year, fields.month, fields.day, fields.hour, fields.minute, WholeSecond(fields));
         return date;
     }
     REALSetPropValueInteger(date.Get(), "Year", fields.year);
@@ -45,6 +52,6 @@ OwnedObject NewHostDate(CFDateRef value) {
     REALSetPropValueInteger(date.Get(), "Day", fields.day);
     REALSetPropValueInteger(date.Get(), "Hour", fields.hour);
     REALSetPropValueInteger(date.Get(), "Minute", fields.minute);
-    REALSetPropValueInteger(date.Get(), "Second", second);
+    REALSetPropValueInteger(date.Get(), "Second", WholeSecond(fields));
     return date;
 }

@@ -1,12 +1,15 @@
 // Dictionaries in both directions: every pair, nested ones, and the methods that are looked up once per dictionary.
 #include "tests/convert/dictionary_methods.h"
 #include "tests/convert/value_session.h"
+#include "tests/support/call_log.h"
 
 #include <doctest/doctest.h>
 
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Value;
+using tests::CallLines;
+using tests::CallLog;
 using tests::CoreArray;
 using tests::CoreDictionary;
 using tests::CoreInteger;
@@ -66,7 +69,18 @@ TEST_CASE("An empty CFDictionary becomes an empty Dictionary, never nil") {
 
 TEST_CASE("In an application without the class Dictionary a CFDictionary gives nil") {
     ValueSession session(HostOptions{.missingClasses = {"Dictionary"}});
+    CallLog log(session);
     CHECK(session.ToHost(Inner()).IsNil());
+    CHECK(log.Take({"CFDictionaryApplyFunction"}) == CallLines{});
+}
+
+TEST_CASE("Dictionaries within, for which the host makes none, do not cost the outer one its methods") {
+    ValueSession session;
+    const CoreValue outer = CoreDictionary({{CoreText("a"), Inner()}, {CoreText("b"), Inner()}});
+    Object item = session.ItemWith(outer.Get());
+    session.Host().ReturnNothing("PluginNewInstance", 2);
+    CHECK(tests::TextOf(item.Call("GetAttribute", "value")) == "{\"a\": nil, \"b\": nil}");
+    CHECK(Loaded(session) == Groups(1));
 }
 
 TEST_CASE("A pair whose value is CFNull is stored with nil") {
@@ -175,6 +189,18 @@ TEST_CASE("The same dictionary read and written again is looked up again") {
     session.FromHost(dictionary);
     session.FromHost(dictionary);
     CHECK(Loaded(session) == Groups(3));
+}
+
+TEST_CASE("A Dictionary at the address of one whose filling an exception ended gets its own methods") {
+    struct Thrown {};
+    HostOptions options;
+    options.reuseAddresses = true;
+    ValueSession session(options);
+    session.Host().Throw(
+        kSetter, [] { throw Thrown(); }, 1, 1);
+    CHECK_THROWS_AS(session.ToHost(Inner()), Thrown);
+    CHECK(session.TextInHost(Inner()) == "{\"x\": Integer 1, \"y\": Integer 2}");
+    CHECK(Loaded(session) == Groups(2));
 }
 
 TEST_CASE("A dictionary whose setter cannot be found is returned empty, and is not asked for again at each pair") {

@@ -131,7 +131,7 @@ TEST_CASE("A name with half of a surrogate pair in it gives no URL, and whole pa
                    ? std::string("none")
                    : sim::macos::Utf8Of(CFURLGetString(static_cast<CFURLRef>(CFArrayGetValueAtIndex(scope, 0))));
     };
-    constexpr char16_t kHigh = 0xD83D, kLow = 0xDE00, kHighest = 0xDBFF, kLowest = 0xDC00;
+    constexpr char16_t kHigh = 0xD83D, kLow = 0xDE00, kHighest = 0xDBFF, kLowest = 0xDC00, kLastLow = 0xDFFF;
     for (const std::u16string &name : std::initializer_list<std::u16string>{{kHigh},
                                                                             {kLow},
                                                                             {kHigh, u'a'},
@@ -142,12 +142,14 @@ TEST_CASE("A name with half of a surrogate pair in it gives no URL, and whole pa
                                                                             {kHigh, kLow, kLow},
                                                                             {kLow, kHigh},
                                                                             {kHighest},
-                                                                            {kLowest}}) {
+                                                                            {kLowest},
+                                                                            {kLastLow}}) {
         CAPTURE(name.size());
         CHECK(urlOf(name) == "none");
     }
     CHECK(urlOf(std::u16string{kHigh, kLow}) == FileURL(folder.PathOf("%F0%9F%98%80")));
     CHECK(urlOf(std::u16string{u'a', kHighest, kLowest, u'b'}) == FileURL(folder.PathOf("a%F4%8F%B0%80b")));
+    CHECK(urlOf(std::u16string{0xD800, kLastLow}) == FileURL(folder.PathOf("%F0%90%8F%BF")));
     CHECK(urlOf(std::u16string{0xD7FF, 0xE000}) == FileURL(folder.PathOf("%ED%9F%BF%EE%80%80")));
     CHECK(session.TakeException() == "");
 }

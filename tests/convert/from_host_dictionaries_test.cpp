@@ -1,6 +1,7 @@
 // Host dictionaries on their way to Core Foundation.
 #include "tests/convert/dictionary_methods.h"
 #include "tests/convert/value_session.h"
+#include "tests/support/fault.h"
 
 #include <doctest/doctest.h>
 
@@ -9,6 +10,7 @@
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Value;
+using tests::Fault;
 using tests::kGetter;
 using tests::kKeyGetter;
 using tests::kSetter;
@@ -88,15 +90,21 @@ TEST_CASE("The count is read through the older name where the host lacks the new
     CHECK(session.TextInCore(session.Host().NewDictionary({{"a", 1}})) == "{\"a\": SInt32 1}");
 }
 
-TEST_CASE("Without a key getter no entry is stored") {
+TEST_CASE("Without a key getter no entry is stored, for as long as the host has none") {
     ValueSession session(HostOptions{.withheld = {kKeyGetter}});
-    CHECK(session.TextInCore(session.Host().NewDictionary({{"a", 1}})) == "{}");
+    const Object dictionary = session.Host().NewDictionary({{"a", 1}});
+    CHECK(session.TextInCore(dictionary) == "{}");
     session.Host().TakeRaised(); // the host's own, for a key that it does not have
+    session.Host().Offer(kKeyGetter);
+    CHECK(session.TextInCore(dictionary) == "{\"a\": SInt32 1}");
 }
 
-TEST_CASE("Without a value getter every entry is stored with CFNull") {
+TEST_CASE("Without a value getter every entry is stored with CFNull, for as long as the host has none") {
     ValueSession session(HostOptions{.withheld = {kGetter}});
-    CHECK(session.TextInCore(session.Host().NewDictionary({{"a", 1}, {"b", 2}})) == "{\"a\": null, \"b\": null}");
+    const Object dictionary = session.Host().NewDictionary({{"a", 1}, {"b", 2}});
+    CHECK(session.TextInCore(dictionary) == "{\"a\": null, \"b\": null}");
+    session.Host().Offer(kGetter);
+    CHECK(session.TextInCore(dictionary) == "{\"a\": SInt32 1, \"b\": SInt32 2}");
 }
 
 TEST_CASE("Without a setter, which is loaded and not called, every entry is stored") {
@@ -110,4 +118,38 @@ TEST_CASE("A dictionary that grows shorter while it is read gives what is left")
     session.Host().ReturnNothing(kKeyGetter, 2, 2);
     session.Host().ReturnNothing(kGetter, 2, 2);
     CHECK(session.TextInCore(dictionary) == "{\"a\": SInt32 1}");
+}
+
+TEST_CASE("A dictionary that is read while the key of another is asked for leaves that one methods of its own") {
+    ValueSession session;
+    auto &host = session.Host();
+    const Object outer = host.NewDictionary({{"a", 1}});
+    host.Before(kKeyGetter, 1, [&] {
+        host.Mend(kKeyGetter);
+        host.Withhold(kGetter);
+        CHECK(session.TextInCore(host.NewDictionary({{"b", 2}})) == "{\"b\": null}");
+        host.Offer(kGetter);
+    });
+    CHECK(session.TextInCore(outer) == "{\"a\": SInt32 1}");
+    CHECK(LoadedGroups(session) == 3);
+}
+
+TEST_CASE("A dictionary within, for which none can be made, does not cost the outer one its methods") {
+    ValueSession session;
+    auto &host = session.Host();
+    const Object outer = host.NewDictionary({{"a", host.NewDictionary({{"x", 1}})}, {"b", 2}});
+    const Fault fault("CFDictionaryCreateMutable", 2);
+    CHECK(session.TextInCore(outer) == "{\"a\": null, \"b\": SInt32 2}");
+    CHECK(LoadedGroups(session) == 1);
+}
+
+TEST_CASE("A dictionary whose reading an exception ended is looked up again when it is read again") {
+    struct Thrown {};
+    ValueSession session;
+    const Object dictionary = session.Host().NewDictionary({{"a", 1}});
+    session.Host().Throw(
+        kGetter, [] { throw Thrown(); }, 1, 1);
+    CHECK_THROWS_AS(tests::NewQuery(session).Call("CountOfResultsWithAttributeValue", "value", dictionary), Thrown);
+    CHECK(session.TextInCore(dictionary) == "{\"a\": SInt32 1}");
+    CHECK(LoadedGroups(session) == 2);
 }

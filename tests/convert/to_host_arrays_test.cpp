@@ -102,6 +102,13 @@ TEST_CASE("Where no array can be made a CFArray gives nil") {
     CHECK(session.ToHost(CoreArray({})).IsNil());
 }
 
+TEST_CASE("Where the host makes no array for a CFArray it is not asked for another") {
+    ValueSession session;
+    session.Host().ReturnNothing("RuntimeArrayCreateSingleDimBoundedArray", 1, 1);
+    CHECK(session.ToHost(CoreArray({CoreInteger(1)})).IsNil());
+    CHECK(session.Host().CallCount("RuntimeArrayCreateSingleDimBoundedArray") == 1);
+}
+
 TEST_CASE("An element beyond the array's present upper bound raises and is not stored; the rest goes on") {
     for (int which = 0; which < 3; which++) {
         SUBCASE(kArrayHostNames[which]) {
@@ -165,6 +172,7 @@ TEST_CASE("Where the host cannot tell upper bounds a list gives nil and nothing 
         CHECK(session.ToHost(CoreArray({CoreInteger(1)})).IsNil());
         CHECK(session.ToHost(Mixed()).IsNil());
         CHECK(session.ToHost(CoreArray({tests::CoreNull()})).IsNil());
+        CHECK(session.Host().CallCount("RuntimeArrayCreateSingleDimBoundedArray") == 0);
         CHECK_FALSE(session.ToHost(CoreArray({})).IsNil());
         CHECK(session.TakeException() == "");
     }

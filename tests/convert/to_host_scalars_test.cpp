@@ -168,6 +168,8 @@ TEST_CASE("Each date has its own six fields, constructed or set") {
         ValueSession session(HostOptions{.withheld = withheld});
         CHECK(session.TextInHost(CoreDate(kLateInJune)) == "Date 2014-06-30 23:30:59");
         CHECK(session.TextInHost(CoreDate(0)) == "Date 2001-01-01 00:00:00");
+        CHECK(session.TextInHost(CoreDate(INFINITY)).ends_with(":00"));
+        CHECK(session.TextInHost(CoreDate(kLateInJune)) == "Date 2014-06-30 23:30:59");
     }
 }
 

@@ -31,6 +31,20 @@ TEST_CASE("Scopes of two queries may be of different lengths") {
     CHECK(CFArrayGetCount(sim::macos::SearchScopeOf(QueryOf(queries[1]))) == 2);
 }
 
+TEST_CASE("Subsets of two queries search among the results of their own source") {
+    QueryProgram program;
+    program.Add({"a", "b"});
+    Object sources[] = {program.NewQuery("kMDItemFSName == 'a'"), program.NewQuery("kMDItemFSName == 'b'")};
+    const char *const names[] = {"a", "b"};
+    for (size_t i = 0; i < 2; i++) {
+        program.Gather(sources[i]);
+        Object subset = program.Host().Create("MDQueryQTX");
+        subset.Call<void>("Constructor", sources[i], "kMDItemFSName == '*'");
+        program.Gather(subset);
+        CHECK(QueryProgram::Results(subset) == Names{names[i]});
+    }
+}
+
 TEST_CASE("AllAttributes gives the same when it is asked for again") {
     QueryProgram program;
     const auto first = program.Host().Shared<Object>("MDItemQTX", "AllAttributes").As<std::string>();

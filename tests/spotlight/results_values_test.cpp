@@ -5,6 +5,7 @@
 #include "simulator/macos/CoreServices/metadata/query/scripted_values.h"
 #include "tests/simulator/macos/query/support/values.h"
 #include "tests/spotlight/support/query_program.h"
+#include "tests/support/call_log.h"
 #include "tests/support/fault.h"
 #include "tests/support/host_ages.h"
 
@@ -65,9 +66,9 @@ TEST_CASE("CountOfResultsWithAttributeValue gives 0 without asking when name or 
     for (const auto &pair : kPairs) {
         CAPTURE(pair.first);
         CAPTURE(pair.second);
-        const sim::macos::AskedValues asked;
+        CallLog log(songs);
         CHECK(songs.Count(pair.first, pair.second) == 0);
-        CHECK(asked.Values().empty());
+        CHECK(log.Take({"MDQueryGetCountOfResultsWithAttributeValue"}) == CallLines{});
     }
     CHECK(songs.Host().Raised().empty());
 }
