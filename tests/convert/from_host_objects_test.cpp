@@ -70,6 +70,12 @@ TEST_CASE("A MemoryBlock becomes CFData with its bytes, and is locked while they
     CHECK(block.References() == 1);
 }
 
+TEST_CASE("Each MemoryBlock becomes CFData of its own size and bytes") {
+    ValueSession session;
+    for (const auto &[bytes, text] : {std::pair{"ab", "Data 6162"}, std::pair{"xyz", "Data 78797a"}})
+        CHECK(session.TextInCore(session.Host().NewMemoryBlock(bytes)) == text);
+}
+
 TEST_CASE("A MemoryBlock without bytes becomes empty CFData") {
     ValueSession session;
     CHECK(session.TextInCore(session.Host().NewMemoryBlock("")) == "Data ");

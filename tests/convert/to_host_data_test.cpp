@@ -108,6 +108,26 @@ TEST_CASE("Data that claims a negative length gives nil") {
     CHECK(session.TakeException() == "");
 }
 
+TEST_CASE("Data that claims bytes and shows none gives nil, and so does data that shows bytes and claims none") {
+    ValueSession session;
+    for (const auto &[claimed, bytes] : {std::pair{3, ""}, std::pair{0, "abc"}}) {
+        const sim::macos::ScriptedDataLength length(claimed);
+        CHECK(session.ToHost(CoreData(bytes)).IsNil());
+    }
+    CHECK(session.Host().CallCount("newMemoryBlock") == 0);
+    CHECK(session.TakeException() == "");
+}
+
+TEST_CASE("Each failure of memory is reported with its own size") {
+    ValueSession session;
+    session.Host().ReturnNothing("newMemoryBlock");
+    for (const auto &[bytes, size] : {std::pair{"a", "1"}, std::pair{"ab", "2"}}) {
+        CHECK(session.ToHost(CoreData(bytes)).IsNil());
+        CHECK(session.TakeException() ==
+              std::string("OutOfMemoryException: Failed to allocate a memoryblock with ") + size + " bytes in size.");
+    }
+}
+
 TEST_CASE("Any other exception that making a block throws passes through, and nothing is left behind") {
     struct Other {};
     ValueSession session;
