@@ -22,10 +22,8 @@ OwnedObject NewItemObject(MDItemRef item) {
     if (!item)
         return {};
     auto object = AdoptHost(REALnewInstance("MDItemQTX"));
-    if (object) {
-        ItemData(object.Get()).Handle = item;
-        CFRetain(item);
-    }
+    if (object)
+        ItemData(object.Get()).Handle = HoldCF(item).Give();
     return object;
 }
 
@@ -57,8 +55,8 @@ void rbMDItemCreate(REALobjectStruct *self, REALfolderItemStruct *path) {
         RaiseException("NilObjectException", "Folderitem is invalid");
         return;
     }
-    const MDItemRef item = MDItemCreateWithURL(kCFAllocatorDefault, url.Get());
-    ItemData(self).Handle = item;
+    MDItemRef &item = ItemData(self).Handle;
+    item = MDItemCreateWithURL(kCFAllocatorDefault, url.Get());
     Release(url);
     if (!item)
         RaiseNoItem();

@@ -4,6 +4,7 @@
 // result; string and object results are +1.
 #include "spotlight/query.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "convert/arrays.h"
@@ -112,7 +113,7 @@ _REALarrayObject *rbMDQueryGetResultArray(REALobjectStruct *self, int32_t limit)
     if (!query)
         return nullptr;
     const auto resultCount = static_cast<int32_t>(MDQueryGetResultCount(query));
-    const int32_t count = limit >= 1 && resultCount > limit ? limit : resultCount;
+    const int32_t count = limit >= 1 ? std::min(limit, resultCount) : resultCount;
     for (int32_t i = 0; i < count; i++) {
         // Unlike in event arrays, a result without an object keeps its place, so that positions are result indices.
         auto object = NewItemObject(QueryResultAt(query, i));

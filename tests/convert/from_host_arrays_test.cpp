@@ -5,6 +5,7 @@
 #include <doctest/doctest.h>
 
 #include <algorithm>
+#include <string>
 
 using sim::host::HostOptions;
 using sim::host::Object;
@@ -115,6 +116,21 @@ TEST_CASE("Deliberate: numeric arrays keep their length and number type, but not
                   (session.Host().Options().version < 2014 && session.Host().Options().directArrayStorage ? 0 : 3));
         }
     });
+}
+
+TEST_CASE("Deliberate: each number of a numeric array but the first is the reference of the one before it") {
+    ValueSession session;
+    // In the second list as in the first.
+    for (int again = 0; again < 2; again++) {
+        const CoreValue list = session.FromHost(session.Host().NewArray("integer", {1, 2, 3}));
+        const auto values = sim::macos::ValuesOf(static_cast<CFArrayRef>(list.Get()));
+        REQUIRE(values.size() == 3);
+        for (size_t i = 1; i < 3; i++) {
+            CAPTURE(i);
+            const auto before = static_cast<int32_t>(reinterpret_cast<uintptr_t>(values[i - 1]));
+            CHECK(tests::TextOf(values[i]) == "SInt32 " + std::to_string(before));
+        }
+    }
 }
 
 TEST_CASE("Each element takes and gives back its reference") {

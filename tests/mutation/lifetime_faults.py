@@ -65,8 +65,8 @@ def _remembered_result(call: Node) -> Iterator[Fault]:
     name = call.cursor.spelling
     if not call.function or not name or name in _NOT_ASKED or not call.text.endswith(")"):
         return
-    if call.text.startswith("CFSTR("):
-        return  # A constant.
+    if call.text.startswith("CFSTR(") or call.text.endswith("GetTypeID()"):
+        return  # Constants.
     result = call.cursor.type.get_canonical()
     if result.kind not in _SCALARS:
         return

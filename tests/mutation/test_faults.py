@@ -205,6 +205,14 @@ class Lifetimes(MadeUpTree):
             """
         self.assertEqual(self.changes(source, "result remembered"), set())
 
+    def test_the_identifier_of_a_type_is_always_the_same_and_that_of_a_value_is_not(self) -> None:
+        source = """            unsigned long CFDateGetTypeID();
+            unsigned long CFGetTypeID(const void *);
+            bool IsDate(const void *value) { return CFGetTypeID(value) == CFDateGetTypeID(); }
+            """
+        ((_, come),) = self.changes(source, "result remembered")
+        self.assertIn("known = CFGetTypeID(value)", come)
+
 
 class Files(MadeUpTree):
     def test_a_header_is_part_of_every_source_that_includes_it_by_whatever_way(self) -> None:

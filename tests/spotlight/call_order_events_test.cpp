@@ -52,31 +52,38 @@ TEST_CASE("A notification's arrays are fetched and kept, then made into host arr
         QueryProgram program(version);
         Object query = program.NewQuery();
         const Object item = program.NewItem(program.Add("a"));
-        const auto one = ArrayOfItems({ItemOf(item)}), two = ArrayOfItems({ItemOf(item), ItemOf(item)});
-        const Info info = InfoOf({{kMDQueryUpdateAddedItems, one.Get()}, {kMDQueryUpdateRemovedItems, two.Get()}});
+        const MDItemRef handle = ItemOf(item);
+        const auto one = ArrayOfItems({handle}), two = ArrayOfItems({handle, handle});
+        const auto three = ArrayOfItems({handle, handle, handle});
+        const Info info = InfoOf({{kMDQueryUpdateAddedItems, one.Get()},
+                                  {kMDQueryUpdateChangedItems, two.Get()},
+                                  {kMDQueryUpdateRemovedItems, three.Get()}});
         CallLog log(program);
         for (const char *event : {"Progress", "Update"})
             query.OnEvent(event, [&](const EventCall &) { log.Note("handler()"); });
-        const auto made = [](const std::string &array) {
-            return CallLines{"PluginNewInstance(\"MDItemQTX\")", "CFRetain(MDItem)",
-                             "object array insert(" + array + ", MDItemQTX)", "REALUnlockObject(MDItemQTX)"};
-        };
-        CallLines expected = {"CFDictionaryGetValue(\"kMDQueryUpdateAddedItems\")", "CFRetain([MDItem])",
-                              "CFDictionaryGetValue(\"kMDQueryUpdateChangedItems\")",
-                              "CFDictionaryGetValue(\"kMDQueryUpdateRemovedItems\")", "CFRetain([MDItem, MDItem])"};
-        const std::string newArray = "RuntimeArrayCreateSingleDimBoundedArray(4, -1)";
+        CallLines expected = {
+            "CFDictionaryGetValue(\"kMDQueryUpdateAddedItems\")",   "CFRetain([MDItem])",
+            "CFDictionaryGetValue(\"kMDQueryUpdateChangedItems\")", "CFRetain([MDItem, MDItem])",
+            "CFDictionaryGetValue(\"kMDQueryUpdateRemovedItems\")", "CFRetain([MDItem, MDItem, MDItem])"};
         const auto append = [&](const CallLines &lines) {
             expected.insert(expected.end(), lines.begin(), lines.end());
         };
-        append({newArray});
-        append(made("variant()[0], 0"));
-        append({newArray, newArray});
-        append(made("variant()[0], 0"));
-        append(made("variant()[1], 1"));
+        for (int count = 1; count <= 3; count++) {
+            append({"RuntimeArrayCreateSingleDimBoundedArray(4, -1)"});
+            for (int i = 0; i < count; i++) {
+                const std::string at = std::to_string(i);
+                append({"PluginNewInstance(\"MDItemQTX\")", "CFRetain(MDItem)",
+                        "object array insert(variant()[" + at + "], " + at + ", MDItemQTX)",
+                        "REALUnlockObject(MDItemQTX)"});
+            }
+        }
+        append({"handler()"});
         // The items die with the arrays, for the handler kept none.
-        append({"handler()", "REALUnlockObject(MDItemQTX()[1])", "CFRelease(MDItem)",
-                "REALUnlockObject(MDItemQTX()[0])", "REALUnlockObject(MDItemQTX()[2])", "CFRelease(MDItem)",
-                "CFRelease(MDItem)", "CFRelease([MDItem])", "CFRelease([MDItem, MDItem])"});
+        for (int count = 1; count <= 3; count++) {
+            append({"REALUnlockObject(MDItemQTX()[" + std::to_string(count) + "])"});
+            append(CallLines(static_cast<size_t>(count), "CFRelease(MDItem)"));
+        }
+        append({"CFRelease([MDItem])", "CFRelease([MDItem, MDItem])", "CFRelease([MDItem, MDItem, MDItem])"});
         log.Take();
         Post(kMDQueryProgressNotification, query, info.Get());
         CHECK(log.Take(kWork) == expected);

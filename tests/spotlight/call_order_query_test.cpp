@@ -6,6 +6,7 @@
 #include "tests/spotlight/support/asked_texts.h"
 #include "tests/spotlight/support/query_program.h"
 #include "tests/support/call_log.h"
+#include "tests/support/plugin_watch.h"
 
 using namespace tests;
 
@@ -49,6 +50,19 @@ TEST_CASE("A constructor converts text, sorting attributes and value list, makes
     CHECK(log.Take(calls) == behind("MDQueryCreate(" + kQuotedText + ", [\"value\"], [\"sorting\"])"));
     subset.Call<void>("Constructor", query, kText, values, sorting);
     CHECK(log.Take(calls) == behind("MDQueryCreateSubset(MDQuery, " + kQuotedText + ", [\"value\"], [\"sorting\"])"));
+}
+
+TEST_CASE("A constructor's object has its query before that is observed") {
+    QueryProgram program;
+    Object query = program.Host().Create("MDQueryQTX");
+    std::vector<bool> hadQuery;
+    PluginWatch::Instance().listener = [&](std::string_view function, const uint32_t *) {
+        if (function == "CFNotificationCenterAddObserver")
+            hadQuery.push_back(QueryOf(query) != nullptr);
+    };
+    query.Call<void>("Constructor", kText);
+    PluginWatch::Instance().listener = {};
+    CHECK(hadQuery == std::vector<bool>{true, true, true});
 }
 
 TEST_CASE("A list that a constructor does not have is null for the framework, and none is made for it") {

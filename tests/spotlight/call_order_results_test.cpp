@@ -75,6 +75,13 @@ TEST_CASE("An item object has its item before it is handed on, and an instance t
     CHECK(log.Take() == CallLines{"MDQueryGetResultAtIndex(MDQuery, 0)", "PluginNewInstance(\"MDItemQTX\")"});
 }
 
+TEST_CASE("For a result that is not there no object is made") {
+    TwoGathered program;
+    CallLog log(program);
+    CHECK(program.query.Call("ResultAtIndex", 2).IsNil());
+    CHECK(log.Take() == CallLines{"MDQueryGetResultAtIndex(MDQuery, 2)"});
+}
+
 TEST_CASE("ValuesOfAttribute makes its array, converts the name, asks, and converts, inserts and gives up each value") {
     TwoGathered program;
     CallLog log(program);

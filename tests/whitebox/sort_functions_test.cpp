@@ -4,9 +4,11 @@
 #include "host/services.h"
 #include "simulator/macos/control/environment.h"
 #include "simulator/macos/control/faults.h"
+#include "spotlight/query.h"
 #include "spotlight/query_sorting.h"
 #include "tests/whitebox/fake_resolver.h"
 #include "tests/whitebox/restored.h"
+#include "tests/whitebox/small_host.h"
 
 namespace environment = sim::macos::environment;
 namespace faults = sim::macos::faults;
@@ -35,6 +37,35 @@ bool IsFoundByLookUp() {
     Forget();
     return isFound;
 }
+
+MDQueryRef asked = nullptr;
+
+/// Sees to it that the three functions are there, or are not. They note the query that they are given.
+void Provide(bool areThere) {
+    const decltype(myMDQueryGetSortOptionFlagsForAttribute) get = [](MDQueryRef query, CFStringRef) {
+        asked = query;
+        return uint32_t{7};
+    };
+    const decltype(myMDQuerySetSortOptionFlagsForAttribute) set = [](MDQueryRef query, CFStringRef, uint32_t) {
+        asked = query;
+        return Boolean{1};
+    };
+    const decltype(myMDQuerySetSortOrder) order = [](MDQueryRef query, CFArrayRef) {
+        asked = query;
+        return Boolean{1};
+    };
+    myMDQueryGetSortOptionFlagsForAttribute = areThere ? get : nullptr;
+    myMDQuerySetSortOptionFlagsForAttribute = areThere ? set : nullptr;
+    myMDQuerySetSortOrder = areThere ? order : nullptr;
+}
+
+/// An object of the query class whose query is never looked into.
+struct QueryObject {
+    QueryObject() { QueryData(Self()).Handle = reinterpret_cast<MDQueryRef>(words); }
+    REALobjectStruct *Self() { return reinterpret_cast<REALobjectStruct *>(words); }
+
+    uint32_t words[16] = {};
+};
 
 struct SystemAsUsual {
     SystemAsUsual() { Reset(); }
@@ -94,4 +125,41 @@ TEST_CASE("A sort function that the framework has come to export is found by the
         CHECK((myMDQuerySetSortOrder != nullptr) == (exported == 2));
         Forget();
     }
+}
+
+TEST_CASE("A sort method has a function at its second call that was missing at its first, and lacks it at its third") {
+    whitebox::SmallHost host(2013.04);
+    QueryObject query;
+    REALstringStruct *name = host.NewString("name", kCFStringEncodingASCII);
+    _REALarrayString *names = host.NewArray({host.NewString("name", kCFStringEncodingASCII)}, true);
+    for (const bool isThere : {false, true, false}) {
+        CAPTURE(isThere);
+        Provide(isThere);
+        CHECK(rbMDQueryGetSortOptionFlagsForAttribute(query.Self(), name) == (isThere ? 7 : 0));
+        CHECK(rbMDQuerySetSortOptionFlagsForAttribute(query.Self(), name, 1) == isThere);
+        CHECK(rbMDQuerySetSortOrder(query.Self(), names) == isThere);
+    }
+    REALUnlockString(name);
+}
+
+TEST_CASE("Each sort method asks for the query of the object that it is called on") {
+    whitebox::SmallHost host(2013.04);
+    QueryObject queries[2];
+    REALstringStruct *name = host.NewString("name", kCFStringEncodingASCII);
+    _REALarrayString *names = host.NewArray({host.NewString("name", kCFStringEncodingASCII)}, true);
+    Provide(true);
+    for (QueryObject &query : queries) {
+        const MDQueryRef own = QueryData(query.Self()).Handle;
+        asked = nullptr;
+        rbMDQueryGetSortOptionFlagsForAttribute(query.Self(), name);
+        CHECK(asked == own);
+        asked = nullptr;
+        rbMDQuerySetSortOptionFlagsForAttribute(query.Self(), name, 1);
+        CHECK(asked == own);
+        asked = nullptr;
+        rbMDQuerySetSortOrder(query.Self(), names);
+        CHECK(asked == own);
+    }
+    Provide(false);
+    REALUnlockString(name);
 }
