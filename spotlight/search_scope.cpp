@@ -33,7 +33,7 @@ private:
 };
 
 void AppendScopeFolders(Scope &scope, _REALarrayFolderitem *paths) {
-    const int32_t upperBound = paths ? UpperBoundOf(paths) : -1;
+    const int32_t upperBound = UpperBoundOf(paths);
     for (int32_t i = 0; i <= upperBound; i++) {
         const auto folder = ReadArrayObject(paths, i);
         const auto url = AdoptCF(CreateCFURLfromFolderItem(static_cast<REALfolderItemStruct *>(folder.Get())));
@@ -43,7 +43,7 @@ void AppendScopeFolders(Scope &scope, _REALarrayFolderitem *paths) {
 }
 
 void AppendScopeNames(Scope &scope, _REALarrayString *options) {
-    const int32_t upperBound = options ? UpperBoundOf(options) : -1;
+    const int32_t upperBound = UpperBoundOf(options);
     for (int32_t i = 0; i <= upperBound; i++) {
         const auto option = AdoptHost(REALGetArrayString(options, i));
         const auto name = AdoptCF(RBString2CFString(option.Get()));
@@ -61,7 +61,9 @@ void rbMDQuerySetSearchScope(REALobjectStruct *self, _REALarrayFolderitem *paths
     Scope scope;
     if (!scope.Entries())
         return;
-    AppendScopeFolders(scope, paths);
-    AppendScopeNames(scope, options);
+    if (paths)
+        AppendScopeFolders(scope, paths);
+    if (options)
+        AppendScopeNames(scope, options);
     MDQuerySetSearchScope(query, scope.Entries(), 0);
 }
