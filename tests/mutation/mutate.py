@@ -151,9 +151,11 @@ def main() -> int:
     stale += [f"{file}\nonce {name}" for file, name in listed.once if file in files and (file, name) not in needed]
     made = [fault for fault in found if fault not in set(once)]
     faults = _choose(made, whats, options.sample, options.seed)
-    _say(f"{len(faults)} of {len(made)} faults are tried, and none of {len(once)} that remember what is asked for once")
+    _say(f"{len(faults)} of {len(made)} faults are tried")
     killers = work / "killers.jsonl"
     run = Run(workshop, Court(workshop, cases, _known_killers(killers)), listed.faults, killers)
+    for fault in once:
+        run.tallies.setdefault(fault.room, Tally()).once += 1
     run.try_all(faults, jobs)
 
     for fault in run.survivors:

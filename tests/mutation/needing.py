@@ -3,18 +3,10 @@ come out the same whatever a fault there does, and need not be compiled anew."""
 
 from __future__ import annotations
 
-import os
-import re
-import subprocess
 from pathlib import Path
 
+from code_lines import line_table, rows_in
 from faults import Fault
-
-_FOLDER = re.compile(r'^include_directories\[ *(\d+)\] = "(.*)"$')
-_FILE = re.compile(r"^file_names\[ *(\d+)\]:$")
-_NAME = re.compile(r'^ +name: "(.*)"$')
-_OF_FOLDER = re.compile(r"^ +dir_index: (\d+)$")
-_ROW = re.compile(r"^0x[0-9a-f]+ +(\d+) +\d+ +(\d+) ")
 
 
 class Needing:
@@ -36,29 +28,8 @@ class Needing:
 
     def _lines_of(self, source: str) -> dict[str, set[int]]:
         if source not in self._lines:
-            command = ["llvm-dwarfdump-14", "--debug-line", str(self._objects[source])]
-            said = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-            self._lines[source] = lines_in(said, self._tree)
+            lines: dict[str, set[int]] = {}
+            for _, file, line in rows_in(line_table(self._objects[source]), self._tree):
+                lines.setdefault(file, set()).add(line)
+            self._lines[source] = lines
         return self._lines[source]
-
-
-def lines_in(said: str, tree: Path) -> dict[str, set[int]]:
-    """The lines of the tree's files that have code, of what llvm-dwarfdump says about an object."""
-    folders: dict[str, str] = {}
-    files: dict[str, str] = {}
-    lines: dict[str, set[int]] = {}
-    number = name = ""
-    for line in said.splitlines():
-        if row := _ROW.match(line):
-            path = Path(files[row[2]])
-            if path.is_relative_to(tree):
-                lines.setdefault(str(path.relative_to(tree)), set()).add(int(row[1]))
-        elif folder := _FOLDER.match(line):
-            folders[folder[1]] = folder[2]
-        elif file := _FILE.match(line):
-            number = file[1]
-        elif named := _NAME.match(line):
-            name = named[1]
-        elif of_folder := _OF_FOLDER.match(line):
-            files[number] = os.path.normpath(Path(folders["0"], folders[of_folder[1]], name))
-    return lines

@@ -7,11 +7,13 @@ import json
 import os
 import struct
 import subprocess
+from bisect import bisect_left
 from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
 from pathlib import Path
 
+from code_lines import line_table, rows_in
 from faults import Fault
 from finding import ROOMS
 from workshop import digest_of
@@ -149,18 +151,12 @@ def _run(library: Path, program: Path, title: str, number: int) -> tuple[float, 
 
 
 def _lines_at(tree: Path, library: Path, offsets: list[int]) -> dict[int, tuple[str, int]]:
-    """The file and line of the code at these offsets, where it is the product's own."""
-    said = subprocess.run(
-        ["llvm-symbolizer-14", "--output-style=JSON", "--no-inlines", f"--obj={library}"],
-        input="\n".join(hex(offset) for offset in offsets),
-        check=True,
-        capture_output=True,
-        text=True,
-    ).stdout
+    """The file and line of the code at these offsets, where it is the product's own: the first line behind each, since
+    what counts has none."""
+    rows = sorted(rows_in(line_table(library), tree))
     found = {}
-    for offset, line in zip(offsets, filter(None, said.splitlines())):
-        symbol = json.loads(line)["Symbol"][0]
-        path = Path(symbol["FileName"])
-        if path.is_relative_to(tree) and path.relative_to(tree).parts[0] in ROOMS:
-            found[offset] = (str(path.relative_to(tree)), symbol["Line"])
+    for offset in offsets:
+        place = bisect_left(rows, (offset, "", 0))
+        if place < len(rows) and rows[place][1].split("/")[0] in ROOMS:
+            found[offset] = rows[place][1:]
     return found

@@ -20,6 +20,8 @@ class Tally:
 
     outcomes: dict[Outcome, int] = field(default_factory=lambda: {outcome: 0 for outcome in Outcome})
     listed: int = 0
+    # Not made, since they remember what is asked for once.
+    once: int = 0
 
     def add(self, outcome: Outcome, listed: bool) -> None:
         """Counts one."""
@@ -48,14 +50,14 @@ class Tally:
 
 def table(tallies: dict[str, Tally]) -> str:
     """A line for each room that was tried."""
-    lines = [f"{'room':<12}{'killed':>8}{'inside':>8}{'survived':>10}{'listed':>8}{'score':>8}   not faults"]
+    lines = [f"{'room':<12}{'killed':>8}{'inside':>8}{'survived':>10}{'listed':>8}{'score':>8}   not faults, once"]
     for room in ROOMS:
         if room in tallies:
             tally = tallies[room]
             none = tally.outcomes[Outcome.SAME] + tally.outcomes[Outcome.INVALID]
             lines.append(
                 f"{room:<12}{tally.killed:>8}{tally.outcomes[Outcome.INSIDE]:>8}{tally.outcomes[Outcome.SURVIVED]:>10}"
-                f"{tally.listed:>8}{tally.score:>8.1f}   {none}"
+                f"{tally.listed:>8}{tally.score:>8.1f}   {none}, {tally.once}"
             )
     return "\n".join(lines)
 

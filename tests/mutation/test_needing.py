@@ -7,28 +7,7 @@ import unittest
 from pathlib import Path
 
 from faults import Fault
-from needing import Needing, lines_in
-
-_SAID = """\
-include_directories[  0] = "/tree/build/asan"
-include_directories[  1] = "../.."
-include_directories[  2] = "/usr/include"
-file_names[  0]:
-           name: "/tree/host/a.cpp"
-      dir_index: 0
-file_names[  1]:
-           name: "host/a.h"
-      dir_index: 1
-file_names[  2]:
-           name: "utility"
-      dir_index: 2
-
-Address            Line   Column File   ISA Discriminator Flags
------------------- ------ ------ ------ --- ------------- -------------
-0x0000000000000000    250      0      0   0             0  is_stmt
-0x000000000000001a     12      7      1   0             0  is_stmt prologue_end
-0x000000000000001c     14      7      2   0             0
-"""
+from needing import Needing
 
 
 class KnownLines(Needing):
@@ -50,9 +29,6 @@ class NeedingTest(unittest.TestCase):
 
     def _needed(self, fault: Fault) -> list[str]:
         return [source for source in ("host/a.cpp", "host/b.cpp") if self._needing.needs(source, fault)]
-
-    def test_the_lines_of_an_object_are_those_of_the_trees_own_files(self) -> None:
-        self.assertEqual(lines_in(_SAID, Path("/tree")), {"host/a.cpp": {250}, "host/a.h": {12}})
 
     def test_a_function_is_compiled_where_it_has_code(self) -> None:
         self.assertEqual(self._needed(Fault("host/a.h", 0, 1, "", "a kind", 12, (10, 20))), ["host/a.cpp"])

@@ -26,10 +26,11 @@ class Report(unittest.TestCase):
         tally.add(Outcome.INSIDE, False)
         tally.add(Outcome.SAME, False)
         tally.add(Outcome.INVALID, False)
+        tally.once = 3
         self.assertEqual(tally.score, 95.0)
         self.assertAlmostEqual(tally.share_listed, 100 / 21)
         self.assertEqual(
-            table({"host": tally}).splitlines()[1].split(), ["host", "19", "1", "1", "1", "95.0", "2"]
+            table({"host": tally}).splitlines()[1].split(), ["host", "19", "1", "1", "1", "95.0", "2,", "3"]
         )
 
     def test_a_room_below_the_goal_and_a_long_list_are_complained_about_where_the_whole_room_was_tried(self) -> None:

@@ -105,16 +105,17 @@ class Court:
 
 
 def _rest(cases: list[Case], first: list[Case], own: set[str]) -> tuple[list[Case], list[Case]]:
-    """What is run behind the first ones: all short ones of its own programs, and of the others, short ones before long
-    ones, as many as a fault has time for."""
+    """What is run behind the first ones: all short ones of its own programs, as many long ones of these as a fault has
+    time for, and as many of the others. Short ones come before long ones."""
     short: list[Case] = []
     long: list[Case] = []
-    left = _MOST
+    left = {True: _MOST, False: _MOST}
     for batch, wanted in ((short, False), (long, True)):
         for case in cases:
-            seconds = 0.0 if case.program in own and not wanted else case.seconds
-            if case not in first and (case.seconds > _LONG) == wanted and seconds <= left:
-                left -= seconds
+            is_own = case.program in own
+            seconds = 0.0 if is_own and not wanted else case.seconds
+            if case not in first and (case.seconds > _LONG) == wanted and seconds <= left[is_own]:
+                left[is_own] -= seconds
                 batch.append(case)
     return short, long
 

@@ -142,11 +142,11 @@ class Workshop:
         return True
 
     def counting_library(self, recorder: Path, jobs: int) -> Path:
-        """The product without a fault, which notes where it was. Made anew when a source changed."""
+        """The product without a fault, which notes where it was. Made anew when a source changed, or how it is counted."""
         folder = self.work / "counting"
         folder.mkdir(parents=True, exist_ok=True)
         library, made_of = folder / "Spotlight.so", folder / "made-of"
-        digest = digest_of([recorder, *(self.tree / file for file in self.users)])
+        digest = " ".join([digest_of([recorder, *(self.tree / file for file in self.users)]), *_COUNTING])
         if library.exists() and made_of.exists() and made_of.read_text("utf-8") == digest:
             return library
         sanitizing = ("-fsanitize", "-fno-sanitize")
