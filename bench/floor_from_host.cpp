@@ -107,11 +107,11 @@ CFTypeRef CopyArray(Object *array) {
             element = get(array, i);
         }
         CFTypeRef copy = CopyValue(element);
-        GiveUp(element);
         if (copy) {
             CFArrayAppendValue(list, copy);
             CFRelease(copy);
         }
+        GiveUp(element);
     }
     return list;
 }
