@@ -61,8 +61,7 @@ def cases_for(fault: Fault, cases: list[Case]) -> list[Case]:
     reaching = [case for case in cases if case.reaches(fault)]
     if not reaching and (not fault.function or fault.at_compile_time):
         own = closest(fault)
-        reaching = [case for case in cases if fault.file in case.lines] or cases
-        return sorted(reaching, key=lambda case: (case.program not in own, case.seconds))
+        return sorted(cases, key=lambda case: (case.program not in own, fault.file not in case.lines, case.seconds))
     return sorted(reaching, key=lambda case: (-case.nearest(fault), case.size, case.seconds))
 
 
