@@ -287,6 +287,10 @@ TEST_CASE("A host that throws while the intermediate string is given up gets the
 
 namespace {
 
+struct CastOfTheHost : std::bad_cast {
+    const char *what() const noexcept override { return "five and a half"; }
+};
+
 struct Kind {
     void (*thrower)();
     HostException raised;
@@ -298,6 +302,7 @@ const Kind kKinds[] = {
     {[] { throw std::overflow_error("three"); }, {"OutOfBoundsException", HostText{"three", 0x0600}, 0}},
     {[] { throw std::underflow_error("four"); }, {"OutOfBoundsException", HostText{"four", 0x0600}, 0}},
     {[] { throw std::bad_cast(); }, {"IllegalCastException", HostText{std::bad_cast().what(), 0x0600}, 0}},
+    {[] { throw CastOfTheHost(); }, {"IllegalCastException", HostText{"five and a half", 0x0600}, 0}},
     {[] { throw std::logic_error("six"); }, {"RuntimeException", HostText{"six", 0x0600}, 0}},
     {[] { throw std::bad_alloc(); }, {"RuntimeException", HostText{std::bad_alloc().what(), 0x0600}, 0}},
     {[] { throw 42; }, {"RuntimeException", HostText{"Sorry, but there was an unnamed C++ Exception.", 0x0600}, 0}},
