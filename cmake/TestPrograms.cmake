@@ -15,7 +15,7 @@ endfunction()
 # add_test_program(<program> <room> <sources>...): a program whose tests need nothing but itself.
 function(add_test_program program room)
   add_test_executable(${program} test_headers ${ARGN})
-  add_file_tests(${program} ${room} "")
+  add_file_tests(${program} "${ARGN}" ${room} "")
 endfunction()
 
 # add_test_executable(<program> <precompiled headers> <sources>...)
@@ -25,10 +25,9 @@ function(add_test_executable program headers)
   use_precompiled_headers(${headers} ${program})
 endfunction()
 
-# add_file_tests(<program> <room> <artifact> <argument>...): the ctest tests of an executable. A file without a single
-# test case is a mistake.
-function(add_file_tests program room artifact)
-  get_target_property(sources ${program} SOURCES)
+# add_file_tests(<program> <sources> <room> <artifact> <argument>...): the ctest tests of an executable. A file without a
+# single test case is a mistake.
+function(add_file_tests program sources room artifact)
   foreach(source ${sources})
     if(source MATCHES "([a-z_]+)_test\\.cpp$")
       set(file ${CMAKE_MATCH_1})

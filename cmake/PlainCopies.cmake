@@ -1,0 +1,67 @@
+# What ships holds no code of a sanitizer, and runs eight times faster where nothing around it does either. So the
+# libraries that it runs in are built a second time, as they are without sanitizers, beside those that the native build
+# runs in. Where nothing is sanitized the one is the other.
+set(SPOTLIGHT_PLAIN_FOLDER ${CMAKE_BINARY_DIR}/plain)
+if(SPOTLIGHT_SANITIZE AND NOT SPOTLIGHT_FUZZ)
+  set(SPOTLIGHT_PLAIN_COPIES ON)
+else()
+  set(SPOTLIGHT_PLAIN_COPIES OFF)
+endif()
+
+# make_plain(<target>...): without sanitizers, programs too.
+function(make_plain)
+  foreach(target ${ARGN})
+    target_compile_options(${target} PRIVATE -fno-sanitize=all)
+    target_link_options(${target} PRIVATE -fno-sanitize=all)
+    set_target_properties(${target} PROPERTIES
+      LIBRARY_OUTPUT_DIRECTORY ${SPOTLIGHT_PLAIN_FOLDER} RUNTIME_OUTPUT_DIRECTORY ${SPOTLIGHT_PLAIN_FOLDER})
+  endforeach()
+endfunction()
+
+# add_plain_precompiled_headers(<name> <header>...)
+function(add_plain_precompiled_headers name)
+  add_precompiled_headers(${name} ${ARGN})
+  if(TARGET ${name})
+    target_compile_options(${name} PRIVATE -fno-sanitize=all)
+  endif()
+endfunction()
+
+# add_plain_copies(<precompiled headers> <library>...): <library>_plain of each library of the current folder or below it.
+# What one of them links to is the copy, if there is one already.
+function(add_plain_copies headers)
+  foreach(library ${ARGN})
+    set(copy ${library}_plain)
+    if(SPOTLIGHT_PLAIN_COPIES)
+      add_plain_copy(${library} ${copy})
+      use_precompiled_headers(${headers} ${copy})
+    else()
+      add_library(${copy} ALIAS ${library})
+    endif()
+    set_property(GLOBAL APPEND PROPERTY LIBRARIES_WITH_PLAIN_COPIES ${library})
+  endforeach()
+endfunction()
+
+function(add_plain_copy library copy)
+  get_target_property(type ${library} TYPE)
+  string(REPLACE "_LIBRARY" "" type ${type})
+  get_target_property(folder ${library} SOURCE_DIR)
+  get_target_property(sources ${library} SOURCES)
+  list(TRANSFORM sources PREPEND ${folder}/ REGEX "^[^/]")
+  add_library(${copy} ${type} ${sources})
+  make_plain(${copy})
+  if(type STREQUAL SHARED)
+    set_target_properties(${copy} PROPERTIES OUTPUT_NAME ${library})
+  endif()
+  get_property(others GLOBAL PROPERTY LIBRARIES_WITH_PLAIN_COPIES)
+  foreach(property LINK_LIBRARIES INTERFACE_LINK_LIBRARIES INTERFACE_LINK_OPTIONS INCLUDE_DIRECTORIES
+      INTERFACE_INCLUDE_DIRECTORIES BUILD_RPATH UNITY_BUILD UNITY_BUILD_BATCH_SIZE)
+    get_target_property(values ${library} ${property})
+    if(values)
+      foreach(other ${others} ${library})
+        list(TRANSFORM values REPLACE "^${other}$" "${other}_plain")
+        string(REPLACE "TARGET_FILE:${other}>" "TARGET_FILE:${other}_plain>" values "${values}")
+      endforeach()
+      set_target_properties(${copy} PROPERTIES ${property} "${values}")
+    endif()
+  endforeach()
+endfunction()
