@@ -142,6 +142,8 @@ public:
     /// over-release), saying what it is and where it was made; empty when all is well. Known holders are the program's
     /// Objects, arrays, dictionaries, and the stored variants and strings of plugin objects.
     std::vector<std::string> Balance() const;
+    /// The same without what this has told of already: for programs that look often and go on.
+    std::vector<std::string> NewlyOutOfBalance();
     /// Leaves `count` references on things of that kind ("MDItemQTX", "string", ...) out of Balance: a deliberate leak.
     void ExpectLeft(std::string_view kind, int32_t count);
     /// Things of that kind alive now.

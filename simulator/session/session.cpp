@@ -52,6 +52,17 @@ bool Session::RunLoop(double seconds) {
 
 std::vector<std::string> Session::Balance() const {
     std::vector<std::string> lines = host_.Balance();
+    AddSystemBalance(lines);
+    return lines;
+}
+
+std::vector<std::string> Session::NewlyOutOfBalance() {
+    std::vector<std::string> lines = host_.NewlyOutOfBalance();
+    AddSystemBalance(lines);
+    return lines;
+}
+
+void Session::AddSystemBalance(std::vector<std::string> &lines) const {
     const std::string system = macos::ledger::Since(before_).ToText();
     for (size_t begin = 0; begin < system.size();) {
         const size_t end = std::min(system.find('\n', begin), system.size());
@@ -62,7 +73,6 @@ std::vector<std::string> Session::Balance() const {
         lines.push_back("observers: " + std::to_string(observers) +
                         " are registered with the notification centre, and " + std::to_string(observersBefore_) +
                         " were at the start");
-    return lines;
 }
 
 host::HostOptions Session::Connected(host::HostOptions options) {

@@ -52,8 +52,11 @@ public:
     /// was made since the plugin was started and is still alive, or was released once too often. Empty when all is
     /// well.
     std::vector<std::string> Balance() const;
+    /// The same, but of a host reference that is out of balance alike each time this tells once.
+    std::vector<std::string> NewlyOutOfBalance();
 
 private:
+    void AddSystemBalance(std::vector<std::string> &lines) const;
     void NoteBalance();
     host::HostOptions Connected(host::HostOptions options);
 

@@ -102,7 +102,7 @@ Object Stage::NewQuery(bool gathers) {
 
 std::vector<std::string> Stage::NewlyOutOfBalance() {
     std::vector<std::string> found;
-    for (const std::string &line : session.Balance())
+    for (const std::string &line : session.NewlyOutOfBalance())
         if (known_.insert(line).second && (letsGo_ || !IsLeft(line)))
             found.push_back(line);
     return found;

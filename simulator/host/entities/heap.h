@@ -46,6 +46,8 @@ struct Entity {
     int32_t programReferences = 0;
     /// How many the last audit found somebody to hold.
     int32_t holdersFound = 0;
+    /// How many references too many or, negative, too few were last told of.
+    int32_t differenceTold = 0;
     uint32_t number = 0;
     Place madeAt;
 };

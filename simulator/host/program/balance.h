@@ -12,6 +12,8 @@ class Runtime;
 
 /// See Host::Balance.
 std::vector<std::string> Audit(const Runtime &runtime);
+/// See Host::NewlyOutOfBalance.
+std::vector<std::string> AuditAnew(const Runtime &runtime);
 int32_t CountAlive(const Runtime &runtime, std::string_view kind);
 
 } // namespace sim::host

@@ -30,25 +30,30 @@ Entry Gone(const Mark &mark) {
 
 } // namespace
 
-Snapshot Take() { return {Registry::Instance().LiveObjects()}; }
+Snapshot Take() {
+    Snapshot snapshot;
+    snapshot.objects.reserve(Registry::Instance().LiveCount());
+    Registry::Instance().VisitLive([&](const Object &object) { snapshot.objects.push_back(Registry::MarkOf(object)); });
+    return snapshot;
+}
 
 std::size_t LiveCount() { return Registry::Instance().LiveCount(); }
 
 Difference Since(const Snapshot &before) {
     Difference difference;
-    const Snapshot now = Take();
     auto known = before.objects.begin();
-    for (const Mark &mark : now.objects) {
-        for (; known != before.objects.end() && known->serial > mark.serial; ++known)
+    Registry::Instance().VisitLive([&](const Object &object) {
+        const std::uint64_t serial = Registry::SerialOf(object);
+        for (; known != before.objects.end() && known->serial > serial; ++known)
             difference.gone.push_back(Gone(*known));
-        if (known == before.objects.end() || known->serial < mark.serial) {
-            difference.made.push_back(Living(mark));
-            continue;
+        if (known == before.objects.end() || known->serial < serial) {
+            difference.made.push_back(Living(Registry::MarkOf(object)));
+            return;
         }
-        if (known->retainCount != mark.retainCount)
-            difference.changed.push_back({Living(*known), Living(mark)});
+        if (known->retainCount != object.RetainCount())
+            difference.changed.push_back({Living(*known), Living(Registry::MarkOf(object))});
         ++known;
-    }
+    });
     for (; known != before.objects.end(); ++known)
         difference.gone.push_back(Gone(*known));
     // The lists come newest first; a reader wants to know what went wrong first.

@@ -77,12 +77,8 @@ std::optional<DeadObject> Registry::Recall(std::uint64_t serial) {
 
 std::size_t Registry::LiveCount() { return count_; }
 
-std::vector<ledger::Mark> Registry::LiveObjects() {
-    std::vector<ledger::Mark> marks;
-    marks.reserve(count_);
-    for (Object *object = first_; object; object = object->next_)
-        marks.push_back({object->serial_, object, object->TypeID(), object->retainCount_, object->made_});
-    return marks;
+ledger::Mark Registry::MarkOf(const Object &object) {
+    return {object.serial_, &object, object.TypeID(), object.retainCount_, object.made_};
 }
 
 } // namespace sim::macos

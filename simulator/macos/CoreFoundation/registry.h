@@ -53,7 +53,12 @@ public:
 
     std::size_t LiveCount();
     /// Newest first.
-    std::vector<ledger::Mark> LiveObjects();
+    template <class Visitor> void VisitLive(const Visitor &visitor) const {
+        for (const Object *object = first_; object; object = object->next_)
+            visitor(*object);
+    }
+    static std::uint64_t SerialOf(const Object &object) { return object.serial_; }
+    static ledger::Mark MarkOf(const Object &object);
 
 private:
     friend class Unseen;
