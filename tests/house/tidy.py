@@ -4,12 +4,16 @@ What is remembered of a source is one number, made from everything that the outc
 it includes of this tree, how it is compiled, the checks, and the versions of the tools and of the headers around it. It
 is the same in a copy of the tree. The numbers are names of empty files in build/linted.
 
-The checks visit the declarations of this tree alone, which own_declarations.cpp sees to.
+The checks visit the declarations of this tree alone, which own_declarations.cpp sees to. Sources that are compiled alike
+are read several at a time, one behind the other in one file, so that what they include is read once. Where anything is
+found in that, or they cannot stand together, each is read by itself, and so is one in which a name that it declares
+to use, and does not, might pass for used by another.
 """
 
 from __future__ import annotations
 
 import argparse
+import collections
 import functools
 import hashlib
 import json
@@ -24,6 +28,8 @@ from pathlib import Path
 _TIDY = "clang-tidy-14"
 _PLUGIN = Path(__file__).with_name("own_declarations.cpp")
 _INCLUDE = re.compile(rb'^[ \t]*#[ \t]*(?:include|import)[ \t]*["<]([^">]+)[">]', re.MULTILINE)
+_USING = re.compile(r"^\s*(?:using (?:[\w:]+::)?(\w+);|namespace (\w+) =)", re.MULTILINE)
+_TOGETHER = 8
 # The packages whose headers sources include; a new version may mean other findings.
 _PACKAGES = ("clang-tidy-14", "libstdc++-12-dev", "libc6-dev", "libicu-dev", "doctest-dev", "valgrind")
 
@@ -65,6 +71,36 @@ class Tree:
                     waiting.append(included)
         return found
 
+    def batches(self, sources: list[Path]) -> list[list[Path]]:
+        """These sources, those together that may be read together."""
+        alike: dict[str, list[Path]] = collections.defaultdict(list)
+        alone = []
+        for source in sources:
+            if _may_use_nothing(source.read_text("utf-8")):
+                alone.append([source])
+            else:
+                alike[f"{source.parent} {' '.join(self._words(source))}"].append(source)
+        together = [some[i : i + _TOGETHER] for some in alike.values() for i in range(0, len(some), _TOGETHER)]
+        return together + alone
+
+    def _words(self, source: Path) -> list[str]:
+        """How it is compiled, without its own name and that of what comes of it."""
+        words = shlex.split(self.commands[source])
+        del words[words.index("-c") : words.index("-c") + 2], words[words.index("-o") : words.index("-o") + 2]
+        return words
+
+    def write_batch(self, batch: list[Path], name: str) -> Path:
+        """One source of several, in a folder of its own with the command that compiles it."""
+        folder = self.build / "batches" / name
+        folder.mkdir(parents=True, exist_ok=True)
+        file = folder / "together.cpp"
+        # Behind a macro clang-tidy does not take an include for a repeated one.
+        end = "\n#define END_OF_SOURCE\n#undef END_OF_SOURCE\n"
+        file.write_text(end.join(source.read_text("utf-8") for source in batch), "utf-8")
+        entry = {"file": str(file), "directory": str(self.build), "arguments": [*self._words(batch[0]), "-c", str(file)]}
+        (folder / "compile_commands.json").write_text(json.dumps([entry]), "utf-8")
+        return file
+
     def key(self, source: Path) -> str:
         """The number that stands for the source and all that the findings in it depend on."""
         words = [word.replace(str(self.root), "") for word in shlex.split(self.commands[source])]
@@ -72,6 +108,12 @@ class Tree:
         for path in sorted(self.closure(source)):
             lines.append(f"{path.relative_to(self.root)} {self._contents(path)[0]}")
         return hashlib.sha256("\n".join(lines).encode()).hexdigest()
+
+
+def _may_use_nothing(text: str) -> bool:
+    """Whether a name that the source declares to use stands nowhere else in it."""
+    names = [one or other for one, other in _USING.findall(text)]
+    return any(len(re.findall(rf"\b{name}\b", text)) < 2 for name in names)
 
 
 def _output(*command: str, cwd: Path | None = None) -> str:
@@ -117,23 +159,37 @@ def tidy(tree: Tree, sources: list[Path]) -> bool:
     tree.clean.mkdir(exist_ok=True)
     plugin = built_plugin(tree)
 
-    def examine(source: Path) -> bool:
-        mark = tree.clean / tree.key(source)
-        if mark.exists():
-            mark.touch()
-            return True
-        options = [f"--load={plugin}", "-p", str(tree.build), "--quiet", "--warnings-as-errors=*"]
+    marks = {source: tree.clean / tree.key(source) for source in sources}
+
+    def examine(source: Path, commands: Path) -> subprocess.CompletedProcess[str]:
+        options = [f"--load={plugin}", "-p", str(commands), "--quiet", "--warnings-as-errors=*"]
         command = [_TIDY, *options, str(source)]
-        examined = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+
+    def is_clean(source: Path) -> bool:
+        examined = examine(source, tree.build)
         if examined.returncode == 0 and not examined.stdout:
-            mark.touch()
+            marks[source].touch()
             return True
         sys.stdout.write(examined.stdout or f"{source}: {_TIDY} ended with {examined.returncode}\n")
         sys.stdout.flush()
         return False
 
+    def are_clean(batch: list[Path]) -> bool:
+        if len(batch) > 1:
+            together = tree.write_batch(batch, marks[batch[0]].name)
+            examined = examine(together, together.parent)
+            if examined.returncode == 0 and not examined.stdout:
+                for source in batch:
+                    marks[source].touch()
+                return True
+        return all([is_clean(source) for source in batch])
+
+    known = [source for source in sources if marks[source].exists()]
+    for source in known:
+        marks[source].touch()
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        return all(list(pool.map(examine, sources)))
+        return all(list(pool.map(are_clean, tree.batches([source for source in sources if source not in known]))))
 
 
 def main() -> None:
