@@ -10,6 +10,8 @@
 
 #include <doctest/doctest.h>
 
+#include <algorithm>
+
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Value;
@@ -130,6 +132,52 @@ TEST_CASE("A variant array is made for all its elements, and each is read, conve
         found.erase(found.begin());
         CHECK(found == expected);
     });
+}
+
+TEST_CASE("An element of a typed array is given up once what it became is in the list, and that before it") {
+    ValueSession session;
+    auto &host = session.Host();
+    const struct {
+        const char *type;
+        Value element;
+        CallLines expected;
+    } rows[] = {
+        {"string",
+         "a",
+         {"REALLockString(\"a\")", "CFArrayAppendValue(\"a\")", "CFRelease(\"a\")", "REALUnlockString(\"a\")"}},
+        {"date",
+         host.NewDate({.year = 2014}),
+         {"REALLockObject(Date)", "CFArrayAppendValue(CFDate)", "CFRelease(CFDate)", "REALUnlockObject(Date)"}},
+        {"variant",
+         7,
+         {"REALLockObject(variant)", "CFArrayAppendValue(CFNumber)", "CFRelease(CFNumber)",
+          "REALUnlockObject(variant)"}},
+        {"boolean", true, {"CFRetain(CFBoolean)", "CFArrayAppendValue(CFBoolean)", "CFRelease(CFBoolean)"}},
+        {"integer", 7, {"CFArrayAppendValue(CFNumber)", "CFRelease(CFNumber)"}},
+    };
+    for (const auto &row : rows) {
+        CAPTURE(std::string(row.type));
+        const Object array = host.NewArray(row.type, {row.element});
+        CallLog log(session);
+        session.FromHost(array);
+        CallLines lines = log.Take({"REALLockString", "REALLockObject", "CFRetain", "CFArrayAppendValue", "CFRelease",
+                                    "REALUnlockString", "REALUnlockObject"});
+        const auto from = std::ranges::find(lines, row.expected.front());
+        REQUIRE(from != lines.end());
+        lines.erase(lines.begin(), from);
+        lines.resize(std::min(lines.size(), row.expected.size()));
+        CHECK(lines == row.expected);
+    }
+}
+
+TEST_CASE("The getter of a number is called before the number is made, whatever becomes of its answer") {
+    ValueSession session(2016.1);
+    const Object array = session.Host().NewArray("integer", {7, 8});
+    CallLog log(session);
+    session.FromHost(array);
+    CHECK(log.Take({"integer array get", "CFNumberCreate"}) ==
+          CallLines{"integer array get(integer()[2], 0)", "CFNumberCreate(3)", "integer array get(integer()[2], 1)",
+                    "CFNumberCreate(3)"});
 }
 
 TEST_CASE("A string of a list is read, converted, appended and given up before the next is read") {
