@@ -25,14 +25,14 @@ REALobjectStruct *const kPrevious = reinterpret_cast<REALobjectStruct *>(&firstO
 REALobjectStruct *const kStored = reinterpret_cast<REALobjectStruct *>(&secondObject);
 
 REALobjectStruct *element = nullptr;
-std::vector<std::string> events;
+std::vector<std::string> happened;
 
 std::string NameOf(REALobjectStruct *object) {
     return !object ? "nothing" : object == kPrevious ? "previous" : "stored";
 }
 
 void Note(const char *what, REALobjectStruct *object) {
-    events.push_back(std::string(what) + " " + NameOf(object) + ", in its place " + NameOf(element));
+    happened.push_back(std::string(what) + " " + NameOf(object) + ", in its place " + NameOf(element));
 }
 
 /// What happens while an object, or null, is stored where the previous one is.
@@ -48,11 +48,11 @@ std::vector<std::string> EventsOfStoring(REALobjectStruct *object, REALobjectStr
         "REALUnlockObject", +[](REALobjectStruct *unlocked) { Note("unlock", unlocked); });
     rbversion = 2013.04;
     element = previous;
-    events.clear();
+    happened.clear();
     OldArray array = {.elements = &element};
     StoreArrayObject(reinterpret_cast<_REALarray *>(&array), 0, object);
     rbversion = 0;
-    return events;
+    return happened;
 }
 
 using Events = std::vector<std::string>;

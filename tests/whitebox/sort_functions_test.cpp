@@ -38,20 +38,20 @@ bool IsFoundByLookUp() {
     return isFound;
 }
 
-MDQueryRef asked = nullptr;
+MDQueryRef lastAsked = nullptr;
 
 /// Sees to it that the three functions are there, or are not. They note the query that they are given.
 void Provide(bool areThere) {
     const decltype(myMDQueryGetSortOptionFlagsForAttribute) get = [](MDQueryRef query, CFStringRef) {
-        asked = query;
+        lastAsked = query;
         return uint32_t{7};
     };
     const decltype(myMDQuerySetSortOptionFlagsForAttribute) set = [](MDQueryRef query, CFStringRef, uint32_t) {
-        asked = query;
+        lastAsked = query;
         return Boolean{1};
     };
     const decltype(myMDQuerySetSortOrder) order = [](MDQueryRef query, CFArrayRef) {
-        asked = query;
+        lastAsked = query;
         return Boolean{1};
     };
     myMDQueryGetSortOptionFlagsForAttribute = areThere ? get : nullptr;
@@ -150,15 +150,15 @@ TEST_CASE("Each sort method asks for the query of the object that it is called o
     Provide(true);
     for (QueryObject &query : queries) {
         const MDQueryRef own = QueryData(query.Self()).Handle;
-        asked = nullptr;
+        lastAsked = nullptr;
         rbMDQueryGetSortOptionFlagsForAttribute(query.Self(), name);
-        CHECK(asked == own);
-        asked = nullptr;
+        CHECK(lastAsked == own);
+        lastAsked = nullptr;
         rbMDQuerySetSortOptionFlagsForAttribute(query.Self(), name, 1);
-        CHECK(asked == own);
-        asked = nullptr;
+        CHECK(lastAsked == own);
+        lastAsked = nullptr;
         rbMDQuerySetSortOrder(query.Self(), names);
-        CHECK(asked == own);
+        CHECK(lastAsked == own);
     }
     Provide(false);
     REALUnlockString(name);
