@@ -1,6 +1,7 @@
 // Host scalars, texts and colours on their way to Core Foundation, and how a variant's type and value are found on
 // hosts that lack the services for it.
 #include "tests/convert/value_session.h"
+#include "tests/support/call_log.h"
 
 #include "simulator/macos/ApplicationServices/colors.h"
 
@@ -12,6 +13,8 @@ using sim::host::Color;
 using sim::host::HostOptions;
 using sim::host::Object;
 using sim::host::Text;
+using tests::CallLines;
+using tests::CallLog;
 using tests::CoreValue;
 using tests::ValueSession;
 
@@ -37,6 +40,7 @@ TEST_CASE("An Int64 becomes a 64-bit number") {
 TEST_CASE("A Single becomes a 32-bit float") {
     ValueSession session;
     CHECK(session.TextInCore(1.5F) == "Float32 1.5");
+    CHECK(session.TextInCore(-0.25F) == "Float32 -0.25");
 }
 
 TEST_CASE("A Double becomes a 64-bit float, and so does code 6") {
@@ -55,8 +59,10 @@ TEST_CASE("A Date becomes a CFDate: the variant is the date itself") {
 
 TEST_CASE("A boolean becomes the constant true or false, retained") {
     ValueSession session;
+    CallLog log(session);
     CHECK(session.FromHost(true).Get() == kCFBooleanTrue);
     CHECK(session.FromHost(false).Get() == kCFBooleanFalse);
+    CHECK(log.Take({"CFRetain"}) == CallLines{"CFRetain(CFBoolean)", "CFRetain(CFBoolean)"});
 }
 
 TEST_CASE("Only the low eight bits of a boolean variant's integer count: 256 is false") {
@@ -76,6 +82,10 @@ TEST_CASE("A colour becomes an opaque CGColor of generic RGB, each component div
     const CoreValue negative = session.FromHost(session.Host().NewVariant(16, -1));
     CHECK(sim::macos::ComponentsOf(static_cast<CGColorRef>(const_cast<void *>(negative.Get()))) ==
           std::array<CGFloat, 4>{1.0F, 1.0F, 1.0F, 1.0F});
+    // Each colour has components of its own.
+    const CoreValue blue = session.FromHost(Color{0x0000FF});
+    CHECK(sim::macos::ComponentsOf(static_cast<CGColorRef>(const_cast<void *>(blue.Get()))) ==
+          std::array<CGFloat, 4>{0.0F, 0.0F, 1.0F, 1.0F});
 }
 
 TEST_CASE("A String becomes a CFString with its characters, whatever its encoding, and is unlocked") {
