@@ -24,6 +24,13 @@ TEST_CASE("Nil becomes nothing") {
     CHECK(session.TextInCore(session.Host().NewVariant(0, "text")) == "none");
 }
 
+TEST_CASE("The host is not asked what nil is") {
+    ValueSession session;
+    CallLog log(session);
+    session.FromHost(nullptr);
+    CHECK(log.Take({"REALLoadGlobalMethod", "VarType(value As Variant) As Int32"}) == CallLines{});
+}
+
 TEST_CASE("An Int32 becomes a 32-bit number") {
     ValueSession session;
     CHECK(session.TextInCore(-7) == "SInt32 -7");

@@ -93,6 +93,12 @@ TEST_CASE("Each type of the map is wrapped by its class, which owns one retain o
         check(row);
 }
 
+TEST_CASE("Values of several types get wrappers each of its own class, in whatever order they come") {
+    ValueSession session(tests::WithCompanions(tests::WrapperClasses()));
+    for (const char *type : {"CFSet", "CFUUID", "CFReadStream", "CFBag"})
+        CheckWrapped(session, type, std::string(type) == "CFReadStream" ? "CFObjectQTX" : std::string(type) + "QTX");
+}
+
 TEST_CASE("A type with a retain function of its own gives nil without its class, even where CFObjectQTX is there") {
     for (const Row &row : kOwnRetain) {
         SUBCASE(Titled(row, "without its class").c_str()) {
