@@ -1,7 +1,7 @@
 // Linked into a copy of the product that clang made to tell where it was: notes each of its places that ran, in the
 // file that the environment names. The file has a byte for each place, 1 where it ran and 2 where it ran more than once
-// in the life of one copy of the library, then for each the offset of its code in the library, four bytes. All copies of
-// one library in a process share it, and it holds what ran in any of them.
+// in the life of one copy of the library, then for each the offset of its code in the library, four bytes. All copies
+// of one library in a process share it, and it holds what ran in any of them.
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>

@@ -71,10 +71,10 @@ TEST_CASE("A notification's arrays are fetched and kept, then made into host arr
         for (int count = 1; count <= 3; count++) {
             append({"RuntimeArrayCreateSingleDimBoundedArray(4, -1)"});
             for (int i = 0; i < count; i++) {
-                const std::string at = std::to_string(i);
-                append({"PluginNewInstance(\"MDItemQTX\")", "CFRetain(MDItem)",
-                        "object array insert(variant()[" + at + "], " + at + ", MDItemQTX)",
-                        "REALUnlockObject(MDItemQTX)"});
+                std::string insertion = "object array insert(variant()[";
+                insertion.append(std::to_string(i)).append("], ").append(std::to_string(i)).append(", MDItemQTX)");
+                append(
+                    {"PluginNewInstance(\"MDItemQTX\")", "CFRetain(MDItem)", insertion, "REALUnlockObject(MDItemQTX)"});
             }
         }
         append({"handler()"});
