@@ -178,7 +178,6 @@ const std::vector<RaisedException> &Host::Raised() const { return runtime_->rais
 std::vector<RaisedException> Host::TakeRaised() { return std::exchange(runtime_->raised, {}); }
 
 std::vector<std::string> Host::Balance() const { return Audit(*runtime_); }
-
 std::vector<std::string> Host::NewlyOutOfBalance() { return AuditAnew(*runtime_); }
 void Host::ExpectLeft(std::string_view kind, int32_t count) { runtime_->expectedLeft[std::string(kind)] = count; }
 int32_t Host::Alive(std::string_view kind) const { return CountAlive(*runtime_, kind); }

@@ -20,6 +20,24 @@ TEST_CASE("A reference that nobody gives up is named with the place where its th
     CHECK(host.Balance().empty());
 }
 
+TEST_CASE("Who asks for what is newly out of balance is told once of a reference, and again when there is another") {
+    HostUnderTest host;
+    CHECK(host.NewlyOutOfBalance().empty());
+    void *leaked = Ask<void *(const char *)>("PluginNewInstance")("Date");
+    const std::vector<std::string> one = {
+        "Date #1 has 1 reference that nobody gives up; made by PluginNewInstance (call 1)"};
+    CHECK(host.NewlyOutOfBalance() == one);
+    CHECK(host.NewlyOutOfBalance().empty());
+    CHECK(host.Balance() == one);
+    Ask<void(void *)>("REALLockObject")(leaked);
+    CHECK(
+        host.NewlyOutOfBalance() ==
+        std::vector<std::string>{"Date #1 has 2 references that nobody gives up; made by PluginNewInstance (call 1)"});
+    UnlockObject(leaked);
+    UnlockObject(leaked);
+    CHECK(host.NewlyOutOfBalance().empty());
+}
+
 TEST_CASE("A leaked container excuses what it holds") {
     HostUnderTest host;
     Object array = host.NewArray("string", {"a", "b"});
