@@ -1,5 +1,5 @@
 # What ships holds no code of a sanitizer, and runs eight times faster where nothing around it does either. So the
-# libraries that it runs in are built a second time, as they are without sanitizers, beside those that the native build
+# libraries and programs that it runs in are built a second time without sanitizers, beside those that the native build
 # runs in. Where nothing is sanitized the one is the other.
 set(SPOTLIGHT_PLAIN_FOLDER ${CMAKE_BINARY_DIR}/plain)
 if(SPOTLIGHT_SANITIZE AND NOT SPOTLIGHT_FUZZ)
@@ -43,6 +43,7 @@ function(add_plain_copies headers)
   endforeach()
 endfunction()
 
+# add_plain_copy(<target> <copy> <type>): the copy of one, which is of that type.
 function(add_plain_copy target copy type)
   get_target_property(folder ${target} SOURCE_DIR)
   get_target_property(sources ${target} SOURCES)

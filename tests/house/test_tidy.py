@@ -1,14 +1,24 @@
 """Tests of which sources ./dev lint reads together."""
 
+import contextlib
+import io
 import json
+import os
 import tempfile
 import unittest
 from pathlib import Path
+from unittest import mock
 
-from tidy import Tree
+from tidy import Tree, tidy
+
+# In the place of clang-tidy: notes what it is given, and finds fault with whatever has the word.
+_TIDY = """#!/bin/bash
+echo "${@: -1}" >>"$(dirname "$0")/read"
+! grep -Hn wrong "${@: -1}"
+"""
 
 
-class Batches(unittest.TestCase):
+class MadeUpTree(unittest.TestCase):
     def setUp(self) -> None:
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -29,6 +39,8 @@ class Batches(unittest.TestCase):
         (self.root / "build" / "lint" / "compile_commands.json").write_text(json.dumps(self.entries), "utf-8")
         return Tree(self.root)
 
+
+class Batches(MadeUpTree):
     def test_sources_of_a_folder_that_are_compiled_alike_are_read_together(self) -> None:
         one, two = self.add("host/one.cpp"), self.add("host/two.cpp")
         other = self.add("plugin/other.cpp")
@@ -54,6 +66,40 @@ class Batches(unittest.TestCase):
         self.assertLess(text.index("int one;"), text.index("int two;"))
         entry = json.loads((together.parent / "compile_commands.json").read_text("utf-8"))[0]
         self.assertEqual(["clang++", "-O1", "-c", str(together)], entry["arguments"])
+
+
+class Findings(MadeUpTree):
+    def setUp(self) -> None:
+        super().setUp()
+        program = self.root / "clang-tidy-14"
+        program.write_text(_TIDY, "utf-8")
+        program.chmod(0o755)
+        path = f"{self.root}:{os.environ['PATH']}"
+        for patch in (mock.patch.dict(os.environ, PATH=path), mock.patch("tidy.built_plugin")):
+            patch.start()
+            self.addCleanup(patch.stop)
+
+    def examine(self, sources: list[Path]) -> tuple[bool, str, list[str]]:
+        """Whether all is clean, what is printed, and the names of what is read."""
+        read = self.root / "read"
+        read.unlink(missing_ok=True)
+        with contextlib.redirect_stdout(io.StringIO()) as printed:
+            is_clean = tidy(self.tree(), sources)
+        names = [Path(line).name for line in read.read_text("utf-8").splitlines()] if read.exists() else []
+        return is_clean, printed.getvalue(), names
+
+    def test_what_is_clean_together_is_not_read_again(self) -> None:
+        sources = [self.add("host/one.cpp"), self.add("host/two.cpp")]
+        self.assertEqual((True, "", ["together.cpp"]), self.examine(sources))
+        self.assertEqual((True, "", []), self.examine(sources))
+
+    def test_where_anything_is_found_together_each_is_read_by_itself_until_it_is_clean(self) -> None:
+        sources = [self.add("host/one.cpp"), self.add("host/two.cpp", "int wrong;\n"), self.add("host/three.cpp")]
+        finding = f"{sources[1]}:1:int wrong;\n"
+        self.assertEqual((False, finding, ["together.cpp", "one.cpp", "two.cpp", "three.cpp"]), self.examine(sources))
+        self.assertEqual((False, finding, ["two.cpp"]), self.examine(sources))
+        sources[1].write_text("int right;\n", "utf-8")
+        self.assertEqual((True, "", ["two.cpp"]), self.examine(sources))
 
 
 if __name__ == "__main__":

@@ -185,11 +185,9 @@ def tidy(tree: Tree, sources: list[Path]) -> bool:
                 return True
         return all([is_clean(source) for source in batch])
 
-    known = [source for source in sources if marks[source].exists()]
-    for source in known:
-        marks[source].touch()
+    unknown = [source for source in sources if not marks[source].exists()]
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        return all(list(pool.map(are_clean, tree.batches([source for source in sources if source not in known]))))
+        return all(list(pool.map(are_clean, tree.batches(unknown))))
 
 
 def main() -> None:
