@@ -52,18 +52,21 @@ bool Session::RunLoop(double seconds) {
 
 std::vector<std::string> Session::Balance() const {
     std::vector<std::string> lines = host_.Balance();
-    AddSystemBalance(lines);
+    AddSystemBalance(lines, macos::ledger::Since(before_));
     return lines;
 }
 
 std::vector<std::string> Session::NewlyOutOfBalance() {
     std::vector<std::string> lines = host_.NewlyOutOfBalance();
-    AddSystemBalance(lines);
+    AddSystemBalance(lines, macos::ledger::Since(before_, [this](const macos::ledger::Mark &mark) {
+                         const auto [known, isNew] = told_.try_emplace(mark.serial, mark.retainCount);
+                         return std::exchange(known->second, mark.retainCount) != mark.retainCount || isNew;
+                     }));
     return lines;
 }
 
-void Session::AddSystemBalance(std::vector<std::string> &lines) const {
-    const std::string system = macos::ledger::Since(before_).ToText();
+void Session::AddSystemBalance(std::vector<std::string> &lines, const macos::ledger::Difference &difference) const {
+    const std::string system = difference.ToText();
     for (size_t begin = 0; begin < system.size();) {
         const size_t end = std::min(system.find('\n', begin), system.size());
         lines.push_back(system.substr(begin, end - begin));

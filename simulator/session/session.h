@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace sim {
@@ -52,11 +53,11 @@ public:
     /// was made since the plugin was started and is still alive, or was released once too often. Empty when all is
     /// well.
     std::vector<std::string> Balance() const;
-    /// The same, but of a host reference that is out of balance alike each time this tells once.
+    /// The same, but of a reference or an object that is out of balance alike each time this tells once.
     std::vector<std::string> NewlyOutOfBalance();
 
 private:
-    void AddSystemBalance(std::vector<std::string> &lines) const;
+    void AddSystemBalance(std::vector<std::string> &lines, const macos::ledger::Difference &difference) const;
     void NoteBalance();
     host::HostOptions Connected(host::HostOptions options);
 
@@ -64,6 +65,8 @@ private:
     loader::PluginImage plugin_;
     host::Host host_;
     macos::ledger::Snapshot before_;
+    /// The retain counts that NewlyOutOfBalance told of, by serial number.
+    std::unordered_map<uint64_t, CFIndex> told_;
     size_t observersBefore_ = 0;
 };
 

@@ -55,7 +55,7 @@ bool IsTheHostsOwn(const RaisedException &raised) { return raised.className == "
 
 bool IsInTable(const std::string &member, const RaisedException &raised) {
     return std::ranges::any_of(Table(), [&](const ExceptionRow &row) {
-        return (row.member == "*" || row.member == member) && row.exception == raised.className &&
+        return row.exception == raised.className && (row.member == member || row.member == "*") &&
                (!raised.message || row.HasMessage(*raised.message));
     });
 }
@@ -82,7 +82,7 @@ FaultMatrix::FaultMatrix(std::filesystem::path plugin, double version) : plugin_
     };
     noteRequests();
     for (Deed &deed : DeedsOf(stage)) {
-        Known known{std::move(deed), {}};
+        Known known{std::move(deed)};
         FailedAllocation counter(0);
         const Fault none{"no fault",
                          [&](Stage &on) {
@@ -97,7 +97,8 @@ FaultMatrix::FaultMatrix(std::filesystem::path plugin, double version) : plugin_
                                  ++known.services[call];
                              noteRequests();
                          }};
-        known.outcome = Do(stage, known.deed, none);
+        const Outcome outcome = Do(stage, known.deed, none);
+        known.right.insert(outcome.leaves.begin(), outcome.leaves.end());
         known_.push_back(std::move(known));
     }
     std::erase_if(asked, [](const std::string &name) { return !CanBeWithheld(name); });
@@ -133,9 +134,8 @@ FaultMatrix::Outcome FaultMatrix::Do(Stage &stage, const Deed &deed, const Fault
 }
 
 std::string FaultMatrix::WhatIsWrong(const Known &known, const Outcome &outcome) const {
-    const Leaves &right = known.outcome.leaves;
     for (const std::string &leaf : outcome.leaves)
-        if (!IsNeutral(leaf) && std::ranges::find(right, leaf) == right.end())
+        if (!known.right.contains(leaf) && !IsNeutral(leaf))
             return "gives " + leaf;
     for (const RaisedException &raised : outcome.raised)
         if (!IsInTable(known.deed.member, raised) && !IsTheHostsOwn(raised))

@@ -7,6 +7,7 @@
 #include "tests/faults/deeds.h"
 
 #include <cstdint>
+#include <unordered_set>
 
 namespace tests::faults {
 
@@ -50,7 +51,8 @@ private:
     };
     struct Known {
         Deed deed;
-        Outcome outcome;
+        /// What it gives without a fault.
+        std::unordered_set<std::string> right = {};
         size_t fallibleCalls = 0;
         int allocations = 0;
         std::map<std::string, int32_t> services = {};

@@ -228,7 +228,7 @@ bool SameDeclaration(std::string_view left, std::string_view right) {
         }
         return LowerCase(kept);
     };
-    return essence(left) == essence(right);
+    return left == right || essence(left) == essence(right);
 }
 
 } // namespace sim::host

@@ -2,7 +2,6 @@
 
 #include "simulator/host/ground/stop.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <sys/mman.h>
@@ -55,15 +54,18 @@ void *TrapAddress() {
 }
 
 Heap::~Heap() {
-    for (const auto &[handle, entity] : live_)
-        Free(entity->address, entity->size);
+    while (oldest_) {
+        Entity *const next = oldest_->newer;
+        Free(oldest_->address, oldest_->size);
+        oldest_ = next;
+    }
     for (const DeadBlock &block : quarantine_)
         Free(block.address, block.size);
     FreeUnused();
 }
 
 void Heap::Free(std::byte *address, size_t size) {
-    graves_.erase(address);
+    plots_.erase(address);
     AllowAccess(address, size);
     std::free(address);
 }
@@ -109,9 +111,10 @@ void Heap::Add(std::unique_ptr<Entity> entity, size_t size) {
     entity->number = ++lastNumber_;
     entity->madeAt = places.Now();
     std::memset(entity->address, 0, size);
-    graves_.erase(entity->address);
-    const void *handle = entity->address;
-    live_[handle] = std::move(entity);
+    entity->older = newest_;
+    (newest_ ? newest_->newer : oldest_) = entity.get();
+    newest_ = entity.get();
+    plots_[entity->address].living = std::move(entity);
 }
 
 void Heap::Lock(Entity &entity) {
@@ -140,20 +143,29 @@ void Heap::Unlock(Entity &entity) {
 
 void Heap::Bury(Entity &entity, const Place &diedAt) {
     entity.Die();
-    auto found = live_.find(entity.address);
-    std::unique_ptr<Entity> last = std::move(found->second);
-    live_.erase(found);
-    graves_[last->address] = {last->Describe(), last->madeAt, diedAt};
+    (entity.older ? entity.older->newer : oldest_) = entity.newer;
+    (entity.newer ? entity.newer->older : newest_) = entity.older;
+    Plot &plot = plots_.at(entity.address);
+    const std::unique_ptr<Entity> last = std::move(plot.living);
+    plot.description = last->Describe();
+    plot.madeAt = last->madeAt;
+    plot.diedAt = diedAt;
     Retire(last->address, last->size);
 }
 
+bool Heap::IsLive(const void *handle) const {
+    const auto found = plots_.find(handle);
+    return found != plots_.end() && found->second.living;
+}
+
 Entity &Heap::At(const void *handle, const char *what) {
-    if (auto found = live_.find(handle); found != live_.end())
-        return *found->second;
+    const auto found = plots_.find(handle);
+    if (found != plots_.end() && found->second.living)
+        return *found->second.living;
     std::string reason = places.Now().Describe() + " was given " + HandleText(handle) + " as " + what + ": ";
-    if (auto grave = graves_.find(handle); grave != graves_.end())
-        Stop(reason + grave->second.description + " is gone; it was made by " + grave->second.madeAt.Describe() +
-             " and died in " + grave->second.diedAt.Describe());
+    if (found != plots_.end())
+        Stop(reason + found->second.description + " is gone; it was made by " + found->second.madeAt.Describe() +
+             " and died in " + found->second.diedAt.Describe());
     Stop(reason + (handle ? "nothing of the host was ever there" : "it must not be null"));
 }
 
@@ -163,9 +175,7 @@ void Heap::StopForKind(const void *handle, const char *what) {
 
 void Heap::VisitLive(const Entity::Visitor &visitor) const {
     std::vector<Entity *> entities;
-    for (const auto &[handle, entity] : live_)
-        entities.push_back(entity.get());
-    std::sort(entities.begin(), entities.end(), [](Entity *a, Entity *b) { return a->number < b->number; });
+    VisitAllThatLive([&](Entity &entity) { entities.push_back(&entity); });
     for (Entity *entity : entities)
         visitor(*entity);
 }

@@ -50,6 +50,9 @@ struct Entity {
     int32_t differenceTold = 0;
     uint32_t number = 0;
     Place madeAt;
+    /// Its neighbours among the living.
+    Entity *older = nullptr;
+    Entity *newer = nullptr;
 };
 
 class Heap {
@@ -82,13 +85,13 @@ public:
     template <class T> T *RequireOrNull(const void *handle, const char *what) {
         return handle ? &Require<T>(handle, what) : nullptr;
     }
-    bool IsLive(const void *handle) const { return live_.contains(handle); }
+    bool IsLive(const void *handle) const;
 
-    /// The oldest first.
+    /// The oldest first. Things may come and go meanwhile.
     void VisitLive(const Entity::Visitor &visitor) const;
-    /// In no order; quicker. Nothing may come or go meanwhile.
-    template <class Visitor> void VisitLiveUnordered(const Visitor &visitor) const {
-        for (const auto &[handle, entity] : live_)
+    /// The same where nothing comes or goes.
+    template <class Visitor> void VisitAllThatLive(const Visitor &visitor) const {
+        for (Entity *entity = oldest_; entity; entity = entity->newer)
             visitor(*entity);
     }
     /// Gives the places that the dead left for others back to the system.
@@ -97,7 +100,9 @@ public:
     Places places;
 
 private:
-    struct Grave {
+    /// What is at an address: something that lives, or what is remembered of the last that did.
+    struct Plot {
+        std::unique_ptr<Entity> living;
         std::string description;
         Place madeAt;
         Place diedAt;
@@ -124,8 +129,9 @@ private:
     uint32_t lastNumber_ = 0;
     std::vector<Death> deaths_;
     int dyingDepth_ = 0;
-    std::unordered_map<const void *, std::unique_ptr<Entity>> live_;
-    std::unordered_map<const void *, Grave> graves_;
+    std::unordered_map<const void *, Plot> plots_;
+    Entity *oldest_ = nullptr;
+    Entity *newest_ = nullptr;
     std::deque<DeadBlock> quarantine_;
     std::map<size_t, std::vector<std::byte *>> reusable_;
 };

@@ -23,14 +23,13 @@ std::string Finding(const Entity &entity, int32_t difference) {
 /// Those of which there are more or fewer references than are known to be held, the oldest first. This is asked often
 /// and finds nothing nearly always, so it makes no lists before there is something to tell.
 std::vector<Entity *> Differing(const Heap &heap) {
-    heap.VisitLiveUnordered([](Entity &entity) { entity.holdersFound = entity.programReferences; });
-    heap.VisitLiveUnordered([](Entity &entity) { entity.VisitHeld([](Entity &inner) { ++inner.holdersFound; }); });
+    heap.VisitAllThatLive([](Entity &entity) { entity.holdersFound = entity.programReferences; });
+    heap.VisitAllThatLive([](Entity &entity) { entity.VisitHeld([](Entity &inner) { ++inner.holdersFound; }); });
     std::vector<Entity *> differing;
-    heap.VisitLiveUnordered([&](Entity &entity) {
+    heap.VisitAllThatLive([&](Entity &entity) {
         if (entity.references != entity.holdersFound)
             differing.push_back(&entity);
     });
-    std::ranges::sort(differing, {}, &Entity::number);
     return differing;
 }
 
@@ -72,7 +71,7 @@ std::vector<std::string> AuditAnew(const Runtime &runtime) {
 
 int32_t CountAlive(const Runtime &runtime, std::string_view kind) {
     int32_t count = 0;
-    runtime.heap.VisitLiveUnordered([&](Entity &entity) { count += EqualIgnoringCase(entity.ClassName(), kind); });
+    runtime.heap.VisitAllThatLive([&](Entity &entity) { count += EqualIgnoringCase(entity.ClassName(), kind); });
     return count;
 }
 

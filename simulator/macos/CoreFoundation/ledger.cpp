@@ -40,19 +40,26 @@ Snapshot Take() {
 std::size_t LiveCount() { return Registry::Instance().LiveCount(); }
 
 Difference Since(const Snapshot &before) {
+    return Since(before, [](const Mark &) { return true; });
+}
+
+Difference Since(const Snapshot &before, const std::function<bool(const Mark &)> &isWanted) {
     Difference difference;
     auto known = before.objects.begin();
     Registry::Instance().VisitLive([&](const Object &object) {
         const std::uint64_t serial = Registry::SerialOf(object);
         for (; known != before.objects.end() && known->serial > serial; ++known)
             difference.gone.push_back(Gone(*known));
-        if (known == before.objects.end() || known->serial < serial) {
-            difference.made.push_back(Living(Registry::MarkOf(object)));
-            return;
+        const bool isNew = known == before.objects.end() || known->serial < serial;
+        if (isNew || known->retainCount != object.RetainCount()) {
+            const Mark now = Registry::MarkOf(object);
+            if (isNew && isWanted(now))
+                difference.made.push_back(Living(now));
+            else if (!isNew && isWanted(now))
+                difference.changed.push_back({Living(*known), Living(now)});
         }
-        if (known->retainCount != object.RetainCount())
-            difference.changed.push_back({Living(*known), Living(Registry::MarkOf(object))});
-        ++known;
+        if (!isNew)
+            ++known;
     });
     for (; known != before.objects.end(); ++known)
         difference.gone.push_back(Gone(*known));

@@ -8,6 +8,7 @@
 #include <CoreFoundation/CFBase.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,5 +61,8 @@ struct Difference {
 };
 
 Difference Since(const Snapshot &before);
+/// Only of what was made or changed and is wanted, by what it is now; nothing else is described. What is gone is told
+/// always.
+Difference Since(const Snapshot &before, const std::function<bool(const Mark &)> &isWanted);
 
 } // namespace sim::macos::ledger

@@ -13,32 +13,28 @@ namespace {
 /// Nobody can change what a query was made with: arrays are copied.
 CFRef<CFArrayRef> CopyOf(CFArrayRef array) { return array ? MakeArray(ValuesOf(array)) : CFRef<CFArrayRef>(); }
 
-std::vector<std::string> NamesIn(CFArrayRef array) {
-    std::vector<std::string> names;
-    if (!array)
-        return names;
-    for (const void *name : ValuesOf(array))
-        names.push_back(Utf8Of(static_cast<CFStringRef>(name)));
-    return names;
-}
-
-/// All names of both lists, each once.
-std::vector<std::string> NamesToRead(CFArrayRef valueNames, CFArrayRef sortNames) {
-    std::vector<std::string> names;
-    for (CFArrayRef array : {valueNames, sortNames}) {
-        for (std::string &name : NamesIn(array)) {
-            if (std::find(names.begin(), names.end(), name) == names.end())
-                names.push_back(std::move(name));
-        }
-    }
-    return names;
-}
-
-std::vector<std::size_t> PlacesOf(CFArrayRef array, const std::vector<std::string> &names) {
+/// Where in a list of names each name of an array stands; the list gets those that it lacks.
+std::vector<std::size_t> PlacesOf(CFArrayRef array, std::vector<std::string> &names) {
     std::vector<std::size_t> places;
-    for (const std::string &name : NamesIn(array))
-        places.push_back(static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin()));
+    if (!array)
+        return places;
+    for (const void *element : ValuesOf(array)) {
+        std::string name = Utf8Of(static_cast<CFStringRef>(element));
+        const auto found = std::find(names.begin(), names.end(), name);
+        places.push_back(static_cast<std::size_t>(found - names.begin()));
+        if (found == names.end())
+            names.push_back(std::move(name));
+    }
     return places;
+}
+
+/// All names of both arrays, each once, and where in them each array's names stand.
+std::vector<std::string> NamesToRead(CFArrayRef valueNames, CFArrayRef sortNames, std::vector<std::size_t> &valueList,
+                                     std::vector<std::size_t> &sortList) {
+    std::vector<std::string> names;
+    valueList = PlacesOf(valueNames, names);
+    sortList = PlacesOf(sortNames, names);
+    return names;
 }
 
 bool IsIn(const std::vector<std::size_t> &list, std::optional<std::size_t> name) {
@@ -61,9 +57,7 @@ MDQueryRef Query::Create(const Query *source, CFStringRef text, CFArrayRef value
 
 Query::Query(Expressions expressions, CFStringRef text, CFArrayRef valueNames, CFArrayRef sortNames)
     : expressions_(std::move(expressions)), text_(MakeString(CharactersOf(text))), valueNames_(CopyOf(valueNames)),
-      sortNames_(CopyOf(sortNames)), results_(NamesToRead(valueNames, sortNames)) {
-    valueList_ = PlacesOf(valueNames, results_.Names());
-    sortList_ = PlacesOf(sortNames, results_.Names());
+      sortNames_(CopyOf(sortNames)), results_(NamesToRead(valueNames, sortNames, valueList_, sortList_)) {
     SortOrder order;
     for (std::size_t name : sortList_)
         order.push_back({name});

@@ -149,4 +149,8 @@ std::unique_ptr<store::Session> ScriptedStore::Open(const store::Scope &scope, b
     return std::make_unique<ScriptedSession>(*this, scope, live, std::move(wake));
 }
 
+std::vector<std::string> ScriptedStore::Mounted(bool onNetwork) const {
+    return onNetwork ? std::vector<std::string>() : std::vector<std::string>{"/"};
+}
+
 } // namespace sim::macos

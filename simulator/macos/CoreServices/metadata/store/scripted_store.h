@@ -79,6 +79,8 @@ public:
     void Run(double milliseconds);
 
     std::unique_ptr<store::Session> Open(const store::Scope &scope, bool live, std::function<void()> wake) override;
+    /// It is one file system, and no network.
+    std::vector<std::string> Mounted(bool onNetwork) const override;
 
 private:
     friend class ScriptedSession;

@@ -10,11 +10,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreServices/MDQuery.h>
 
-#include <mntent.h>
-
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -30,54 +26,15 @@ std::map<std::string, Folders> &ScriptedFolders() {
     return folders;
 }
 
-struct MountPoint {
-    std::string folder;
-    bool onNetwork;
-};
-
-bool IsNetworkType(const std::string &type) {
-    constexpr std::array kTypes{"nfs", "nfs4", "cifs", "smb3", "9p", "afs", "ceph", "fuse.sshfs", "ncpfs", "coda"};
-    return std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();
-}
-
-/// File systems without a device of their own show files of others or none at all.
-bool IsDiskOrNetwork(const mntent &entry) { return entry.mnt_fsname[0] == '/' || IsNetworkType(entry.mnt_type); }
-
-struct CloseMounts {
-    void operator()(FILE *mounts) const { endmntent(mounts); }
-};
-
-std::vector<MountPoint> MountPoints() {
-    std::vector<MountPoint> points{{"/", false}};
-    const std::unique_ptr<FILE, CloseMounts> mounts(setmntent("/proc/self/mounts", "r"));
-    while (mounts) {
-        const mntent *entry = getmntent(mounts.get());
-        if (!entry)
-            break;
-        if (IsDiskOrNetwork(*entry))
-            points.push_back({entry->mnt_dir, IsNetworkType(entry->mnt_type)});
-    }
-    return points;
-}
-
 Folders Home() {
     const char *home = getenv("HOME");
     return home && home[0] == '/' ? Folders{home} : Folders{};
 }
 
-Folders Mounted(bool onNetwork) {
-    Folders folders;
-    for (const MountPoint &point : MountPoints()) {
-        if (point.onNetwork == onNetwork)
-            folders.push_back(point.folder);
-    }
-    return folders;
-}
-
-Folders Network() { return Mounted(true); }
+Folders Network() { return store::FileStore::Current().Mounted(true); }
 
 Folders Computer() {
-    Folders folders = Mounted(false);
+    Folders folders = store::FileStore::Current().Mounted(false);
     for (const std::string &home : Home())
         folders.push_back(home);
     return folders;

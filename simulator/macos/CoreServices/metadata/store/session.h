@@ -55,6 +55,9 @@ public:
     /// session.
     virtual std::unique_ptr<Session> Open(const Scope &scope, bool live, std::function<void()> wake) = 0;
 
+    /// Where its file systems are in the tree of folders: those on a network, or the others.
+    virtual std::vector<std::string> Mounted(bool onNetwork) const = 0;
+
     /// The store that queries read: the files of this machine, or scripted ones
     /// (CoreServices/metadata/store/scripted_store.h).
     static FileStore &Current();
