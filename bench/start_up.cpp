@@ -19,8 +19,10 @@ void MeasureStartUp(const Settings &settings, Age age) {
     given.EntryPoint()(Resolve);
     floors::StartUpRecords &records = floors::startUpRecords;
     const char *const names[] = {"MDItemQTX", "MDQueryQTX", "MDQueryBatchingParamsQTX"};
-    for (size_t i = 0; i < std::size(names); i++)
-        std::memcpy(records.classes[i], ClassRecord(names[i]), sizeof records.classes[i]);
+    for (size_t i = 0; const char *name : names) {
+        std::memcpy(records.classes[i], ClassRecord(name), sizeof records.classes[i]);
+        i++;
+    }
     std::memcpy(records.globalMethod, GlobalMethod(), sizeof records.globalMethod);
 
     BecomeHost(age);

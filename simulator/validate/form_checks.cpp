@@ -89,11 +89,13 @@ void LookAtSegments(const Subject &subject, Findings &findings) {
     findings.Expect(file.segments.size() == std::size(expected),
                     "there are " + std::to_string(file.segments.size()) + " segments");
     uint32_t address = file.image.base, offset = 0;
-    for (size_t i = 0; i < std::min(file.segments.size(), std::size(expected)); i++) {
-        const macho::SegmentCommand &segment = file.segments[i];
+    for (size_t i = 0; const auto &right : expected) {
+        if (i == file.segments.size())
+            break;
+        const macho::SegmentCommand &segment = file.segments[i++];
         const std::string name = FixedText(segment.name);
-        findings.Expect(name == expected[i].name, "segment " + std::to_string(i + 1) + " is " + name);
-        findings.Expect(segment.initialProtection == expected[i].protection,
+        findings.Expect(name == right.name, "segment " + std::to_string(i) + " is " + name);
+        findings.Expect(segment.initialProtection == right.protection,
                         name + " has the rights " + Hex(segment.initialProtection));
         findings.Expect((segment.maximumProtection & segment.initialProtection) == segment.initialProtection,
                         name + " may not have the rights that it begins with");

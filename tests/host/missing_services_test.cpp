@@ -140,13 +140,13 @@ template <class Session> void CheckRun(const HostOptions &options, const std::ve
     CheckRightOrNeutral(Run(session.Host()), right);
 }
 
-struct HostKind {
+struct NamedHost {
     std::string name;
     HostOptions options;
 };
 
-std::vector<HostKind> HostKinds() {
-    std::vector<HostKind> kinds;
+std::vector<NamedHost> NamedHosts() {
+    std::vector<NamedHost> kinds;
     AtAges(std::initializer_list<std::optional<double>>{std::nullopt, 2011.4, 2012.5, 2013.04, 2016.1},
            [&](std::optional<double> age) {
                const std::string name = age ? std::to_string(*age) : "no version";
@@ -166,7 +166,7 @@ struct Whole {
     std::vector<Step> steps;
 };
 
-Whole RunWhole(const HostKind &kind) {
+Whole RunWhole(const NamedHost &kind) {
     TestSession session(kind.options);
     session.Host().ClearLog();
     Whole whole;
@@ -180,12 +180,12 @@ Whole RunWhole(const HostKind &kind) {
 } // namespace
 
 TEST_CASE("The program gets every one of its results on a whole host of any age") {
-    const Whole modern = RunWhole(HostKinds().back());
+    const Whole modern = RunWhole(NamedHosts().back());
     for (const Step &step : modern.steps) {
         CAPTURE(step.name);
         CHECK_FALSE(step.results.empty());
     }
-    for (const HostKind &kind : HostKinds()) {
+    for (const NamedHost &kind : NamedHosts()) {
         CAPTURE(kind.name);
         const Whole whole = RunWhole(kind);
         CHECK(whole.services.size() >= 15);
@@ -197,7 +197,7 @@ TEST_CASE("The program gets every one of its results on a whole host of any age"
 }
 
 TEST_CASE("With any one service missing nothing crashes, results are right or neutral, and references balance") {
-    for (const HostKind &kind : HostKinds()) {
+    for (const NamedHost &kind : NamedHosts()) {
         const Whole whole = RunWhole(kind);
         for (const std::string &service : whole.services) {
             CAPTURE(kind.name);
@@ -213,7 +213,7 @@ TEST_CASE("With any one service missing nothing crashes, results are right or ne
 }
 
 TEST_CASE("With any one service giving nothing whenever it is called, the same holds") {
-    for (const HostKind &kind : HostKinds()) {
+    for (const NamedHost &kind : NamedHosts()) {
         const Whole whole = RunWhole(kind);
         for (const std::string &service : whole.services) {
             if (LetsGo(service) || service == "REALLockString" || service == "REALLockObject")
@@ -229,7 +229,7 @@ TEST_CASE("With any one service giving nothing whenever it is called, the same h
 
 TEST_CASE("With any one creation of the system failing nothing crashes, results are right or neutral, and references "
           "balance") {
-    for (const HostKind &kind : HostKinds()) {
+    for (const NamedHost &kind : NamedHosts()) {
         const Whole whole = RunWhole(kind);
         size_t failures = 0;
         for (size_t n = 1; n == failures + 1; n++) {

@@ -41,16 +41,20 @@ class MadeUpTree(unittest.TestCase):
 
 
 class Batches(MadeUpTree):
-    def test_sources_of_a_folder_that_are_compiled_alike_are_read_together(self) -> None:
-        one, two = self.add("host/one.cpp"), self.add("host/two.cpp")
-        other = self.add("plugin/other.cpp")
+    def test_sources_that_are_compiled_alike_are_read_together(self) -> None:
+        one, other = self.add("host/one.cpp"), self.add("plugin/other.cpp")
         optimised = self.add("host/optimised.cpp", options="-O2")
-        batches = self.tree().batches([one, two, other, optimised])
-        self.assertCountEqual([[one, two], [other], [optimised]], batches)
+        self.assertCountEqual([[one, other], [optimised]], self.tree().batches([one, other, optimised]))
 
-    def test_no_more_than_eight_are_read_together(self) -> None:
-        sources = [self.add(f"host/number{i}.cpp") for i in range(17)]
-        self.assertEqual([8, 8, 1], [len(batch) for batch in self.tree().batches(sources)])
+    def test_no_more_than_fourteen_are_read_together(self) -> None:
+        sources = [self.add(f"host/number{i}.cpp") for i in range(30)]
+        self.assertEqual([14, 14, 2], [len(batch) for batch in self.tree().batches(sources)])
+
+    def test_what_makes_a_program_of_its_own_is_read_by_itself(self) -> None:
+        program = self.add("host/program.cpp", "int main(int argc, char **argv) { return argc; }\n")
+        target = self.add("host/target.cpp", 'extern "C" int LLVMFuzzerTestOneInput(const uint8_t *, size_t);\n')
+        one, two = self.add("host/one.cpp"), self.add("host/two.cpp", "int domain(int number);\n")
+        self.assertCountEqual([[one, two], [program], [target]], self.tree().batches([one, program, target, two]))
 
     def test_one_that_may_declare_to_use_what_only_others_use_is_read_by_itself(self) -> None:
         idle = self.add("host/idle.cpp", "using std::string;\n")
@@ -93,13 +97,15 @@ class Findings(MadeUpTree):
         self.assertEqual((True, "", ["together.cpp"]), self.examine(sources))
         self.assertEqual((True, "", []), self.examine(sources))
 
-    def test_where_anything_is_found_together_each_is_read_by_itself_until_it_is_clean(self) -> None:
-        sources = [self.add("host/one.cpp"), self.add("host/two.cpp", "int wrong;\n"), self.add("host/three.cpp")]
-        finding = f"{sources[1]}:1:int wrong;\n"
-        self.assertEqual((False, finding, ["together.cpp", "one.cpp", "two.cpp", "three.cpp"]), self.examine(sources))
-        self.assertEqual((False, finding, ["two.cpp"]), self.examine(sources))
-        sources[1].write_text("int right;\n", "utf-8")
-        self.assertEqual((True, "", ["two.cpp"]), self.examine(sources))
+    def test_where_anything_is_found_together_the_half_that_has_it_is_parted_down_to_the_source(self) -> None:
+        sources = [self.add(f"host/{name}.cpp") for name in ("one", "two", "three", "four")]
+        sources[2].write_text("int wrong;\n", "utf-8")
+        finding = f"{sources[2]}:1:int wrong;\n"
+        read = ["together.cpp", "together.cpp", "together.cpp", "three.cpp", "four.cpp"]
+        self.assertEqual((False, finding, read), self.examine(sources))
+        self.assertEqual((False, finding, ["three.cpp"]), self.examine(sources))
+        sources[2].write_text("int right;\n", "utf-8")
+        self.assertEqual((True, "", ["three.cpp"]), self.examine(sources))
 
 
 if __name__ == "__main__":

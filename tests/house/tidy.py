@@ -6,8 +6,9 @@ is the same in a copy of the tree. The numbers are names of empty files in build
 
 The checks visit the declarations of this tree alone, which own_declarations.cpp sees to. Sources that are compiled alike
 are read several at a time, one behind the other in one file, so that what they include is read once. Where anything is
-found in that, or they cannot stand together, each is read by itself, and so is one in which a name that it declares
-to use, and does not, might pass for used by another.
+found in that, or they cannot stand together, each half of them is read, down to the one source that has it: what is said
+is always said of a source that was read by itself. Read by themselves are from the start those that have what a program
+has once, and those in which a name that they declare to use, and do not, might pass for used by another.
 """
 
 from __future__ import annotations
@@ -29,7 +30,8 @@ _TIDY = "clang-tidy-14"
 _PLUGIN = Path(__file__).with_name("own_declarations.cpp")
 _INCLUDE = re.compile(rb'^[ \t]*#[ \t]*(?:include|import)[ \t]*["<]([^">]+)[">]', re.MULTILINE)
 _USING = re.compile(r"^\s*(?:using (?:[\w:]+::)?(\w+);|namespace (\w+) =)", re.MULTILINE)
-_TOGETHER = 8
+_PROGRAM = re.compile(r"^(?:extern \"C\" )?int (?:main|LLVMFuzzerTestOneInput)\(", re.MULTILINE)
+_TOGETHER = 14
 # The packages whose headers sources include; a new version may mean other findings.
 _PACKAGES = ("clang-tidy-14", "libstdc++-12-dev", "libc6-dev", "libicu-dev", "doctest-dev", "valgrind")
 
@@ -76,10 +78,11 @@ class Tree:
         alike: dict[str, list[Path]] = collections.defaultdict(list)
         alone = []
         for source in sources:
-            if _may_use_nothing(source.read_text("utf-8")):
+            text = source.read_text("utf-8")
+            if _PROGRAM.search(text) or _may_use_nothing(text):
                 alone.append([source])
             else:
-                alike[f"{source.parent} {' '.join(self._words(source))}"].append(source)
+                alike[" ".join(self._words(source))].append(source)
         together = [some[i : i + _TOGETHER] for some in alike.values() for i in range(0, len(some), _TOGETHER)]
         return together + alone
 
@@ -176,14 +179,16 @@ def tidy(tree: Tree, sources: list[Path]) -> bool:
         return False
 
     def are_clean(batch: list[Path]) -> bool:
-        if len(batch) > 1:
-            together = tree.write_batch(batch, marks[batch[0]].name)
-            examined = examine(together, together.parent)
-            if examined.returncode == 0 and not examined.stdout:
-                for source in batch:
-                    marks[source].touch()
-                return True
-        return all([is_clean(source) for source in batch])
+        if len(batch) == 1:
+            return is_clean(batch[0])
+        together = tree.write_batch(batch, marks[batch[0]].name)
+        examined = examine(together, together.parent)
+        if examined.returncode == 0 and not examined.stdout:
+            for source in batch:
+                marks[source].touch()
+            return True
+        middle = len(batch) // 2
+        return all([are_clean(batch[:middle]), are_clean(batch[middle:])])
 
     unknown = [source for source in sources if not marks[source].exists()]
     with ThreadPoolExecutor(os.cpu_count()) as pool:

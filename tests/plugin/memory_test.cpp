@@ -3,6 +3,7 @@
 
 #include "tests/plugin/bare_start.h"
 #include "tests/support/host_ages.h"
+#include "tests/support/kept_for_good.h"
 #include "tests/support/plugin_watch.h"
 
 #include <CoreServices/CoreServices.h>
@@ -12,24 +13,16 @@
 #include <iterator>
 #include <string>
 
-// Defined by the leak checker when the program is built with it.
-extern "C" [[gnu::weak]] void __lsan_disable();
-extern "C" [[gnu::weak]] void __lsan_enable();
-
 using tests::AtAges;
 using tests::BareStart;
 using tests::FailedAllocation;
+using tests::KeptForGood;
 
 namespace {
 
-/// A host keeps what it is handed for good, and the plugin frees none of it: what is allocated meanwhile is no leak.
 BareStart Started(double version) {
-    if (__lsan_disable)
-        __lsan_disable();
-    BareStart start(version);
-    if (__lsan_enable)
-        __lsan_enable();
-    return start;
+    const KeptForGood kept;
+    return BareStart(version);
 }
 
 /// The place of a table's address in the class record, its count behind it.

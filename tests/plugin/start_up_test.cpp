@@ -2,29 +2,15 @@
 #include <doctest/doctest.h>
 
 #include "tests/support/host_ages.h"
+#include "tests/support/kept_for_good.h"
 #include "tests/support/test_session.h"
-
-// Defined by the leak checker when the program is built with it.
-extern "C" [[gnu::weak]] void __lsan_disable();
-extern "C" [[gnu::weak]] void __lsan_enable();
 
 using sim::host::HostOptions;
 using tests::AtAges;
+using tests::KeptForGood;
 using tests::TestSession;
 
 namespace {
-
-/// What is allocated while it lives is no leak.
-struct KeptForGood {
-    KeptForGood() {
-        if (__lsan_disable)
-            __lsan_disable();
-    }
-    ~KeptForGood() {
-        if (__lsan_enable)
-            __lsan_enable();
-    }
-};
 
 struct Age {
     std::optional<double> version;

@@ -5,6 +5,7 @@
 #include "tests/simulator/macos/query/support/test_query.h"
 #include "tests/simulator/macos/query/support/values.h"
 #include "tests/simulator/macos/support/balance.h"
+#include "tests/support/printed_lists.h"
 
 #include <limits>
 #include <map>
@@ -74,15 +75,6 @@ template <> struct StringMaker<sim::macos::Notification> {
         list("~", each.changed);
         list("-", each.removed);
         return (text + " =" + std::to_string(each.count)).c_str();
-    }
-};
-
-template <typename Element> struct StringMaker<std::vector<Element>> {
-    static String convert(const std::vector<Element> &elements) {
-        String text = "{";
-        for (const Element &element : elements)
-            text += String(" ") + toString(element);
-        return text + " }";
     }
 };
 
