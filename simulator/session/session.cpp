@@ -59,8 +59,7 @@ std::vector<std::string> Session::Balance() const {
 std::vector<std::string> Session::NewlyOutOfBalance() {
     std::vector<std::string> lines = host_.NewlyOutOfBalance();
     AddSystemBalance(lines, macos::ledger::Since(before_, [this](const macos::ledger::Mark &mark) {
-                         const auto [known, isNew] = told_.try_emplace(mark.serial, mark.retainCount);
-                         return std::exchange(known->second, mark.retainCount) != mark.retainCount || isNew;
+                         return std::exchange(told_[mark.serial], mark.retainCount) != mark.retainCount;
                      }));
     return lines;
 }

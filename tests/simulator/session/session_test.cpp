@@ -48,6 +48,20 @@ TEST_CASE("One session after the other starts afresh") {
     });
 }
 
+TEST_CASE("What is left over is told of anew when its retain count is another") {
+    sim::Session session(Options());
+    const CFTypeRef left = CFStringCreateWithCString(nullptr, "left", kCFStringEncodingUTF8);
+    CHECK(AnyLineHas(session.NewlyOutOfBalance(), "still alive: CFString \"left\""));
+    CHECK(session.NewlyOutOfBalance().empty());
+    CHECK(AnyLineHas(session.Balance(), "still alive: CFString \"left\""));
+    CFRetain(left);
+    CHECK(AnyLineHas(session.NewlyOutOfBalance(), "\"left\", retain count 2"));
+    CHECK(session.NewlyOutOfBalance().empty());
+    CFRelease(left);
+    CFRelease(left);
+    CHECK(session.NewlyOutOfBalance().empty());
+}
+
 TEST_CASE("A query that is leaked shows in the balance, with its observers and where it was made") {
     sim::Session session(Options());
     Object query = session.Host().Create("MDQueryQTX");

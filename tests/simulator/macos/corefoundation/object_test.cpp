@@ -207,6 +207,23 @@ TEST_CASE("The ledger tells a release too many and a retain too many of an objec
     CFRelease(outer.Get());
 }
 
+TEST_CASE("The ledger tells of those alone that are wanted, by what they are now") {
+    const auto held = MakeString("held");
+    const ledger::Snapshot before = ledger::Take();
+    const auto one = MakeString("one"), other = MakeString("other");
+    CFRetain(held.Get());
+    const ledger::Difference made =
+        ledger::Since(before, [&](const ledger::Mark &mark) { return mark.object == one.Get(); });
+    REQUIRE_EQ(made.made.size(), 1);
+    CHECK_EQ(made.made[0].description, "\"one\"");
+    CHECK(made.changed.empty());
+    const ledger::Difference changed =
+        ledger::Since(before, [](const ledger::Mark &mark) { return mark.retainCount == 2; });
+    CHECK(changed.made.empty());
+    CHECK_EQ(changed.changed.size(), 1);
+    CFRelease(held.Get());
+}
+
 TEST_CASE("The ledger tells an object that died although somebody still counts on it") {
     CFStringRef string = CFStringCreateWithCString(nullptr, "lost", kCFStringEncodingUTF8);
     const ledger::Snapshot before = ledger::Take();
