@@ -15,7 +15,7 @@ namespace {
 using host::Value;
 
 /// What a program makes in a few steps must not exhaust the process.
-constexpr size_t kLongestText = 1 << 24;
+constexpr size_t kLongestText = 1 << 23;
 
 /// Whole numbers wrap around, as they do in a compiled program.
 template <class T> T Sum(T left, T right, BinaryOperator op) {
@@ -58,10 +58,11 @@ Value Power(Execution &, const Value &left, const Value &right, const Location &
 }
 
 Value Joined(Execution &execution, const Value &left, const Value &right, const Location &where) {
-    std::string text = left.As<std::string>() + right.As<std::string>();
-    if (text.size() > kLongestText)
+    std::string text = left.As<std::string>();
+    const std::string more = right.As<std::string>();
+    if (text.size() + more.size() > kLongestText)
         execution.Raise("OutOfMemoryException", "no text can be that long", where);
-    return text;
+    return text += more;
 }
 
 template <BinaryOperator op> bool Holds(std::partial_ordering order) {
